@@ -1,0 +1,19 @@
+// Reading of the head of the control file: title, form, job lines, file names and output lines.
+#pragma once
+
+#include "run/job.h"
+
+namespace corvinet {
+
+// Reads the head of the control file on unit 1 and writes the conditions of
+// the run on the report and the summary. Unit 1 must be open at its start and
+// the defaults set.
+void ReadControlFile(Job& job);
+
+// Reads the numerical peak shapes of the open shape file (unit 24).
+void ReadShapeFile(Job& job);
+
+// Reads the intensity-correction table of pattern `ip` from the open unit 25.
+void ReadCorrectionFile(Job& job, int ip);
+
+}  // namespace corvinet

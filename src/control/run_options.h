@@ -1,0 +1,35 @@
+// Run-level options of a job, named by the control file's upper-case fields.
+#pragma once
+
+#include <string>
+
+#include "run/table1.h"
+
+namespace corvinet {
+
+struct RunOptions {
+  std::string Title;    // control-file title, at most 70 characters
+  int NPATT = 1;        // number of patterns
+  int NPHASE = 1;       // number of phases (Nph)
+  int IDUM = 0;         // cycle control (Dum)
+  int IASG = 0;         // rebuild the reflection order every cycle (Ias)
+  int NRELL = 0;        // hard limits to read / parameters to search (Nre)
+  int ICRYG = 0;        // 0 profiles, 1 integrated intensities, 2/-2 search (Cry)
+  int MAT = 0;          // correlation-matrix output (Mat)
+  int NXT = 1;          // control-file output (Pcr)
+  int IPL1 = 1;         // first symmetry-output option (Syo)
+  int JCIL = 0;         // .rpa output (Rpa)
+  int JSY = 0;          // .sym output (Sym)
+  int ISHOR = 0;        // short output (Sho)
+  int NCY = 1;          // number of cycles
+  float EPS = 0.2f;     // convergence value
+  int MAXS = 0;         // number of refined parameters
+  Table1<float, 5> relaxationFactor{{1.0f, 1.0f, 1.0f, 1.0f, 1.0f}};  // R_at, R_an, R_pr, R_gl
+  int commentedOutput = 1;
+  int firstFurtherParameter = 59;
+  bool ConvergenceTestActive = false;
+  bool integratedObservations = false;
+  bool singlePatternForm = true;  // the head had no NPATT line
+};
+
+}  // namespace corvinet

@@ -1,0 +1,355 @@
+// Start-up, the loop of jobs, the continue dialogs, one run, and the cyclic mode.
+#include "run/run_driver.h"
+
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+
+#include "control/run_block.h"
+#include "run/defaults.h"
+#include "run/file_set.h"
+#include "run/fortran_format.h"
+#include "surface/console.h"
+#include "surface/prompts.h"
+
+namespace corvinet {
+
+namespace {
+
+constexpr const char* kStarLine = "********************************************************";
+constexpr const char* kVersionLine = "** PROGRAM CORVINET.99 (Version 0.3  - Apr99-QMV TRX) **";
+
+std::string WithSlash(std::string directory) {
+  if (!directory.empty() && directory.back() != '/') directory += '/';
+  return directory;
+}
+
+std::string CutAtFirstDot(const std::string& name) { return name.substr(0, name.find('.')); }
+
+// Finds the directory-memory file and reads the start directory from it.
+void OpenDirectoryMemory(Job& job) {
+  DriverState& d = job.driver;
+  TextUnit& unit = job.files.units[Unit::DirMemory];
+  if (FileExists("corvinet.dir")) {
+    d.dirMemoryPath = "corvinet.dir";
+  } else {
+    const char* env = std::getenv("CORVINET");
+    std::string value = env != nullptr ? CutText(env, 256) : std::string();
+    if (Trim(value).empty()) return;
+    d.envDirectory = WithSlash(std::string(TrimRight(value)));
+    d.dirMemoryPath = d.envDirectory + "corvinet.dir";
+    if (!FileExists(d.dirMemoryPath)) {
+      d.dirMemoryOpen = OpenUnit(unit, d.dirMemoryPath, OpenStatus::Unknown);
+      return;
+    }
+  }
+  d.dirMemoryOpen = OpenUnit(unit, d.dirMemoryPath, OpenStatus::Unknown);
+  std::string line;
+  if (d.dirMemoryOpen && ReadRecord(unit, line, 256) == RecordRead::Ok) {
+    d.startDirectory = WithSlash(LeftJustified(TrimRight(line)));
+  }
+}
+
+void RememberDirectory(Job& job) {
+  TextUnit& unit = job.files.units[Unit::DirMemory];
+  Rewind(unit);
+  WriteRecord(unit, TrimRight(job.driver.startDirectory));
+  WriteRecord(unit, TrimRight(job.driver.PcrCode));
+  std::fflush(unit.file);
+}
+
+// Takes the codes from the command line, or from the file dialogs.
+void ChooseJob(Job& job) {
+  DriverState& d = job.driver;
+  if (d.commandLineLength != 0) {
+    std::string line(Trim(d.commandLine));
+    std::size_t blank = line.find(' ');
+    d.PcrCode = line.substr(0, blank);
+    d.DatCode = blank == std::string::npos ? std::string() : TrimmedCopy(line.substr(blank));
+    return;
+  }
+  auto chosen = FileOpenDialog(job, "PCR files", "*.PCR", "Select input PCR file:", d.startDirectory);
+  if (!chosen) return;
+  std::string directory, file;
+  SplitPath(*chosen, directory, file);
+  d.startDirectory = directory;
+  // The dialog leaves the chosen directory as the current one.
+  if (!directory.empty() && ::chdir(directory.c_str()) != 0) {
+    ConsoleLine(job, " => Cannot enter the directory: " + directory);
+  }
+  d.PcrCode = CutAtFirstDot(file);
+  for (const char* ext : {".dat", ".uxd", ".int"}) {
+    if (FileExists(d.PcrCode + ext)) {
+      d.DatCode = d.PcrCode;
+      return;
+    }
+  }
+  auto data = FileOpenDialog(job, "Data files", "*.dat; *.uxd; *.int; *.acq", "Select data file:",
+                             d.startDirectory);
+  if (!data) return;
+  SplitPath(*data, directory, file);
+  d.DatCode = CutAtFirstDot(file);
+}
+
+void WriteConsoleBanner(Job& job) {
+  ConsoleLine(job, std::string("   ") + kStarLine);
+  ConsoleLine(job, std::string("   ") + kVersionLine);
+  ConsoleLine(job, std::string("   ") + kStarLine);
+  ConsoleLine(job, "                 M U L T I -- P A T T E R N                ");
+  ConsoleLine(job, "      Rietveld, Profile Matching & Integrated Intensity");
+  ConsoleLine(job, "           Refinement of X-ray and/or Neutron Data");
+  ConsoleLine(job, "              (Multi_Pattern: Windows-version)");
+  ConsoleLine(job, "");
+}
+
+void WriteReportBanner(Job& job) {
+  WriteReports(job, "");
+  WriteReports(job, "");
+  WriteReports(job, std::string("        ") + kStarLine);
+  WriteReports(job, std::string("        ") + kVersionLine);
+  WriteReports(job, std::string("        ") + kStarLine);
+  WriteReports(job, "                      M U L T I -- P A T T E R N                ");
+  WriteReports(job, "           Rietveld, Profile Matching & Integrated Intensity");
+  WriteReports(job, "                Refinement of X-ray and/or Neutron Data");
+  WriteReports(job, "");
+  WriteReports(job, "");
+}
+
+// "dd/mm/yyyy" and "hh:mm:ss.sss" of a stamp.
+std::string DayText(const DateTimeStamp& s) {
+  return s.date.substr(6, 2) + "/" + s.date.substr(4, 2) + "/" + s.date.substr(0, 4);
+}
+std::string ClockText(const DateTimeStamp& s) {
+  return s.time.substr(0, 2) + ":" + s.time.substr(2, 2) + ":" + s.time.substr(4, 6);
+}
+
+bool IsCyclicCode(const std::string& code) {
+  std::string_view c = TrimRight(code);
+  return c == "cyc" || c == "CYC" || c == "Cyc";
+}
+
+void CloseAllUnits(Job& job) {
+  for (TextUnit& unit : job.files.units) CloseUnit(unit);
+}
+
+void RunJobs(Job& job) {
+  DriverState& d = job.driver;
+  for (;;) {
+    ChooseJob(job);
+    WriteConsoleBanner(job);
+    if (IsCyclicCode(d.PcrCode)) {
+      d.cyclicMode = 1;
+      RunCyclic(job);
+      return;
+    }
+    d.cyclicMode = 0;
+    if (Trim(d.DatCode).empty()) d.DatCode = d.PcrCode;
+    while (d.answer == 's' || d.answer == 'S') {
+      RunOneJob(job);
+      ConsoleLine(job, "");
+      ConsoleLine(job, " => File : " + d.PcrCode);
+      AskContinue(job);
+    }
+    if (d.dirMemoryOpen) RememberDirectory(job);
+    if (d.answer != 'a' && d.answer != 'A') return;
+    d.answer = 's';
+    d.commandLineLength = 0;
+    d.commandLine.clear();
+  }
+}
+
+}  // namespace
+
+int Main(Job& job, const std::vector<std::string>& arguments) {
+  DriverState& d = job.driver;
+  job.console.ConsoleUnit = Unit::Console;
+  d.commandLine.clear();
+  for (const std::string& word : arguments) {
+    if (!d.commandLine.empty()) d.commandLine += ' ';
+    d.commandLine += word;
+  }
+  d.commandLine = CutText(d.commandLine, 256);
+  d.commandLineLength = static_cast<int>(TrimRight(d.commandLine).size());
+  int exitCode = 0;
+  try {
+    OpenDirectoryMemory(job);
+    RunJobs(job);
+    if (d.dirMemoryOpen) {
+      RememberDirectory(job);
+      CloseUnit(job.files.units[Unit::DirMemory]);
+    }
+    StopBox(job, " END ");
+  } catch (const ProcessStop& stop) {
+    exitCode = stop.exitCode;
+  }
+  CloseAllUnits(job);
+  return exitCode;
+}
+
+void AskContinue(Job& job) {
+  if (AskYesNo(job, "Corvinet Refinement", "Continue with the same data?", true)) {
+    job.driver.answer = 's';
+  } else if (AskYesNo(job, "Corvinet Refinement", "Continue with other data?", true)) {
+    job.driver.answer = 'a';
+  } else {
+    job.driver.answer = 'k';
+  }
+}
+
+void SplitPath(const std::string& path, std::string& directoryOut, std::string& fileOut) {
+  std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos) {
+    directoryOut.clear();
+    fileOut = path;
+    return;
+  }
+  directoryOut = path.substr(0, slash + 1);
+  fileOut = path.substr(slash + 1);
+}
+
+void CpuTimer(Job& job, int mode, bool print) {
+  const double seconds = static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
+  if (mode == 1) {
+    job.driver.cpuStart = seconds;
+    return;
+  }
+  job.driver.cpuEnd = seconds;
+  if (!print) return;
+  const double used = job.driver.cpuEnd - job.driver.cpuStart;
+  const std::string lines[] = {Fmt("(10X,'    CPU Time:',F10.3,' seconds')", used),
+                               Fmt("(10X,'             ',F10.3,' minutes')", used * (1.0 / 60.0))};
+  for (const std::string& line : lines) {
+    ConsoleLine(job, line);
+    WriteReports(job, line);
+  }
+}
+
+DateTimeStamp DateTime() {
+  using namespace std::chrono;
+  const auto now = system_clock::now();
+  const std::time_t t = system_clock::to_time_t(now);
+  const int millis = static_cast<int>(duration_cast<milliseconds>(now.time_since_epoch()).count() % 1000);
+  std::tm local{};
+  localtime_r(&t, &local);
+  DateTimeStamp s;
+  s.date = Fmt("(I4.4,I2.2,I2.2)", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
+  s.time = Fmt("(3I2.2,'.',I3.3)", local.tm_hour, local.tm_min, local.tm_sec, millis);
+  s.DateLine = "    Date: " + DayText(s) + "  Time: " + ClockText(s);
+  return s;
+}
+
+std::string NumberedCode(const std::string& stem, int n) {
+  return std::string(TrimRight(stem)) + Fmt("(I0)", n);
+}
+
+void RunOneJob(Job& job) {
+  DriverState& d = job.driver;
+  CpuTimer(job, 1, false);
+  OpenFiles(job, 1, 0, 0);
+  if (IsStartingCode(d.PcrCode)) {
+    ResetDefaults(job);
+    StopBox(job, " => The starting template cannot be generated by this version of Corvinet");
+  }
+  OpenFiles(job, 2, 0, 0);
+  WriteReportBanner(job);
+  DateTimeStamp start = DateTime();
+  WriteReports(job, start.DateLine);
+  ConsoleLine(job, "");
+  ConsoleLine(job, " => START Date:" + DayText(start) + "  Time => " + ClockText(start));
+  WriteReports(job, " => PCR file code: " + std::string(TrimRight(d.PcrCode)));
+
+  d.stopRequested = 0;
+  ResetDefaults(job);
+  ReadControlFile(job);
+  // The refinement engine and the final report follow the reading of the
+  // pattern and phase blocks, which this version does not read yet.
+
+  CpuTimer(job, 2, true);
+  DateTimeStamp end = DateTime();
+  WriteReports(job, "");
+  WriteReports(job, " => Run finished at: " + end.DateLine);
+  ConsoleLine(job, "");
+  ConsoleLine(job, " => END   Date:" + DayText(end) + "  Time => " + ClockText(end));
+  CloseUnit(job.files.units[Unit::Out]);
+  CloseUnit(job.files.units[Unit::Sum]);
+}
+
+void RunCyclic(Job& job) {
+  DriverState& d = job.driver;
+  d.PcrCode.clear();
+  ConsoleLine(job, "  ==> Code of the starting *.pcr file (xx for xx.pcr): ");
+  auto answer = ReadConsoleAnswer(job);
+  if (!answer) {
+    ConsoleLine(job, " => Normal end...");
+    return;
+  }
+  d.PcrCode = TrimmedCopy(*answer);
+  const std::size_t shownLength = std::max<std::size_t>(d.PcrCode.size(), 17);
+  ConsoleLine(job, "  ==> Give the code of data files (yy for yynnn.dat,uxd,acq)  ");
+  ConsoleLine(job, "                               (<cr> =" + FixedText(d.PcrCode, shownLength) + "): ");
+  answer = ReadConsoleAnswer(job);
+  d.DatCode = answer ? TrimmedCopy(*answer) : std::string();
+  if (d.DatCode.empty()) d.DatCode = d.PcrCode;
+  const std::string dataCodeStem = CutText(d.DatCode, 16);
+
+  int firstNumber = 0;
+  int lastNumber = 0;
+  ConsoleLine(job, "  ==> Number of the starting *.dat file: ");
+  answer = ReadConsoleAnswer(job);
+  if (!answer || ReadListLine(*answer, {{ReadTarget(&firstNumber)}}) == ReadStatus::BadValue) {
+    ConsoleLine(job, " => Normal end...");
+    return;
+  }
+  ConsoleLine(job, "  ==> Number of the     last *.dat file: ");
+  answer = ReadConsoleAnswer(job);
+  if (!answer || ReadListLine(*answer, {{ReadTarget(&lastNumber)}}) == ReadStatus::BadValue) {
+    ConsoleLine(job, " => Normal end...");
+    return;
+  }
+  const int step = lastNumber < firstNumber ? -1 : 1;
+
+  OpenUnit(job.files.units[Unit::CyclicLog], d.PcrCode + ".log", OpenStatus::Unknown);
+  job.console.ConsoleUnit = Unit::CyclicLog;
+  const char* indent = "     ";
+  ConsoleLine(job, "");
+  ConsoleLine(job, indent + std::string("   ") + kStarLine);
+  ConsoleLine(job, indent + std::string("   ") + kVersionLine);
+  ConsoleLine(job, indent + std::string("   ") + kStarLine);
+  ConsoleLine(job, indent + std::string("      Rietveld, Profile Matching & Integrated Intensity"));
+  ConsoleLine(job, indent + std::string("           Refinement of X-ray and/or Neutron Data"));
+  ConsoleLine(job, indent + std::string("        (Single_Pattern: Windows-version - CYCLIC mode)"));
+  ConsoleLine(job, indent + std::string("                     L O G   F I L E"));
+  ConsoleLine(job, " => Analysis of data files of code: " + dataCodeStem);
+  ConsoleLine(job, Fmt("(A,I6,A,I6)", "    between  numbers ", firstNumber, " and ", lastNumber));
+  ConsoleLine(job, " => The code of the starting *.pcr file is:" + d.PcrCode);
+  job.console.ConsoleUnit = Unit::Console;
+  ConsoleLine(job, "");
+  ConsoleLine(job, "");
+  job.console.ConsoleUnit = Unit::CyclicLog;
+
+  const std::string outName = d.PcrCode + ".out";
+  const std::string sumName = d.PcrCode + ".sum";
+  const int rounds = (lastNumber - firstNumber + step) / step;
+  for (int round = 0, n = firstNumber; round < rounds; ++round, n += step) {
+    d.DatCode = NumberedCode(dataCodeStem, n);
+    if (!FileExists(d.DatCode + ".dat")) continue;
+    RunOneJob(job);
+    job.console.ConsoleUnit = Unit::Console;
+    ConsoleLine(job, Fmt("(A,A,A,F12.4,A)", " ##### ", d.DatCode, ": Chi2 = ", job.globalChi2,
+                         "  #####"));
+    job.console.ConsoleUnit = Unit::CyclicLog;
+    // The run's report and summary are removed so that they do not pile up.
+    std::error_code ignored;
+    std::filesystem::remove(outName, ignored);
+    std::filesystem::remove(sumName, ignored);
+    WriteLine(job, Unit::CyclicLog, std::string(80, '-'));
+  }
+  job.console.ConsoleUnit = Unit::Console;
+  ConsoleLine(job, " => Normal end...");
+}
+
+}  // namespace corvinet

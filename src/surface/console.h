@@ -1,0 +1,38 @@
+// Console lines, the stop box and the stop that unwinds a run to the entry of the program.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "run/job.h"
+#include "run/text.h"
+
+namespace corvinet {
+
+// Thrown to end the process: by a stop box with its stop flag, or by an end of
+// file on a unit where it is fatal. Caught only by Main.
+struct ProcessStop {
+  int exitCode = 0;
+};
+
+// Writes a console line: an empty text gives two blanks, a text that begins
+// with "==" gets " =>" in front.
+void ConsoleLine(Job& job, std::string_view text);
+
+// Writes the text followed by a number: mode 1 the integer in I8, 2 the real
+// in G12.4, 3 both joined by "and ".
+void ConsoleLineWithNumber(Job& job, std::string_view text, int intValue, float realValue,
+                           int mode);
+
+// Blanks the text over its trimmed length.
+void ClearText(std::string& text);
+
+// Shows the box "Stop/Warning Box" with the text; a non-zero flag ends the process.
+void StopBox(Job& job, std::string_view text, int stopFlag = 1);
+
+// Writes a line on a unit; unit 6 is the console.
+void WriteLine(Job& job, int unit, std::string_view text);
+// Writes a line on the report (unit 7) and the summary (unit 8).
+void WriteReports(Job& job, std::string_view text);
+
+}  // namespace corvinet

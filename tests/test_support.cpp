@@ -1,0 +1,119 @@
+// Test helpers: scratch directories, captured consoles, runs of the program, normalised reports.
+#include "test_support.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <regex>
+#include <sstream>
+
+namespace corvinet::testing {
+
+ScratchDir::ScratchDir() {
+  std::string pattern = (std::filesystem::temp_directory_path() / "corvinet-XXXXXX").string();
+  char* made = ::mkdtemp(pattern.data());
+  path = made != nullptr ? std::filesystem::path(made) : std::filesystem::temp_directory_path();
+  previous = std::filesystem::current_path();
+  std::filesystem::current_path(path);
+}
+
+ScratchDir::~ScratchDir() {
+  std::error_code ignored;
+  std::filesystem::current_path(previous, ignored);
+  std::filesystem::remove_all(path, ignored);
+}
+
+void ScratchDir::Write(const std::string& name, const std::string& text) const {
+  std::filesystem::create_directories((path / name).parent_path());
+  std::ofstream out(path / name, std::ios::binary);
+  out << text;
+}
+
+std::string ScratchDir::Read(const std::string& name) const {
+  std::ifstream in(path / name, std::ios::binary);
+  std::stringstream all;
+  all << in.rdbuf();
+  return all.str();
+}
+
+bool ScratchDir::Exists(const std::string& name) const {
+  return std::filesystem::exists(path / name);
+}
+
+CapturedJob::CapturedJob(const std::string& answers) : job(std::make_unique<Job>()), input(answers) {
+  job->console.out = ::open_memstream(&buffer, &size);
+  job->console.in = input.empty() ? std::fopen("/dev/null", "r")
+                                  : ::fmemopen(input.data(), input.size(), "r");
+}
+
+CapturedJob::~CapturedJob() {
+  for (TextUnit& unit : job->files.units) CloseUnit(unit);
+  std::fclose(job->console.out);
+  std::fclose(job->console.in);
+  std::free(buffer);
+}
+
+std::string CapturedJob::Console() {
+  std::fflush(job->console.out);
+  return std::string(buffer, size);
+}
+
+BinaryRun RunBinary(const std::filesystem::path& dir, const std::string& arguments,
+                    const std::string& input, const std::string& environment) {
+  const std::filesystem::path in = dir / ".stdin";
+  const std::filesystem::path out = dir / ".stdout";
+  {
+    std::ofstream file(in, std::ios::binary);
+    file << input;
+  }
+  std::string command = "cd '" + dir.string() + "' && env -u CORVINET " + environment + " '" +
+                        CORVINET_BINARY + "' " + arguments + " < '" + in.string() + "' > '" +
+                        out.string() + "' 2>&1";
+  int status = std::system(command.c_str());
+  BinaryRun run;
+  run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  std::ifstream file(out, std::ios::binary);
+  std::stringstream all;
+  all << file.rdbuf();
+  run.output = all.str();
+  std::filesystem::remove(in);
+  std::filesystem::remove(out);
+  return run;
+}
+
+std::vector<std::string> SplitLines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::string line;
+  std::istringstream in(text);
+  while (std::getline(in, line)) lines.push_back(line);
+  return lines;
+}
+
+std::string NormaliseLine(const std::string& line) {
+  static const std::regex date(R"(\d\d/\d\d/\d\d\d\d)");
+  static const std::regex clock(R"(\d\d:\d\d:\d\d\.\d\d\d)");
+  static const std::regex cpu(R"([ 0-9]{5}[0-9]\.[0-9]{3}( seconds| minutes)$)");
+  std::string s = std::regex_replace(line, date, "dd/mm/yyyy");
+  s = std::regex_replace(s, clock, "hh:mm:ss.sss");
+  s = std::regex_replace(s, cpu, "<cpu time>$1");
+  // Trailing blanks carry nothing and are not compared.
+  s.erase(s.find_last_not_of(' ') + 1);
+  return s;
+}
+
+std::vector<std::string> NormaliseLines(const std::vector<std::string>& lines) {
+  std::vector<std::string> out;
+  out.reserve(lines.size());
+  for (const std::string& line : lines) out.push_back(NormaliseLine(line));
+  return out;
+}
+
+std::string TestData(const std::string& relative) {
+  std::ifstream in(std::string(CORVINET_TEST_DATA) + "/" + relative, std::ios::binary);
+  std::stringstream all;
+  all << in.rdbuf();
+  return all.str();
+}
+
+}  // namespace corvinet::testing

@@ -1,0 +1,57 @@
+// Helpers shared by the tests: temporary directories, a job with captured console, runs of the binary.
+#pragma once
+
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "run/job.h"
+
+namespace corvinet::testing {
+
+// A fresh directory that is removed with the object; the process works inside it.
+struct ScratchDir {
+  std::filesystem::path path;
+  std::filesystem::path previous;
+  ScratchDir();
+  ~ScratchDir();
+  void Write(const std::string& name, const std::string& text) const;
+  std::string Read(const std::string& name) const;
+  bool Exists(const std::string& name) const;
+};
+
+// A job whose console writes into memory and reads from a given text.
+struct CapturedJob {
+  std::unique_ptr<Job> job;
+  char* buffer = nullptr;
+  std::size_t size = 0;
+  std::string input;
+  explicit CapturedJob(const std::string& answers = "");
+  ~CapturedJob();
+  std::string Console();
+  Job& operator*() { return *job; }
+  Job* operator->() { return job.get(); }
+};
+
+// Result of running the built program.
+struct BinaryRun {
+  int exitCode = -1;
+  std::string output;
+};
+
+// Runs the corvinet binary inside `dir` with arguments and standard input.
+BinaryRun RunBinary(const std::filesystem::path& dir, const std::string& arguments,
+                    const std::string& input = "", const std::string& environment = "");
+
+std::vector<std::string> SplitLines(const std::string& text);
+
+// Replaces dates, clock times and CPU times by fixed words so that reports compare line by line.
+std::string NormaliseLine(const std::string& line);
+std::vector<std::string> NormaliseLines(const std::vector<std::string>& lines);
+
+// Text of a file of the test data directory.
+std::string TestData(const std::string& relative);
+
+}  // namespace corvinet::testing
