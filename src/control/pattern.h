@@ -3,10 +3,25 @@
 
 #include <string>
 
+#include "control/codeword.h"
 #include "run/dimension_limits.h"
 #include "run/table1.h"
 
 namespace corvinet {
+
+// An additional scattering entry of a pattern: a species with its anomalous
+// terms, or a neutron scattering length, or a form factor by coefficients or
+// by a table of points.
+struct ScatteringEntry {
+  std::string NAM;             // species name, at most 4 characters
+  float Fprime = 0.0f;         // f', or the scattering length
+  float Fsecond = 0.0f;        // f''
+  int ITAB = 0;                // entry type
+  Table1<float, 9> coef;       // form-factor coefficients
+  int tablePoints = 0;         // points of a table, at most 59
+  Table1<float, 59> tableX;
+  Table1<float, 59> tableY;
+};
 
 struct Pattern {
   float W_PAT = 1.0f;          // relative weight, normalised at reading
@@ -42,6 +57,47 @@ struct Pattern {
   int Iabscor = 2;             // absorption correction type of non-angle data
   float Temperature = 293.0f;  // sample temperature
   float Cnorm = 1.0f;          // count normalisation of the variances
+
+  // Instrument and range (instrument and cycle lines).
+  Table1<float, 2> LAMBDA;       // the two wavelengths
+  Table1<float, 2> RATIO;        // intensity of each wavelength; RATIO[1] is 1
+  bool separateUVW2 = false;     // Ratio typed negative: own U,V,W for LAMBDA[2]
+  float Bkpos = 0.0f;            // origin of the background polynomial
+  float Wdt = 0.0f;              // peak range in half widths
+  float Cthm = 0.0f;             // cos of the monochromator angle
+  float muR = 0.0f;              // effective absorption
+  float AsyLim = 0.0f;           // asymmetry applied below this angle
+  float Rpolarz = 0.0f;          // polarisation
+  float THMIN = 0.0f, STEP = 0.0f, THMAX = 0.0f;  // range and step
+  float PSD = 0.0f;
+  float Sent0 = 0.0f;            // low-angle limit of the scale correction
+  int MORE = 0;                  // microabsorption line follows
+  int equalStep = 1;             // 1 when the abscissa is equidistant
+  int stepKind = 0;              // 0 constant step, 1 interpolated at read, 2 listed points
+  float TSET = 0.0f;             // regulation temperature from the data header
+  float MONITOR = 0.0f;          // monitor from the data header
+  float Dtt1 = 0.0f, Dtt2 = 0.0f, TwoSinTh = 0.0f;  // TOF / energy conversion constants
+
+  // Global parameters with their typed codes and decoded codewords.
+  Table1<float, DimensionLimits::NGL> GLB;
+  Table1<float, DimensionLimits::NGL> GLBcode;
+  Table1<Codeword, DimensionLimits::NGL> GLBword;
+
+  // Background points and excluded regions.
+  Table1<float, DimensionLimits::IBACP + 1> BackPos;
+  Table1<float, DimensionLimits::IBACP + 1> BackInt;
+  Table1<float, DimensionLimits::IBACP + 1> BackIntCode;
+  Table1<float, DimensionLimits::IEXCL> ExclLow;
+  Table1<float, DimensionLimits::IEXCL> ExclHigh;
+  float FourierWindow = 0.0f;
+
+  // Additional scattering entries.
+  Table1<ScatteringEntry, DimensionLimits::N_SPE> scattering;
+  int scatteringTypeSum = 0;     // sum of ITAB over the entries
+
+  // Scales of the line-printer plot, read from the end lines.
+  int Iscale = 100;
+  int Idif = 100;
 
   // Intensity-correction table of the .cor file.
   int corrMode = 1;

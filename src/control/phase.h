@@ -3,17 +3,11 @@
 
 #include <string>
 
+#include "control/codeword.h"
 #include "run/dimension_limits.h"
 #include "run/table1.h"
 
 namespace corvinet {
-
-// A refinement code as typed (for instance 21.5) decoded into a parameter
-// number and a multiplier: n = trunc(|c|/10), multiplier = sign(c)(|c| - 10n).
-struct Codeword {
-  int parameter = 0;
-  float multiplier = 0.0f;
-};
 
 struct Phase {
   std::string PhaseTitle;        // at most 70 characters
@@ -21,13 +15,15 @@ struct Phase {
   std::string SpaceGroupRemark;  // text behind the symbol, at most 10 characters
   int Nat = 0;                   // number of atoms
   int Jbt = 0;                   // type of phase
+  int refinedAtomParameters = 0; // parameter numbers found among the atom codes
 };
 
 struct AtomSite {
   std::string label;    // atom label
   std::string species;  // scattering species label
   Table1<float, DimensionLimits::NAT_P> ATP;
-  Table1<float, DimensionLimits::NAT_P> ATC;  // codes as typed
+  Table1<float, DimensionLimits::NAT_P> ATCtyped;  // codes as typed
+  Table1<Codeword, DimensionLimits::NAT_P> ATC;    // decoded codes
 };
 
 }  // namespace corvinet

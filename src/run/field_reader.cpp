@@ -353,6 +353,12 @@ void FindFMT(Job& job, int unit, std::string& line, std::string& mask, std::stri
 
 int ReadMaskedLine(Job& job, int unit, std::string_view mask, int& lineNumber,
                    std::initializer_list<ReadTarget> targets, std::string* lineOut) {
+  return ReadMaskedLineList(job, unit, mask, lineNumber,
+                            std::span<const ReadTarget>(targets.begin(), targets.size()), lineOut);
+}
+
+int ReadMaskedLineList(Job& job, int unit, std::string_view mask, int& lineNumber,
+                       std::span<const ReadTarget> targets, std::string* lineOut) {
   std::string line;
   std::string maskText(mask);
   std::string format;
@@ -364,8 +370,7 @@ int ReadMaskedLine(Job& job, int unit, std::string_view mask, int& lineNumber,
   if (error == FieldError::EndOfFile) return error;
   if (format.back() == ',') format.back() = ')';
   if (format == "(") return error;
-  std::vector<ReadTarget> list(targets);
-  ReadStatus status = ReadFormattedLine(format, line, list);
+  ReadStatus status = ReadFormattedLine(format, line, targets);
   if (status == ReadStatus::BadValue) {
     ReportFieldError(job, FieldError::ReadError, line, position);
     StopAtLine(job, lineNumber);

@@ -68,6 +68,10 @@ void ToLower(std::string& text);
 int ReadMaskedLine(Job& job, int unit, std::string_view mask, int& lineNumber,
                    std::initializer_list<ReadTarget> targets, std::string* lineOut = nullptr);
 
+// The same with a list of targets built at run time.
+int ReadMaskedLineList(Job& job, int unit, std::string_view mask, int& lineNumber,
+                       std::span<const ReadTarget> targets, std::string* lineOut = nullptr);
+
 // The stop that closes every report of a bad line.
 [[noreturn]] void StopAtLine(Job& job, int lineNumber);
 

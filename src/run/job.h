@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "control/parameter_limits.h"
 #include "control/pattern.h"
 #include "control/phase.h"
 #include "control/run_options.h"
@@ -82,6 +83,7 @@ struct RunData {
   NumericalProfile numericalProfile;
   Table1<Phase, DimensionLimits::NPHT> phases;
   Table1<AtomSite, DimensionLimits::NATS> atoms;
+  ParameterLimits limits;
   int LINE = 0;             // line counter of the control file
   float globalChi2 = 0.0f;  // chi-square of the whole run
 };
