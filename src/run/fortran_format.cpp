@@ -13,9 +13,15 @@ namespace {
 // surely typing errors and would only make huge records.
 constexpr int kMaxNumber = 1'000'000;
 
-char Upper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+char Upper(char c) {
+  return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
+}
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t';
+}
 
 // Recursive-descent reader of one format text. Blanks are insignificant
 // outside literals, as in Fortran, so "( 2 I 3 )" equals "(2I3)". Commas
@@ -144,7 +150,8 @@ class FormatCompiler {
         // Hollerith literal: nHtext, the n characters after H taken as they are.
         if (!hasRepeat) Fail("H needs a character count");
         ++pos_;
-        if (text_.size() - pos_ < static_cast<std::size_t>(repeat)) Fail("H literal runs past the end");
+        if (text_.size() - pos_ < static_cast<std::size_t>(repeat))
+          Fail("H literal runs past the end");
         item.kind = FormatItem::Kind::Literal;
         item.repeat = 1;
         item.text.assign(text_.substr(pos_, static_cast<std::size_t>(repeat)));
@@ -247,6 +254,8 @@ class FormatCompiler {
 
 }  // namespace
 
-CompiledFormat CompileFormat(std::string_view text) { return FormatCompiler(text).Compile(); }
+CompiledFormat CompileFormat(std::string_view text) {
+  return FormatCompiler(text).Compile();
+}
 
 }  // namespace corvinet

@@ -21,12 +21,12 @@ struct FormatTextError : std::runtime_error {
 struct FormatItem {
   enum class Kind : std::uint8_t { I, F, E, G, A, X, Slash, Literal, GroupOpen, GroupClose };
   Kind kind = Kind::X;
-  int repeat = 1;    // repeat count (items and groups)
-  int width = 0;     // w of Iw, Fw.d, Ew.d, Gw.d, Aw (0 for A: the value's own length), n of nX
-  int digits = 0;    // d of Fw.d, Ew.d, Gw.d; m of Iw.m (1 for a plain Iw, which means Iw.1)
-  int exponent = 0;  // e of Ew.dEe (0: not given)
-  int match = -1;    // for GroupOpen/GroupClose: index of the partner item
-  std::string text;  // Literal text
+  int repeat = 1;        // repeat count (items and groups)
+  int width = 0;         // w of Iw, Fw.d, Ew.d, Gw.d, Aw (0 for A: the value's own length), n of nX
+  int digits = 0;        // d of Fw.d, Ew.d, Gw.d; m of Iw.m (1 for a plain Iw, which means Iw.1)
+  int exponent = 0;      // e of Ew.dEe (0: not given)
+  int match = -1;        // for GroupOpen/GroupClose: index of the partner item
+  std::string text;      // Literal text
   bool dLetter = false;  // Dw.d: an E item written with 'D' before the exponent
 };
 
@@ -66,6 +66,14 @@ struct FormatValue {
 // data descriptor for which no value is left. A value too wide for its field
 // fills the field with '*'. Returns the records, one string each, without
 // line ends.
+// Digits are those gfortran writes: reals are rounded from their exact binary
+// value, ties to even; a negative value that rounds to zero, and negative zero,
+// keep their minus sign ("-0.000"). Mixed kinds: an integer under F or E is
+// converted to double, under G it is written as Iw (as Fortran does); a real
+// under I is rounded to the nearest integer, halves away from zero ('*' when
+// infinite, NaN or beyond the integer range). Text under I, F, E or G, a
+// number under A, or values left over for a format without data descriptors
+// throw std::invalid_argument; a real under Ew.0 or Gw.0 throws FormatTextError.
 std::vector<std::string> FormatRecords(const CompiledFormat& format,
                                        std::span<const FormatValue> values);
 
@@ -105,6 +113,11 @@ using NextRecord = std::function<bool(std::string&)>;
 // E, D, or a bare sign ("1.0-3") are accepted. A record shorter than the
 // fields is padded with blanks. Text fields receive their characters with
 // trailing blanks removed. '/' and reversion call `next`.
+// An I field may fill a real target; a real field fills an integer target only
+// with a whole number (else BadValue). A plain A (no width) takes the rest of
+// the record. A carriage return ending a record is ignored. Text targets for
+// numeric fields, numeric targets for A, literals and zero-width I/F fields
+// throw std::invalid_argument.
 ReadStatus ReadFormatted(const CompiledFormat& format, std::string_view record,
                          const NextRecord& next, std::span<const ReadTarget> targets);
 

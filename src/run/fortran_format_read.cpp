@@ -1,4 +1,4 @@
-// Reads values from fixed columns under a compiled format, and list-directed ("free format") values.
+// Reads fixed-column values under a compiled format, and list-directed ("free format") values.
 #include <cerrno>
 #include <climits>
 #include <cmath>
@@ -15,8 +15,12 @@
 namespace corvinet {
 namespace {
 
-char Upper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+char Upper(char c) {
+  return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
+}
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
 // A record as handed over, without the carriage return of a DOS line end.
 std::string_view WithoutCarriageReturn(std::string_view record) {
@@ -181,7 +185,9 @@ Parsed ParseReal(std::string_view text, int implied, bool blanksIgnored, RealTex
   return Parsed::Ok;
 }
 
-[[noreturn]] void WrongTarget(const char* what) { throw std::invalid_argument(what); }
+[[noreturn]] void WrongTarget(const char* what) {
+  throw std::invalid_argument(what);
+}
 
 // Stores an integer; a value outside the target's range is BadValue.
 ReadStatus StoreInteger(const ReadTarget& target, const IntegerText& number) {
@@ -358,8 +364,12 @@ ReadStatus ReadFormattedLine(std::string_view format, std::string_view record,
 
 namespace {
 
-bool IsListBlank(char c) { return c == ' ' || c == '\t'; }
-bool EndsListValue(char c) { return IsListBlank(c) || c == ',' || c == '/'; }
+bool IsListBlank(char c) {
+  return c == ' ' || c == '\t';
+}
+bool EndsListValue(char c) {
+  return IsListBlank(c) || c == ',' || c == '/';
+}
 
 // Splits list-directed input into values. Separators are blanks, tabs, one
 // comma (with blanks around it), a slash, or the end of a record, which counts

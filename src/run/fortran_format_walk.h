@@ -26,7 +26,8 @@ class FormatWalker {
     while (pc_ < items.size()) {
       const FormatItem& item = items[pc_];
       if (item.kind == FormatItem::Kind::GroupOpen) {
-        if (depth_ == kMaxGroupDepth) throw std::invalid_argument("format groups nested too deeply");
+        if (depth_ == kMaxGroupDepth)
+          throw std::invalid_argument("format groups nested too deeply");
         loops_[depth_++] = Loop{pc_, item.repeat};
         ++pc_;
       } else if (item.kind == FormatItem::Kind::GroupClose) {

@@ -47,7 +47,9 @@ class DigitBuffer {
   std::string large_;
 };
 
-void AppendStars(std::string& out, int width) { out.append(static_cast<std::size_t>(width), '*'); }
+void AppendStars(std::string& out, int width) {
+  out.append(static_cast<std::size_t>(width), '*');
+}
 
 // Right-justifies [minus]head+tail in a field of `width` characters (0: just
 // as long as needed); fills the field with '*' when it does not fit.
@@ -81,8 +83,8 @@ void AppendNonFinite(std::string& out, int width, double value) {
 // Iw.m: at least m digits (leading zeros), none at all for Iw.0 of zero.
 void AppendInteger(std::string& out, int width, int minDigits, long long value) {
   const bool minus = value < 0;
-  unsigned long long magnitude =
-      minus ? 0ULL - static_cast<unsigned long long>(value) : static_cast<unsigned long long>(value);
+  unsigned long long magnitude = minus ? 0ULL - static_cast<unsigned long long>(value)
+                                       : static_cast<unsigned long long>(value);
   char digits[24];
   std::size_t count = 0;
   if (magnitude != 0 || minDigits > 0) {
@@ -135,8 +137,8 @@ void AppendFixed(std::string& out, int width, int decimals, double value) {
 // has room for it. Without Ee an exponent beyond 99 takes the place of the
 // letter ("0.12345+100"); with Ee an exponent with more than e digits, or any
 // exponent beyond 999, fills the field with '*'.
-void AppendExponential(std::string& out, int width, int decimals, int exponentDigits,
-                       double value, char letter) {
+void AppendExponential(std::string& out, int width, int decimals, int exponentDigits, double value,
+                       char letter) {
   if (!std::isfinite(value)) {
     AppendNonFinite(out, width, value);
     return;
@@ -274,7 +276,9 @@ void AppendText(std::string& out, int width, std::string_view text) {
   }
 }
 
-[[noreturn]] void WrongKind(const char* what) { throw std::invalid_argument(what); }
+[[noreturn]] void WrongKind(const char* what) {
+  throw std::invalid_argument(what);
+}
 
 double RealOf(const FormatValue& value) {
   if (value.kind == FormatValue::Kind::Text) WrongKind("text given to a numeric edit descriptor");
@@ -313,7 +317,8 @@ void AppendValue(std::string& out, const FormatItem& item, const FormatValue& va
       AppendGeneral(out, item.width, item.digits, item.exponent, RealOf(value));
       return;
     case FormatItem::Kind::A:
-      if (value.kind != FormatValue::Kind::Text) WrongKind("a number given to an A edit descriptor");
+      if (value.kind != FormatValue::Kind::Text)
+        WrongKind("a number given to an A edit descriptor");
       AppendText(out, item.width, value.t);
       return;
     default:
@@ -375,7 +380,8 @@ std::vector<std::string> FormatRecords(const CompiledFormat& format,
     }
     switch (item->kind) {
       case FormatItem::Kind::X:
-        pendingBlanks += static_cast<std::size_t>(item->width) * static_cast<std::size_t>(item->repeat);
+        pendingBlanks +=
+            static_cast<std::size_t>(item->width) * static_cast<std::size_t>(item->repeat);
         break;
       case FormatItem::Kind::Slash:
         for (int r = 0; r < item->repeat; ++r) endRecord();

@@ -134,7 +134,10 @@ INSTANTIATE_TEST_SUITE_P(
         JobWords{"0 5 1 0 0 0 0 0 0 3 0 0 0 0 0 0 0",
                  {"    Synchrotron B-B/D-S geometry"}},
         JobWords{"-2 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0",
-                 {" ==> CONDITIONS OF THIS RUN FOR PATTERN No.:  1", " => Title:Words"}}));
+                 {" ==> CONDITIONS OF THIS RUN FOR PATTERN No.:  1", " => Title:Words"}}),
+    [](const ::testing::TestParamInfo<JobWords>& info) {
+      return "JobLine" + std::to_string(info.index);
+    });
 
 TEST(HeadEndToEnd, EveryDataFormatHasItsWord) {
   const char* words[] = {

@@ -270,7 +270,10 @@ INSTANTIATE_TEST_SUITE_P(
                       BadLine{"1.5 e3", "ff", FieldError::IncompleteExponent},
                       BadLine{"1.5E-E3", "f", FieldError::IncompleteExponent},
                       BadLine{"- 5", "i", FieldError::IncompleteNumber},
-                      BadLine{"1 - 5", "ii", FieldError::IncompleteNumber}));
+                      BadLine{"1 - 5", "ii", FieldError::IncompleteNumber}),
+    [](const ::testing::TestParamInfo<BadLine>& info) {
+      return "Code" + std::to_string(info.param.error) + "Case" + std::to_string(info.index);
+    });
 
 TEST(FieldReader, FormatLongerThanALineIsRefused) {
   CapturedJob job;
