@@ -1,6 +1,11 @@
 // Test helpers: scratch directories, captured consoles, runs of the program, normalised reports.
 #include "test_support.h"
 
+#include "control/run_block.h"
+#include "run/defaults.h"
+#include "run/file_set.h"
+#include "surface/console.h"
+
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -107,6 +112,24 @@ std::vector<std::string> NormaliseLines(const std::vector<std::string>& lines) {
   out.reserve(lines.size());
   for (const std::string& line : lines) out.push_back(NormaliseLine(line));
   return out;
+}
+
+bool ReadHeadOnly(ScratchDir& dir, CapturedJob& job, const std::string& pcr) {
+  dir.Write("x.pcr", pcr);
+  job->driver.PcrCode = "x";
+  job->driver.DatCode = "x";
+  bool finished = true;
+  try {
+    OpenFiles(*job, 1, 0, 0);
+    OpenFiles(*job, 2, 0, 0);
+    ResetDefaults(*job);
+    ReadControlHead(*job);
+  } catch (const ProcessStop&) {
+    finished = false;
+  }
+  CloseUnit(job->files.units[Unit::Out]);
+  CloseUnit(job->files.units[Unit::Sum]);
+  return finished;
 }
 
 std::string TestData(const std::string& relative) {

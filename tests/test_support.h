@@ -51,6 +51,10 @@ std::vector<std::string> SplitLines(const std::string& text);
 std::string NormaliseLine(const std::string& line);
 std::vector<std::string> NormaliseLines(const std::vector<std::string>& lines);
 
+// Reads the head of the control text `pcr` as job "x" in `dir` (control file
+// x.pcr, reports x.out and x.sum); returns false when the run stopped.
+bool ReadHeadOnly(ScratchDir& dir, CapturedJob& job, const std::string& pcr);
+
 // Text of a file of the test data directory.
 std::string TestData(const std::string& relative);
 

@@ -19,6 +19,31 @@ bool UsedByGlobals(const Job& job, int n) {
   return false;
 }
 
+bool UsedByProfiles(const Job& job, int n) {
+  for (int k = 1; k <= job.run.NPHASE; ++k) {
+    for (int ip = 1; ip <= job.run.NPATT; ++ip) {
+      const PhasePattern& c = job.phases[k].pat[ip];
+      if (c.Contribution == 0) continue;
+      for (const Codeword& w : c.PAC) {
+        if (w.parameterNumber == n) return true;
+      }
+    }
+  }
+  return false;
+}
+
+bool UsedByVectors(const Job& job, int n) {
+  for (int k = 1; k <= job.run.NPHASE; ++k) {
+    const Phase& ph = job.phases[k];
+    for (int v = 1; v <= ph.Nvk && v <= DimensionLimits::NEQV; ++v) {
+      for (const Codeword& w : ph.vectors[v].KCODE) {
+        if (w.parameterNumber == n) return true;
+      }
+    }
+  }
+  return false;
+}
+
 // The phase whose atom rows hold parameter n, or 0.
 int PhaseUsingInAtoms(const Job& job, int n) {
   int row = 0;
@@ -40,12 +65,13 @@ void CheckParameterHoles(Job& job) {
   for (int k = 1; k <= job.run.NPHASE; ++k) job.phases[k].refinedAtomParameters = 0;
   bool missing = false;
   for (int n = 1; n <= job.run.MAXS; ++n) {
-    if (UsedByGlobals(job, n)) continue;
+    if (UsedByGlobals(job, n) || UsedByProfiles(job, n)) continue;
     const int k = PhaseUsingInAtoms(job, n);
     if (k > 0) {
       ++job.phases[k].refinedAtomParameters;
       continue;
     }
+    if (UsedByVectors(job, n)) continue;
     missing = true;
     ConsoleLine(job, Fmt("(A,I4)", " => Hole in the matrix!, missing element:", n));
     WriteLine(job, Unit::Out,

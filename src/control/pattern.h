@@ -115,6 +115,16 @@ struct Pattern {
   Table1<float, DimensionLimits::IDSZ> Ycalc;
   Table1<float, DimensionLimits::IDSZ> CountNorm;
   Table1<int, DimensionLimits::IDSZ> OrderCode;
+
+  // Background model state.
+  int backReadCount = 0;                             // pairs read from the .bac file
+  Table1<float, DimensionLimits::IDSZ> backReadPos;  // positions of the .bac file
+  Table1<float, DimensionLimits::IDSZ> backRead;     // heights of the .bac file (BackRead)
+  Table1<Codeword, DimensionLimits::IBACP + 1> backPointWord;  // decoded BackIntCode
+  int backRefinedPoints = 0;                                   // point heights with a parameter
+  Table1<float, DimensionLimits::IBACP + 1> backSplineY2;      // spline second derivatives
+  // Row k: the change of each spline second derivative per unit change of height k.
+  Table2<float, DimensionLimits::IBACP + 1, DimensionLimits::IBACP + 1> backSplineGain;
 };
 
 // Numerical peak shapes of the .shp file, shared by all patterns.

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "control/pattern_block.h"
 #include "control/run_messages.h"
 #include "run/field_reader.h"
 #include "run/file_set.h"
@@ -265,6 +266,11 @@ void ApplyOutputRules(Job& job) {
 }  // namespace
 
 void ReadControlFile(Job& job) {
+  ReadControlHead(job);
+  ReadInstrumentLines(job);
+}
+
+void ReadControlHead(Job& job) {
   RunOptions& r = job.run;
   job.patterns[1].W_PAT = 1.0f;
   job.LINE = 1;
@@ -300,10 +306,6 @@ void ReadControlFile(Job& job) {
   if (r.JCIL == 1) WriteRpaHead(job);
   WriteOutputOptions(job);
   if (r.JSY == 1) WriteLine(job, Unit::Sym, Fmt("(I5,F8.4)", r.IPL1, 3.5f));
-  const char* end = " => The control file has been read up to its output lines: "
-                    "this version of Corvinet reads no further";
-  ConsoleLine(job, end);
-  WriteReports(job, end);
 }
 
 }  // namespace corvinet

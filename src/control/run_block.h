@@ -5,10 +5,13 @@
 
 namespace corvinet {
 
-// Reads the head of the control file on unit 1 and writes the conditions of
-// the run on the report and the summary. Unit 1 must be open at its start and
-// the defaults set.
+// Reads the whole control file on unit 1: the head, then the pattern block
+// and the body. Unit 1 must be open at its start and the defaults set.
 void ReadControlFile(Job& job);
+
+// Reads the head of the control file (title to output lines) and writes the
+// conditions of the run on the report and the summary.
+void ReadControlHead(Job& job);
 
 // Reads the numerical peak shapes of the open shape file (unit 24).
 void ReadShapeFile(Job& job);

@@ -35,6 +35,7 @@ struct RunOptions {
   int firstFurtherParameter = 59;
   bool ConvergenceTestActive = false;
   bool integratedObservations = false;
+  bool restraintsPresent = false;  // some phase has distance or moment restraints
   bool singlePatternForm = true;  // the head had no NPATT line
 };
 

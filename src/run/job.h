@@ -9,6 +9,7 @@
 #include "control/phase.h"
 #include "control/run_options.h"
 #include "run/dimension_limits.h"
+#include "run/random_source.h"
 #include "run/table1.h"
 #include "run/text_unit.h"
 
@@ -86,6 +87,7 @@ struct RunData {
   ParameterLimits limits;
   int LINE = 0;             // line counter of the control file
   float globalChi2 = 0.0f;  // chi-square of the whole run
+  RandomSource random;      // the run's random source
 };
 
 // The run's data is reachable directly (job.run, job.patterns[ip]); the driver,

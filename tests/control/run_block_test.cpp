@@ -16,24 +16,8 @@ namespace {
 using testing::CapturedJob;
 using testing::ScratchDir;
 
-// Reads the head of `pcr` as job "x"; returns false when the run stopped.
 bool ReadHead(ScratchDir& dir, CapturedJob& job, const std::string& pcr) {
-  dir.Write("x.pcr", pcr);
-  job->driver.PcrCode = "x";
-  job->driver.DatCode = "x";
-  try {
-    OpenFiles(*job, 1, 0, 0);
-    OpenFiles(*job, 2, 0, 0);
-    ResetDefaults(*job);
-    ReadControlFile(*job);
-  } catch (const ProcessStop&) {
-    CloseUnit(job->files.units[Unit::Out]);
-    CloseUnit(job->files.units[Unit::Sum]);
-    return false;
-  }
-  CloseUnit(job->files.units[Unit::Out]);
-  CloseUnit(job->files.units[Unit::Sum]);
-  return true;
+  return testing::ReadHeadOnly(dir, job, pcr);
 }
 
 std::string SingleHead(const std::string& jobLine, const std::string& title = "Title") {

@@ -21,14 +21,14 @@ bool HasLine(const std::string& text, const std::string& line) {
 
 TEST(DriverEndToEnd, CommandLineWithOneWordTakesTheControlCodeForTheData) {
   ScratchDir dir;
-  dir.Write("abc.pcr", TestData("head/single.pcr"));
+  dir.Write("abc.pcr", TestData("head/calc.pcr"));
   RunBinary(dir.path, "abc");
   EXPECT_TRUE(HasLine(dir.Read("abc.out"), " => DAT file code: abc -> Relative contribution:   1.00000"));
 }
 
 TEST(DriverEndToEnd, SecondWordOfTheCommandLineIsTheDataCode) {
   ScratchDir dir;
-  dir.Write("abc.pcr", TestData("head/single.pcr"));
+  dir.Write("abc.pcr", TestData("head/calc.pcr"));
   RunBinary(dir.path, "abc mydata");
   EXPECT_TRUE(
       HasLine(dir.Read("abc.out"), " => DAT file code: mydata -> Relative contribution:   1.00000"));
@@ -36,7 +36,7 @@ TEST(DriverEndToEnd, SecondWordOfTheCommandLineIsTheDataCode) {
 
 TEST(DriverEndToEnd, NoCommandLineOpensTheDialogsAndRemembersNothing) {
   ScratchDir dir;
-  dir.Write("abc.pcr", TestData("head/single.pcr"));
+  dir.Write("abc.pcr", TestData("head/calc.pcr"));
   dir.Write("abc.dat", "data\n");
   auto run = RunBinary(dir.path, "", "abc.pcr\n");
   EXPECT_EQ(run.exitCode, 0);
@@ -50,7 +50,7 @@ TEST(DriverEndToEnd, NoCommandLineOpensTheDialogsAndRemembersNothing) {
 
 TEST(DriverEndToEnd, DataDialogOpensWhenNoDataFileHasTheControlCode) {
   ScratchDir dir;
-  dir.Write("abc.pcr", TestData("head/single.pcr"));
+  dir.Write("abc.pcr", TestData("head/calc.pcr"));
   auto run = RunBinary(dir.path, "", "abc.pcr\nother.xy\n");
   EXPECT_NE(run.output.find("Select data file: [Data files: *.dat; *.uxd; *.int; *.acq]"),
             std::string::npos);
@@ -59,7 +59,7 @@ TEST(DriverEndToEnd, DataDialogOpensWhenNoDataFileHasTheControlCode) {
 
 TEST(DriverEndToEnd, DialogInAnotherDirectoryRunsThere) {
   ScratchDir dir;
-  dir.Write("jobs/abc.pcr", TestData("head/single.pcr"));
+  dir.Write("jobs/abc.pcr", TestData("head/calc.pcr"));
   dir.Write("jobs/abc.uxd", "d\n");
   auto run = RunBinary(dir.path, "", (dir.path / "jobs").string() + "/abc.pcr\n");
   EXPECT_EQ(run.exitCode, 0);
@@ -68,7 +68,7 @@ TEST(DriverEndToEnd, DialogInAnotherDirectoryRunsThere) {
 
 TEST(DriverEndToEnd, EnvironmentDirectoryGetsOneSlashAndANewMemoryFile) {
   ScratchDir dir;
-  dir.Write("abc.pcr", TestData("head/single.pcr"));
+  dir.Write("abc.pcr", TestData("head/calc.pcr"));
   std::filesystem::create_directories(dir.path / "memory");
   RunBinary(dir.path, "abc", "", "CORVINET='" + (dir.path / "memory").string() + "'");
   ASSERT_TRUE(dir.Exists("memory/corvinet.dir"));
@@ -78,7 +78,7 @@ TEST(DriverEndToEnd, EnvironmentDirectoryGetsOneSlashAndANewMemoryFile) {
 
 TEST(DriverEndToEnd, MemoryFileInTheCurrentDirectoryGivesTheStartDirectory) {
   ScratchDir dir;
-  dir.Write("abc.pcr", TestData("head/single.pcr"));
+  dir.Write("abc.pcr", TestData("head/calc.pcr"));
   dir.Write("abc.dat", "d\n");
   dir.Write("corvinet.dir", "   " + dir.path.string() + "\nold\n");
   auto run = RunBinary(dir.path, "", "abc.pcr\n");
@@ -89,8 +89,8 @@ TEST(DriverEndToEnd, MemoryFileInTheCurrentDirectoryGivesTheStartDirectory) {
 
 TEST(DriverEndToEnd, AnswerOtherDataGoesThroughTheDialogsAfterACommandLine) {
   ScratchDir dir;
-  dir.Write("abc.pcr", TestData("head/single.pcr"));
-  dir.Write("two.pcr", TestData("head/single.pcr"));
+  dir.Write("abc.pcr", TestData("head/calc.pcr"));
+  dir.Write("two.pcr", TestData("head/calc.pcr"));
   dir.Write("two.dat", "d\n");
   auto run = RunBinary(dir.path, "abc", "n\ny\ntwo.pcr\n");
   EXPECT_NE(run.output.find("Select input PCR file:"), std::string::npos);
@@ -101,7 +101,7 @@ TEST(DriverEndToEnd, AnswerOtherDataGoesThroughTheDialogsAfterACommandLine) {
 
 TEST(DriverEndToEnd, AnswerSameDataRunsTheJobAgain) {
   ScratchDir dir;
-  dir.Write("abc.pcr", TestData("head/single.pcr"));
+  dir.Write("abc.pcr", TestData("head/calc.pcr"));
   auto run = RunBinary(dir.path, "abc", "y\n");
   const auto lines = SplitLines(run.output);
   EXPECT_EQ(std::count(lines.begin(), lines.end(), " => File : abc"), 2);
@@ -129,7 +129,7 @@ struct Cyclic {
   ScratchDir dir;
   testing::BinaryRun run;
   Cyclic(const std::string& word, int first, int last, const std::vector<int>& present) {
-    dir.Write("job.pcr", TestData("head/single.pcr"));
+    dir.Write("job.pcr", TestData("head/calc.pcr"));
     for (int n : present) dir.Write("ser" + std::to_string(n) + ".dat", "data\n");
     run = RunBinary(dir.path, word,
                     "job\nser\n" + std::to_string(first) + "\n" + std::to_string(last) + "\n");

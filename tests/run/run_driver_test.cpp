@@ -88,7 +88,7 @@ void RunWithMemory(Job& job, const std::string& memory) {
 
 TEST(RunDriver, EnvironmentDirectoryGetsExactlyOneSlash) {
   ScratchDir dir;
-  dir.Write("abc.pcr", testing::TestData("head/single.pcr"));
+  dir.Write("abc.pcr", testing::TestData("head/calc.pcr"));
   std::filesystem::create_directories(dir.path / "mem");
   CapturedJob job;
   RunWithMemory(*job, (dir.path / "mem").string());
@@ -101,7 +101,7 @@ TEST(RunDriver, EnvironmentDirectoryGetsExactlyOneSlash) {
 
 TEST(RunDriver, NoMemoryWithoutFileOrEnvironment) {
   ScratchDir dir;
-  dir.Write("abc.pcr", testing::TestData("head/single.pcr"));
+  dir.Write("abc.pcr", testing::TestData("head/calc.pcr"));
   ::unsetenv("CORVINET");
   CapturedJob job;
   EXPECT_EQ(Main(*job, {"abc"}), 0);
@@ -124,7 +124,7 @@ TEST(RunDriver, CyclicCodesAreThreeSpellingsOnly) {
 
 TEST(RunDriver, CommandLineWithoutSecondWordLeavesDataCodeToTheControlCode) {
   ScratchDir dir;
-  dir.Write("abc.pcr", testing::TestData("head/single.pcr"));
+  dir.Write("abc.pcr", testing::TestData("head/calc.pcr"));
   CapturedJob job;
   Main(*job, {"abc"});
   EXPECT_EQ(job->driver.PcrCode, "abc");

@@ -1,0 +1,135 @@
+// ReadPattern: opens the data file, hands it to the reader of its INSTR format, and stores the
+// points.
+#include "observations/powder_data.h"
+
+#include <cstddef>
+
+#include "observations/powder_data_common.h"
+#include "run/file_set.h"
+#include "surface/console.h"
+
+namespace corvinet {
+
+namespace {
+
+// Closes unit 4 however the reading ends.
+struct DataUnitCloser {
+  Job& job;
+  ~DataUnitCloser() { CloseUnit(job.files.units[Unit::Data]); }
+};
+
+bool KnownFormat(int instr) {
+  return (instr >= 0 && instr <= 12) || instr == -4 || instr == -12;
+}
+
+void ReadByFormat(DataFile& file) {
+  switch (file.INSTR) {
+    case 0:
+      ReadFreeFormatData(file);
+      return;
+    case 1:
+      ReadD1AData(file);
+      return;
+    case 2:
+      ReadD1BData(file);
+      return;
+    case 3:
+      ReadD20Data(file);
+      return;
+    case 4:
+    case -4:
+      ReadSynchrotronData(file);
+      return;
+    case 5:
+      ReadTwoAxisData(file);
+      return;
+    case 6:
+      ReadD1ASumData(file);
+      return;
+    case 7:
+      ReadD4Data(file);
+      return;
+    case 8:
+      ReadDmcData(file);
+      return;
+    case 9:
+      ReadUxdData(file);
+      return;
+    case 10:
+      ReadXYSigmaData(file);
+      return;
+    case 11:
+      ReadVariableTimeData(file);
+      return;
+    case 12:
+    case -12:
+      ReadGsasData(file);
+      return;
+    default:
+      break;
+  }
+  StopData(file.job, " Invalid INSTR parameter ");
+}
+
+// The copy of the header numbers on the list, when the pattern asks for its
+// data to be printed.
+void WriteListCopy(DataFile& file) {
+  if (file.pattern().LST2 != 1) return;
+  ReportData(file, Fmt("(A,I4,I8,F14.1,2F10.2)", "DATT ", file.INSTR, file.firstInteger,
+                       file.MONITOR, file.Temperature, file.TSET));
+}
+
+// Copies the points and the header values into the Pattern.
+void StorePoints(const DataFile& file, Pattern& p) {
+  p.CountNorm.Fill(1.0f);
+  p.NPTS = file.NPTS;
+  for (int i = 1; i <= file.NPTS; ++i) {
+    const auto k = static_cast<std::size_t>(i - 1);
+    p.X[i] = file.X[k];
+    p.Ytotal[i] = file.Ytotal[k];
+    p.Variance[i] = file.Variance[k];
+    p.CountNorm[i] = file.CountNorm[k];
+  }
+  p.THMIN = file.THMIN;
+  p.STEP = file.STEP;
+  p.THMAX = file.THMAX;
+  p.stepKind = file.stepKind;
+  p.equalStep = file.equalStep;
+  p.Cnorm = file.Cnorm;
+  p.Temperature = file.Temperature;
+  p.TSET = file.TSET;
+  p.MONITOR = file.MONITOR;
+}
+
+}  // namespace
+
+void ReduceSteps(Pattern& p) {
+  if (p.ISTEP <= 1) return;
+  p.NPTS = p.NPTS / p.ISTEP;
+  p.STEP = p.STEP * static_cast<float>(p.ISTEP);
+  // Point 1 stays where it is; with fewer than 2 points nothing moves.
+  for (int i = 2; i <= p.NPTS; ++i) {
+    const int from = 1 + (i - 1) * p.ISTEP;
+    p.X[i] = p.X[from];
+    p.Ytotal[i] = p.Ytotal[from];
+    p.Variance[i] = p.Variance[from];
+    p.CountNorm[i] = p.CountNorm[from];
+  }
+  if (p.NPTS >= 1) p.THMAX = p.X[p.NPTS];
+}
+
+void ReadPattern(Job& job, int ip) {
+  if (!KnownFormat(job.patterns[ip].INSTR)) StopData(job, " Invalid INSTR parameter ");
+  DataFile file(job, ip);
+  {
+    OpenFiles(job, 5, ip, 0);
+    DataUnitCloser closer{job};
+    ReadByFormat(file);
+  }
+  WriteListCopy(file);
+  Pattern& p = job.patterns[ip];
+  StorePoints(file, p);
+  ReduceSteps(p);
+}
+
+}  // namespace corvinet

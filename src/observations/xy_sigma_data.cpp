@@ -1,0 +1,159 @@
+// INSTR 10: X,Y,sigma lines with an optional "XYDATA" heading, and the interpolation of variable
+// steps.
+#include <string>
+#include <vector>
+
+#include "observations/powder_data_common.h"
+#include "observations/spline.h"
+#include "run/field_reader.h"
+#include "run/text.h"
+
+namespace corvinet {
+
+namespace {
+
+constexpr int kHeadingLines = 6;
+
+// What the heading of the file asks for.
+struct XYHeading {
+  float xFactor = 1.0f;
+  float yFactor = 1.0f;
+  int INTERPOL = 0;  // 0 as read, 1 interpolate to a constant step, 2 constant step listed
+  float constantStep = 0.0f;
+};
+
+// An "INTER" line: a word, the X and Y factors, INTERPOL and the constant step.
+void ReadInterLine(DataFile& file, std::string line, XYHeading& heading) {
+  std::string mask = "5ffif";
+  std::string format;
+  int position = 0;
+  int error = 0;
+  FindFMT(file.job, 0, line, mask, format, position, file.lineNumber, error);
+  std::string word;
+  const ReadTarget values[] = {&word, &heading.xFactor, &heading.yFactor, &heading.INTERPOL,
+                               &heading.constantStep};
+  if (error != 0 || ReadFormattedLine(format, line, values) != ReadStatus::Ok) {
+    StopBadData(file.job);
+  }
+  if (heading.xFactor <= 0.0f) heading.xFactor = 1.0f;
+  if (heading.yFactor <= 0.0f) heading.yFactor = 1.0f;
+  ReportData(file,
+             Fmt("(A,F12.5)", " -> Input X-values multiplied internally by ", heading.xFactor));
+  ReportData(file, Fmt("(A,F12.5)", " -> Input Y & Sigma-values multiplied internally by ",
+                       heading.yFactor));
+}
+
+// A "TEMP" line: the number after the first word is the sample temperature.
+void ReadTemperatureLine(DataFile& file, std::string_view line) {
+  const std::size_t blank = line.find_first_of(" \t");
+  if (blank == std::string_view::npos) return;
+  float temperature = 0.0f;
+  const ReadTarget value[] = {&temperature};
+  if (ReadListLine(line.substr(blank), value) == ReadStatus::Ok) file.Temperature = temperature;
+}
+
+XYHeading ReadHeading(DataFile& file) {
+  XYHeading heading;
+  const std::string first = RequireDataRecord(file);
+  if (!first.starts_with("XYDATA")) {
+    ReportData(file, " -> No recognizable heading in input data file X,Y,sigma");
+    ReportData(file, "    First 6 lines are considered as COMMENTS ");
+    ReportData(file, " -> COMMENT: " + CutText(first, kDataRecordLength));
+    for (int k = 2; k <= kHeadingLines; ++k) {
+      ReportData(file, " -> COMMENT: " + CutText(RequireDataRecord(file), kDataRecordLength));
+    }
+    return heading;
+  }
+  ReportData(file, " => Heading of input data file X,Y,sigma");
+  for (int k = 1; k <= kHeadingLines; ++k) {
+    const std::string line = RequireDataRecord(file);
+    ReportData(file, " -> INTER" + CutText(line, kDataRecordLength));
+    if (line.starts_with("INTER")) ReadInterLine(file, line, heading);
+    if (line.starts_with("TEMP")) {
+      ReadTemperatureLine(file, line);
+      break;
+    }
+  }
+  return heading;
+}
+
+// Puts the points on the grid THMIN + (i-1)*step by natural cubic splines of
+// the intensities and of the variances against the positions read.
+void InterpolateToConstantStep(DataFile& file, float step) {
+  if (file.NPTS < 2) return;
+  for (std::size_t i = 1; i < file.X.size(); ++i) {
+    if (!(file.X[i] > file.X[i - 1])) StopBadData(file.job);
+  }
+  if (!(step > 0.0f)) step = file.STEP;
+  long long count = 0;
+  if (!PointsInRange(file.THMIN, step, file.THMAX, count)) StopBadData(file.job);
+  if (count > DimensionLimits::IDSZ) StopTooManyPoints(file.job, count);
+
+  const std::vector<float> x = std::move(file.X);
+  const std::vector<float> y = std::move(file.Ytotal);
+  const std::vector<float> v = std::move(file.Variance);
+  const int n = static_cast<int>(x.size());
+  std::vector<float> ySecond(x.size(), 0.0f);
+  std::vector<float> vSecond(x.size(), 0.0f);
+  SplineSetup(x, y, n, kNaturalSplineEnd, kNaturalSplineEnd, ySecond);
+  SplineSetup(x, v, n, kNaturalSplineEnd, kNaturalSplineEnd, vSecond);
+  SetPointCount(file, count);
+  file.STEP = step;
+  FillEvenPositions(file);
+  for (std::size_t i = 0; i < file.X.size(); ++i) {
+    file.Ytotal[i] = SplineValue(file.job, x, y, ySecond, n, file.X[i]);
+    file.Variance[i] = SplineValue(file.job, x, v, vSecond, n, file.X[i]);
+  }
+  file.THMAX = file.X.back();
+}
+
+}  // namespace
+
+void ReadXYSigmaData(DataFile& file) {
+  const XYHeading heading = ReadHeading(file);
+  if (heading.INTERPOL == 1) {
+    ReportData(file, Fmt("(A,F12.5)",
+                         " -> Internal interpolation for constant STEP =", heading.constantStep));
+    file.stepKind = 1;
+  } else if (heading.INTERPOL == 2) {
+    ReportData(file, " -> XY-DATA are supplied with constant STEP");
+    file.stepKind = 2;
+  }
+
+  // Points to the end of the file or to a line of three zeros.
+  std::vector<float> xs;
+  std::vector<float> ys;
+  std::vector<float> vs;
+  long long total = 0;
+  for (;;) {
+    float x = 0.0f;
+    float y = 0.0f;
+    float sigma = 0.0f;
+    const int error =
+        ReadMaskedLine(file.job, Unit::Data, "fff", file.lineNumber, {&x, &y, &sigma});
+    if (error == FieldError::EndOfFile) break;
+    if (x == 0.0f && y == 0.0f && sigma == 0.0f) break;
+    ++total;
+    if (total > DimensionLimits::IDSZ) continue;  // counted for the report, not kept
+    x *= heading.xFactor;
+    y *= heading.yFactor;
+    sigma *= heading.yFactor;
+    xs.push_back(x);
+    ys.push_back(y);
+    vs.push_back(sigma == 0.0f ? y : sigma * sigma);
+  }
+  if (total == 0) StopEndOfData(file.job);
+  SetPointCount(file, total);
+  file.X = std::move(xs);
+  file.Ytotal = std::move(ys);
+  file.Variance = std::move(vs);
+  RangeFromPositions(file);
+  file.Cnorm = MeanVarianceRatio(file.Ytotal, file.Variance);
+  if (file.stepKind == 1) {
+    InterpolateToConstantStep(file, heading.constantStep);
+  } else if (file.stepKind == 0) {
+    file.equalStep = 0;  // positions as read, not on a grid
+  }
+}
+
+}  // namespace corvinet
