@@ -7,6 +7,7 @@
 
 #include "run/field_reader.h"
 #include "run/fortran_format.h"
+#include "run/text.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -301,7 +302,7 @@ void EchoCodes(Job& job, const Phase& ph, const PhasePattern& c, const Pattern& 
     WriteLine(job, Unit::Out, " => Further parameters defined by user: ");
     for (int n = 1; n <= ph.Furth; ++n) {
       const int s = job.run.firstFurtherParameter + n;
-      WriteLine(job, Unit::Out, Fmt("(4X,A4,F12.5,F10.2)", ph.FurtherName[n], c.PAR[s], c.PACtyped[s]));
+      WriteLine(job, Unit::Out, Fmt("(4X,A4,F12.5,F10.2)", FixedText(ph.FurtherName[n], 4), c.PAR[s], c.PACtyped[s]));
     }
   }
   if (ph.Str == 1 || ph.Str == 3) {

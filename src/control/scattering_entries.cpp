@@ -84,14 +84,14 @@ void WriteEntries(Job& job, int ip) {
       ScatteringEntry& e = p.scattering[j];
       e.coef.Fill(0.0f);
       e.Fsecond = 0.0f;
-      WriteReports(job, Fmt("(4X,A4,F10.5)", e.NAM, e.Fprime));
+      WriteReports(job, Fmt("(4X,A4,F10.5)", FixedText(e.NAM, 4), e.Fprime));
     }
     return;
   }
   WriteReports(job, " => Scattering factors ==>");
   for (int j = 1; j <= p.scatteringCount; ++j) {
     const ScatteringEntry& e = p.scattering[j];
-    WriteReports(job, Fmt("(4X,A4,2F10.5,I4)", e.NAM, e.Fprime, e.Fsecond, e.ITAB));
+    WriteReports(job, Fmt("(4X,A4,2F10.5,I4)", FixedText(e.NAM, 4), e.Fprime, e.Fsecond, e.ITAB));
     if (p.NSCAT < 0) {
       WriteReports(job, "     *(Tables for Linear Interpolation)*");
       for (int i = 1; i <= e.tablePoints; ++i) {

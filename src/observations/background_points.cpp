@@ -42,8 +42,8 @@ PointWeights WeightsAt(const Pattern& p, float t) {
   return w;
 }
 
-// Row k of backSplineGain: the second derivatives of the natural spline
-// through the unit heights of point k.
+// Row k of backSplineGain: the second derivatives of the natural spline through
+// height 1 at point k and 0 at the others.
 void PrepareSplineGain(Pattern& p, int k) {
   const int n = p.NBCKGD;
   std::vector<float> unit(static_cast<std::size_t>(n), 0.0f);

@@ -12,8 +12,9 @@ namespace corvinet {
 constexpr float kNaturalSplineEnd = 0.99e30f;
 
 // The interval of the table that holds t: klo and khi = klo + 1 are 1-based
-// indices into x[1..n] (x[i] is x[i - 1] of the span), found by bisection on
-// ascending positions. A t outside the table gives the end interval.
+// indices into x[1..n] (x[i] is x[i - 1] of the span), n at least 2, found by
+// bisection on ascending positions. A t outside the table gives the end
+// interval.
 struct SplineBracket {
   int klo = 1;
   int khi = 2;

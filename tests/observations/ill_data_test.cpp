@@ -32,9 +32,9 @@ TEST(D1AData, CountsAreDividedByTheirCountersAndVarianceIsCountOverCounters) {
   EXPECT_FLOAT_EQ(p.THMIN, 20.0f);
   EXPECT_FLOAT_EQ(p.STEP, 0.1f);
   for (int i = 1; i <= 12; ++i) {
-    ExpectPoint(p, i,
-                {20.0f + 0.1f * static_cast<float>(i - 1), kD1ANormalised[i - 1],
-                 kD1ANormalised[i - 1]});
+    ExpectPoint(
+        p, i,
+        {20.0f + 0.1f * static_cast<float>(i - 1), kD1ANormalised[i - 1], kD1ANormalised[i - 1]});
     EXPECT_EQ(p.CountNorm[i], kD1ACounters[i - 1]) << i;
   }
   // Variance/Ytotal is 1 at every point, so is its mean.
@@ -47,8 +47,8 @@ TEST(D1AData, ZeroAndTinyCountsBecomeOne) {
   c.Read();
   const Pattern& p = c.pattern();
   ASSERT_EQ(p.NPTS, 4);
-  EXPECT_EQ(p.Ytotal[1], 1.0f);  // zero
-  EXPECT_EQ(p.Ytotal[2], 1.0f);  // at the threshold
+  EXPECT_EQ(p.Ytotal[1], 1.0f);           // zero
+  EXPECT_EQ(p.Ytotal[2], 1.0f);           // at the threshold
   EXPECT_FLOAT_EQ(p.Ytotal[3], 2.0e-5f);  // above it: kept
   EXPECT_EQ(p.Ytotal[4], 5.0f);
   EXPECT_EQ(p.Variance[1], 1.0f);
@@ -98,10 +98,10 @@ TEST(D1BData, FortyRowsGiveFourHundredPointsAtTwoTenthsOfADegree) {
   EXPECT_FLOAT_EQ(p.MONITOR, 50000.0f);
   // Point 10r+k+1 holds 100+10r+k, except the first and last cells.
   ExpectPoint(p, 2, {5.2f, 101.0f, 101.0f});
-  ExpectPoint(p, 1, {5.0f, 101.0f, 101.0f});      // copy of point 2
-  ExpectPoint(p, 123, {29.4f, 222.0f, 222.0f});   // r = 12, k = 2
-  ExpectPoint(p, 399, {84.6f, 498.0f, 498.0f});   // r = 39, k = 8
-  ExpectPoint(p, 400, {84.8f, 498.0f, 498.0f});   // copy of point 399
+  ExpectPoint(p, 1, {5.0f, 101.0f, 101.0f});     // copy of point 2
+  ExpectPoint(p, 123, {29.4f, 222.0f, 222.0f});  // r = 12, k = 2
+  ExpectPoint(p, 399, {84.6f, 498.0f, 498.0f});  // r = 39, k = 8
+  ExpectPoint(p, 400, {84.8f, 498.0f, 498.0f});  // copy of point 399
   EXPECT_TRUE(HasLine(c.Report(), "=> Date of experiment: 12-MAR-1994"));
 }
 
@@ -115,11 +115,11 @@ std::string D20Header(int points) {
   char line5[120];
   // I4,1X,5(F9.3,1X),29X,I6,3X,I6: sample temperature 295, regulation 300;
   // then the point count and the monitor.
-  std::snprintf(line5, sizeof line5, "%4d %9.3f %9.3f %9.3f %9.3f %9.3f %29s%6d   %6d\n", 1,
-                295.0, 300.0, 0.0, 0.0, 0.0, "", points, 5000);
-  return std::string("    1\n") +                      // I5: one set
-         " D20  abc  xyz\n" +                          // 1X,A,2X,A,2X,A
-         "  1  12345    7\n" +                         // I3,1X,I6,1X,I4: numor 12345
+  std::snprintf(line5, sizeof line5, "%4d %9.3f %9.3f %9.3f %9.3f %9.3f %29s%6d   %6d\n", 1, 295.0,
+                300.0, 0.0, 0.0, 0.0, "", points, 5000);
+  return std::string("    1\n") +                        // I5: one set
+         " D20  abc  xyz\n" +                            // 1X,A,2X,A,2X,A
+         "  1  12345    7\n" +                           // I3,1X,I6,1X,I4: numor 12345
          "      100000.     0.05   10.000    0.000\n" +  // F13.0,F9.0,1X,10(F8.3,1X)
          line5;
 }

@@ -16,19 +16,16 @@ const char kQuestion[] = "     When was this data taken. OCT85,FEB86 or AUG86 ?"
 // A5,A56 keyword and title; I8,F8.0,E10.0 with the count; 6F8.0 with the
 // first angle, the last angle and the step.
 std::string BnblHeader(const std::string& title) {
-  return "BNBL " + title + "\n" +
-         "       4     1.0 1.000E+00\n" +
+  return "BNBL " + title + "\n" + "       4     1.0 1.000E+00\n" +
          "   10.00   10.03    0.01     0.0     0.0     0.0\n";
 }
 
 TEST(SynchrotronData, Oct85RowsHoldSigmaBeforeIntensity) {
   // 51X, then sigma F10.0, 1X, intensity F10.0.
   const std::string blank51(51, ' ');
-  DataFileCase c(4, BnblHeader("Silicon standard OCT85") +
-                        blank51 + "       3.0      1000.0\n" +
-                        blank51 + "       4.0      1500.0\n" +
-                        blank51 + "       5.0      2000.0\n" +
-                        blank51 + "       2.0       400.0\n");
+  DataFileCase c(4, BnblHeader("Silicon standard OCT85") + blank51 + "       3.0      1000.0\n" +
+                        blank51 + "       4.0      1500.0\n" + blank51 +
+                        "       5.0      2000.0\n" + blank51 + "       2.0       400.0\n");
   c.Read();
   const Pattern& p = c.pattern();
   ASSERT_EQ(p.NPTS, 4);

@@ -1,4 +1,5 @@
-// Tests of the general two-axis format (INSTR 5), the DMC format (8) and the variable-time format (11).
+// Tests of the general two-axis format (INSTR 5), the DMC format (8) and the variable-time format
+// (11).
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,4 +1,5 @@
-// Tests of the UXD text format (INSTR 9): typed lines, keyword header, ranges and the experiment report.
+// Tests of the UXD text format (INSTR 9): typed lines, keyword header, ranges and the experiment
+// report.
 #include <gtest/gtest.h>
 
 #include <string>

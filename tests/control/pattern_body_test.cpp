@@ -1,0 +1,323 @@
+// Tests of the pattern block read as part of whole control files: instrument, cycle and global lines, data and checks.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "control/pattern_block.h"
+#include "control/run_block.h"
+#include "run/defaults.h"
+#include "run/file_set.h"
+#include "surface/console.h"
+#include "test_support.h"
+
+namespace corvinet {
+namespace {
+
+using testing::CapturedJob;
+using testing::ScratchDir;
+
+// Reads the whole control text as job "x"; false when the run stopped.
+bool ReadWhole(ScratchDir& dir, CapturedJob& job, const std::string& pcr) {
+  dir.Write("x.pcr", pcr);
+  job->driver.PcrCode = "x";
+  job->driver.DatCode = "x";
+  bool finished = true;
+  try {
+    OpenFiles(*job, 1, 0, 0);
+    OpenFiles(*job, 2, 0, 0);
+    ResetDefaults(*job);
+    ReadControlFile(*job);
+  } catch (const ProcessStop&) {
+    finished = false;
+  }
+  CloseUnit(job->files.units[Unit::Out]);
+  CloseUnit(job->files.units[Unit::Sum]);
+  return finished;
+}
+
+bool HasLine(const std::string& text, const std::string& line) {
+  const auto lines = testing::NormaliseLines(testing::SplitLines(text));
+  return std::find(lines.begin(), lines.end(), testing::NormaliseLine(line)) != lines.end();
+}
+
+struct Parts {
+  std::string job = "2 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0";
+  std::string output = "0 0 1 0 1 0 0 0 0 1 0 0 0 0 0 0 0";
+  std::string instrument = "1.5406 1.5444 0.5 40.0 8.0 0.8 0.0 30.0 0.0";
+  std::string cycle = "1 0.1 1 1 1 1 10.0 0.5 20.0 0 0";
+  std::string points;
+  std::string maxs = "0";
+  std::string globals = "0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0";
+  std::string background = "100 0 0 0 0 0\n0 0 0 0 0 0";
+  std::string phase =
+      "Phase\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 0 0 0\nP 1\n"
+      "1.0 0.0 0.0 0.0 0.0 0.0 0\n0 0 0 0 0 0\n"
+      "0.01 -0.01 0.01 0.0 0.0 0.0 0.0 0\n0 0 0 0 0 0 0\n"
+      "4.0 4.0 4.0 90 90 90\n0 0 0 0 0 0\n"
+      "0 0 0 0 0 0\n0 0 0 0 0 0";
+  std::string Text() const {
+    std::string t = "Title\n" + job + "\n" + output + "\n";
+    if (!instrument.empty()) t += instrument + "\n";
+    t += cycle + "\n" + points + maxs + "\n";
+    if (!globals.empty()) t += globals + "\n";
+    if (!background.empty()) t += background + "\n";
+    return t + phase + "\n";
+  }
+};
+
+TEST(PatternBody, CalculatedPatternReadsToThePhases) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  const Pattern& p = job->patterns[1];
+  EXPECT_EQ(p.NPTS, 21);
+  EXPECT_FLOAT_EQ(p.X[21], 20.0f);
+  EXPECT_FLOAT_EQ(p.Backg[1], 100.0f);
+  EXPECT_FLOAT_EQ(p.LAMBDA[2], 1.5444f);
+  const std::string out = dir.Read("x.out");
+  EXPECT_TRUE(HasLine(out, " => Wavelengths:    1.54060   1.54440"));
+  EXPECT_TRUE(HasLine(out, " => Alpha2/Alpha1 ratio:   0.5000"));
+  EXPECT_TRUE(HasLine(out, " => Cos(Monochromator angle)=   0.8000"));
+  EXPECT_TRUE(HasLine(out, " => Base of peaks: 2.0*HW*  8.00"));
+  EXPECT_TRUE(HasLine(out, " => Number of cycles:     1"));
+  EXPECT_TRUE(HasLine(out, " => Number of Least-Squares parameters varied:     0"));
+  EXPECT_TRUE(HasLine(out, " =>------->  PATTERN number:   1"));
+}
+
+TEST(PatternBody, IntegratedIntensitiesHaveNoInstrumentOrGlobalLines) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.job = "1 5 1 0 0 0 0 0 0 0 0 0 0 0 1 0 0";
+  parts.instrument.clear();
+  parts.globals.clear();
+  parts.background.clear();
+  parts.phase.replace(parts.phase.find("2 0 0 0 0 0.0"), 13, "0 4 0 0 0 0.0");
+  ReadWhole(dir, job, parts.Text());
+  EXPECT_FLOAT_EQ(job->patterns[1].RATIO[1], 1.0f);
+  EXPECT_FLOAT_EQ(job->patterns[1].RATIO[2], 0.0f);
+  EXPECT_EQ(job->run.NCY, 1);
+  const std::string out = dir.Read("x.out");
+  EXPECT_FALSE(HasLine(out, " =>------->  PATTERN number:   1"));
+  EXPECT_TRUE(HasLine(out, " => Relaxation factors ==>"));
+  EXPECT_FALSE(HasLine(out, " => for halfwidth/strain/size parameters:   1.00"));
+}
+
+TEST(PatternBody, PolynomialBackgroundReadsTwoLinesAndKeepsTheFileScale) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.background = "100 2 3 4 5 6\n0 0 0 0 0 0";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  const Pattern& p = job->patterns[1];
+  EXPECT_FLOAT_EQ(p.GLB[7], 6.0f);
+  EXPECT_FLOAT_EQ(p.GLB[22], 1.0f);
+  EXPECT_FLOAT_EQ(p.GLB[23], 0.0f);
+}
+
+TEST(PatternBody, CalculationClearsRefinedCountAndCycles) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.cycle = "20 0.1 1 1 1 1 10.0 0.5 20.0 0 0";
+  parts.maxs = "25";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_EQ(job->run.NCY, 1);
+  EXPECT_EQ(job->run.MAXS, 0);
+  // No hole check ran: 25 parameters would all be missing.
+  EXPECT_EQ(job.Console().find("Hole in the matrix"), std::string::npos);
+}
+
+TEST(PatternBody, RatioZeroLeavesOneWavelength) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.instrument = "1.5406 0.0 0.0 40.0 8.0 0.8 0.0 30.0 0.0";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_FLOAT_EQ(job->patterns[1].RATIO[2], 0.0f);
+  EXPECT_FALSE(job->patterns[1].separateUVW2);
+}
+
+TEST(PatternBody, NegativeRatioAsksForWidthsOfTheSecondWavelength) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.instrument = "1.5406 1.5444 -0.5 40.0 8.0 0.8 0.0 30.0 0.0";
+  parts.phase += "\n0.02 0.0 0.02\n0 0 0";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_TRUE(job->patterns[1].separateUVW2);
+  EXPECT_FLOAT_EQ(job->patterns[1].RATIO[2], 0.5f);
+  EXPECT_FLOAT_EQ(job->phases[1].pat[1].PAR[45], 0.02f);
+  EXPECT_TRUE(HasLine(dir.Read("x.out"), " => Different U,V,W parameters for Lambda(2) will be read"));
+}
+
+TEST(PatternBody, TwentyThousandPointsPassAndOneMoreStops) {
+  {
+    ScratchDir dir;
+    CapturedJob job;
+    Parts parts;
+    parts.cycle = "1 0.1 1 1 1 1 0.0 0.005 99.995 0 0";
+    ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+    EXPECT_EQ(job->patterns[1].NPTS, 20000);
+  }
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.cycle = "1 0.1 1 1 1 1 0.0 0.005 100.0 0 0";
+  EXPECT_FALSE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_NE(job.Console().find(" Too many data points NPTS>IDSZ!"), std::string::npos);
+  EXPECT_NE(job.Console().find(" Too many data points"), std::string::npos);
+  const std::string out = dir.Read("x.out");
+  EXPECT_TRUE(HasLine(out, " => Program can handle only 20000 points"));
+  EXPECT_TRUE(HasLine(out, "  => A number of    20001 points were input"));
+}
+
+TEST(PatternBody, ZeroOriginOfThePolynomialIsRefused) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.instrument = "1.5406 1.5444 0.5 0.0 8.0 0.8 0.0 30.0 0.0";
+  EXPECT_FALSE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_NE(job.Console().find("Bkpos"), std::string::npos);
+}
+
+TEST(PatternBody, ScatteringLengthsAndTablesAreRead) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.job = "3 5 1 0 0 2 0 0 0 0 0 0 0 0 0 0 0";
+  parts.points = "O 0.5803 0.0 0\nFE 0.945 0.0 0\n";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  const Pattern& p = job->patterns[1];
+  EXPECT_EQ(p.scattering[2].NAM, "FE");
+  EXPECT_FLOAT_EQ(p.scattering[1].Fprime, 0.5803f);
+  const std::string out = dir.Read("x.out");
+  EXPECT_TRUE(HasLine(out, " => Scattering lengths ==>"));
+  EXPECT_TRUE(HasLine(out, "    O      0.58030"));
+}
+
+TEST(PatternBody, FormFactorTableEndsAtTheMark) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.job = "2 5 1 0 0 -1 0 0 0 0 0 0 0 0 0 0 0";
+  parts.points = "Xx 0.1 0.2 1\n0.0 10.0\n0.5 6.0\n1.0 3.0\n-100.0 0.0\n";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  const ScatteringEntry& e = job->patterns[1].scattering[1];
+  EXPECT_EQ(e.tablePoints, 3);
+  EXPECT_FLOAT_EQ(e.tableY[2], 6.0f);
+  const std::string out = dir.Read("x.out");
+  EXPECT_TRUE(HasLine(out, " => Scattering factors ==>"));
+  EXPECT_TRUE(HasLine(out, "     *(Tables for Linear Interpolation)*"));
+}
+
+TEST(PatternBody, FormFactorCoefficientsAndTooManyPoints) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.job = "2 5 1 0 0 1 0 0 0 0 0 0 0 0 0 0 0";
+  parts.points = "Xx 0.1 0.2 1\n1 2 3 4 5 6 7 8 9\n";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_FLOAT_EQ(job->patterns[1].scattering[1].coef[9], 9.0f);
+  ScratchDir other;
+  CapturedJob again;
+  std::string many = "Xx 0.1 0.2 1\n";
+  for (int i = 0; i < 60; ++i) many += std::to_string(i) + ".0 1.0 0.0 0 0 0 0 0 0\n";
+  parts.points = many;
+  EXPECT_FALSE(ReadWhole(other, again, parts.Text()));
+  EXPECT_NE(again.Console().find(" Too many scattering factor entries"), std::string::npos);
+}
+
+TEST(PatternBody, ExcludedRegionsAndBackgroundPointsAreListed) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.job = "2 5 1 3 1 0 0 0 0 0 0 0 0 0 0 0 0";
+  parts.points = "10.0 50.0\n15.0 60.0\n20.0 55.0\n0.0 11.0\n";
+  parts.background.clear();
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  const Pattern& p = job->patterns[1];
+  EXPECT_FLOAT_EQ(p.BackInt[2], 60.0f);
+  EXPECT_FLOAT_EQ(p.ExclHigh[1], 11.0f);
+  const std::string out = dir.Read("x.out");
+  EXPECT_TRUE(HasLine(out, " => Background ==> "));
+  EXPECT_TRUE(HasLine(out, "    Position   Intensity"));
+  EXPECT_TRUE(HasLine(out, "       15.000       60.000"));
+  EXPECT_TRUE(HasLine(out, " => Excluded regions for Pattern#  1"));
+  EXPECT_NEAR(p.Backg[11], 60.0f, 1e-4);
+}
+
+TEST(PatternBody, RefinedWavelengthReplacesBoth) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.globals = "0.0 0.0 0.0 0.0 0.0 0.0 1.54 11.0 0";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_FLOAT_EQ(job->patterns[1].LAMBDA[1], 1.54f);
+  EXPECT_FLOAT_EQ(job->patterns[1].LAMBDA[2], 1.54f);
+  const std::string out = dir.Read("x.out");
+  EXPECT_TRUE(HasLine(out, " => Wavelength is refined"));
+  EXPECT_TRUE(HasLine(out, " => Refined Wavelength:    1.54000"));
+}
+
+TEST(PatternBody, MicroabsorptionLineFollowsMore) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.globals = "0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 1\n0.1 0.0 0.2 0.0 0.3 0.0";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_FLOAT_EQ(job->patterns[1].GLB[29], 0.3f);
+  EXPECT_TRUE(HasLine(dir.Read("x.out"), " => Microabsorption is refined"));
+}
+
+TEST(PatternBody, DebyeDistancesOfZeroBecomeOne) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.job = "2 5 1 -1 0 0 0 0 0 0 0 0 0 0 0 0 0";
+  parts.background =
+      "100 0 0 0 0 0\n0 0 0 0 0 0\n1 0 0 0 0 0\n0 0 0 0 0 0\n2.5 0 0 0 0 0\n0 0 0 0 0 0";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_FLOAT_EQ(job->patterns[1].GLB[16], 2.5f);
+  EXPECT_FLOAT_EQ(job->patterns[1].GLB[17], 1.0f);
+  const std::string out = dir.Read("x.out");
+  EXPECT_TRUE(HasLine(out, " => Background Bc(i) parameters and codes ==>"));
+  EXPECT_TRUE(HasLine(out, " => Background D(i) parameters and codes ==>"));
+}
+
+TEST(PatternBody, FourierWindowIsRead) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.job = "2 5 1 -2 0 0 0 0 0 0 0 0 0 0 0 0 0";
+  parts.background = "12.5";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_FLOAT_EQ(job->patterns[1].FourierWindow, 12.5f);
+  EXPECT_TRUE(HasLine(dir.Read("x.out"), " => Window for Fourier filtering :    12.500"));
+}
+
+TEST(PatternBody, TimeOfFlightConstantsComeFromTheGlobals) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.job = "-3 9 1 0 0 0 0 0 0 0 0 0 0 0 0 1 0";
+  parts.instrument = "5000.0 6.0 1";
+  parts.cycle = "1 0.1 1 1 1 1 2000.0 100.0 3000.0 0 0";
+  parts.globals = "0.0 0.0 5000.0 0.0 -1.0 0.0 1.2 31.0 0";
+  parts.background = "1 0 0 0 0 0\n0 0 0 0 0 0";
+  parts.phase.insert(parts.phase.find("4.0 4.0"), "0 0 0 0 0\n0 0 0 0 0\n");
+  parts.phase += "\n0 0 0 0";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  const Pattern& p = job->patterns[1];
+  EXPECT_FLOAT_EQ(p.Dtt1, 5000.0f);
+  EXPECT_FLOAT_EQ(p.Dtt2, -1.0f);
+  EXPECT_FLOAT_EQ(p.TwoSinTh, 1.2f);
+  EXPECT_FLOAT_EQ(p.GLBcode[26], 0.0f);
+  const std::string out = dir.Read("x.out");
+  EXPECT_TRUE(HasLine(out, " => Absorption correction type:  1"));
+  EXPECT_TRUE(HasLine(out, " => D-spacing to T.O.F. coefficient 1 and code:  5000.000000      0.00"));
+}
+
+}  // namespace
+}  // namespace corvinet
