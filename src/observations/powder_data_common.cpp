@@ -1,10 +1,8 @@
-// Shared pieces of the data-file readers: stops, record and value reads of unit 4, point arrays,
-// spline.
+// Shared pieces of the data-file readers: stops, record and value reads of unit 4, point arrays.
 #include "observations/powder_data_common.h"
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "run/dimension_limits.h"
 #include "surface/console.h"
