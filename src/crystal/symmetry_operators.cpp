@@ -1,6 +1,8 @@
 // Matching of operators against IROT, the reduced operator list and the group of a symbol.
 #include "crystal/symmetry_operators.h"
 
+#include "run/fortran_format.h"
+
 #include <cmath>
 #include <cstdlib>
 #include <string>
@@ -12,12 +14,6 @@ namespace corvinet {
 namespace {
 
 constexpr float kSameTranslation = 0.0001f;
-
-std::string Padded(int value, int width) {
-  std::string text = std::to_string(value);
-  if (static_cast<int>(text.size()) < width) text.insert(0, width - text.size(), ' ');
-  return text;
-}
 
 bool EqualsSigned(const IntMatrix3& a, const IntMatrix3& b, int sign) {
   for (int i = 1; i <= 3; ++i) {
@@ -32,11 +28,10 @@ void ReportNonStandard(const IntMatrix3& rotation, int first, int last, int isl,
                        SymmetryMessages& messages) {
   auto& out = messages.console;
   out.push_back(" => The supplied S.O. is not standard :");
-  out.push_back("   i1->i2: " + Padded(first, 4) + Padded(last, 4));
-  out.push_back("  Isl, iss: " + Padded(isl, 4) + Padded(sign, 4));
+  out.push_back(Fmt("(A,2I4)", "   i1->i2: ", first, last));
+  out.push_back(Fmt("(A,2I4)", "  Isl, iss: ", isl, sign));
   for (int i = 1; i <= 3; ++i) {
-    out.push_back(Padded(rotation(i, 1), 4) + Padded(rotation(i, 2), 4) +
-                  Padded(rotation(i, 3), 4));
+    out.push_back(Fmt("(3I4)", rotation(i, 1), rotation(i, 2), rotation(i, 3)));
   }
   out.push_back(" => Try to re-write your S.O. using a rotational part");
   const bool cubic = first == 1 && last == 24;
