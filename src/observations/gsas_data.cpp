@@ -1,5 +1,4 @@
-// INSTR 12 (and -12, positions not in centidegrees): GSAS files with a BANK line and STD, ESD or
-// ALT data.
+// INSTR 12 and -12: GSAS files with a BANK line and STD, ESD or ALT data.
 #include <string>
 #include <vector>
 
@@ -144,6 +143,7 @@ void ReadGsasData(DataFile& file) {
   const GsasBank bank = DecodeBankLine(file, FindBankLine(file));
   file.firstInteger = bank.IBANK;
   SetPointCount(file, bank.NCHAN);
+  // Constant-step coefficients are in centidegrees, except with a negative INSTR.
   const float divisor = file.INSTR < 0 ? 1.0f : 100.0f;
   if (bank.DATTYP == "STD") {
     ReadStandardBank(file, bank, divisor);

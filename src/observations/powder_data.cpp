@@ -1,5 +1,4 @@
-// ReadPattern: opens the data file, hands it to the reader of its INSTR format, and stores the
-// points.
+// ReadPattern: opens the data file, runs the reader of its INSTR format, stores the points.
 #include "observations/powder_data.h"
 
 #include <cstddef>

@@ -1,5 +1,4 @@
-// Reading of a pattern's file of observed intensities into the Pattern record, in the format INSTR
-// selects.
+// Reading of a pattern's file of observed intensities, in the format that INSTR selects.
 #pragma once
 
 #include "run/job.h"

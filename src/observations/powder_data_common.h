@@ -1,5 +1,4 @@
-// What the data-file readers share: the file being read, record and value reads with their stops,
-// point counts.
+// What the data-file readers share: the file being read, reads with their stops, point counts.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,4 @@
-// INSTR 4 and -4: the BNBL synchrotron formats, with the three point layouts chosen by the date of
-// the data.
+// INSTR 4 and -4: the BNBL synchrotron formats, with point layouts chosen by the data's date.
 #include <optional>
 #include <string>
 #include <vector>

@@ -1,5 +1,4 @@
-// INSTR 5, 8 and 11: the general two-axis format, the DMC format and the variable-time (LHPM)
-// format.
+// INSTR 5, 8 and 11: the general two-axis, the DMC and the variable-time (LHPM) formats.
 #include <string>
 #include <vector>
 

@@ -1,5 +1,4 @@
-// INSTR 10: X,Y,sigma lines with an optional "XYDATA" heading, and the interpolation of variable
-// steps.
+// INSTR 10: X,Y,sigma lines, an optional "XYDATA" heading, interpolation to a constant step.
 #include <string>
 #include <vector>
 

@@ -1,5 +1,4 @@
-// A data file in a scratch directory, with a job whose pattern 1 reads it and whose .out is
-// captured.
+// A data file in a scratch directory, read into pattern 1 of a job whose .out is captured.
 #pragma once
 
 #include <gtest/gtest.h>

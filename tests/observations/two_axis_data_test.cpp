@@ -1,5 +1,4 @@
-// Tests of the general two-axis format (INSTR 5), the DMC format (8) and the variable-time format
-// (11).
+// Tests of the general two-axis (INSTR 5), DMC (8) and variable-time (11) formats.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,5 +1,4 @@
-// Tests of the UXD text format (INSTR 9): typed lines, keyword header, ranges and the experiment
-// report.
+// Tests of the UXD text format (INSTR 9): typed lines, keywords, ranges, experiment report.
 #include <gtest/gtest.h>
 
 #include <string>

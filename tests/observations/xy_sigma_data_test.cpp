@@ -1,5 +1,4 @@
-// Tests of the X,Y,sigma format (INSTR 10): heading, factors, comments, and the spline to a
-// constant step.
+// Tests of the X,Y,sigma format (INSTR 10): heading, factors, comments, spline to a constant step.
 #include <gtest/gtest.h>
 
 #include <string>
