@@ -1,0 +1,46 @@
+// The width law of a constant-wavelength reflection: FWHM from U, V, W and the shape terms.
+#pragma once
+
+#include "run/job.h"
+
+namespace corvinet {
+
+// What the width law needs of one reflection of one phase in one pattern.
+struct WidthInput {
+  int code = 6;             // ProfileCode of the reflection (Npr of the phase in the pattern)
+  int phase = 1;            // phase number, for the parameters and the report
+  int wavelengthIndex = 1;  // 2 for the lambda(2) member of a doublet
+  float twoTheta = 0.0f;    // Bragg position in degrees
+  float tanTheta = 0.0f;
+  float cos2Theta = 1.0f;        // cos^2(theta)
+  float deltaU = 0.0f;           // strain addition to U
+  float deltaY = 0.0f;           // size addition to Y (code 8)
+  float extraGaussian2 = 0.0f;   // extra Gaussian width squared (resolution file)
+  float extraLorentzian = 0.0f;  // extra Lorentzian width (resolution file)
+  float previousFwhm = 0.0f;     // the FWHM held before, kept by a TCH sum of exactly 0
+};
+
+// The widths a reflection keeps. For code 8, HG and HL are the Gaussian and
+// Lorentzian widths and eta their TCH mixing; for code 12, HG is the left
+// width (equal to H) and HL the right width; for the other codes HG = H and
+// HL = 0, and eta is 0 (their mixing is set from the shape parameters).
+struct PeakWidths {
+  float H = 0.0f;
+  float HG = 0.0f;
+  float HL = 0.0f;
+  float eta = 0.0f;
+};
+
+// The width step of a reflection, for the constant-wavelength codes (not the
+// time-of-flight codes 10 and 11). Uses U2, V2, W2 for wavelength index 2 when
+// the pattern reads them. A square of a width at or below 0 writes the
+// position and the phase on the report, " Square of FWHM <0 at
+// 2theta/TOF/E(KeV):" with the position on the console, and stops with
+// " Square of FWHM <0 ".
+PeakWidths PeakWidth(Job& job, int ip, const WidthInput& in);
+
+// The position of a code-12 reflection that chooses between the left and the
+// right extra term: 2theta + Sycos cos(theta) + Sysin sin(2theta), in degrees.
+float SplitSidePosition(const Pattern& pattern, float twoTheta);
+
+}  // namespace corvinet
