@@ -4,6 +4,7 @@
 #include <string>
 
 #include "control/codeword.h"
+#include "crystal/reflection.h"
 #include "run/dimension_limits.h"
 #include "run/table1.h"
 
@@ -125,6 +126,9 @@ struct Pattern {
   Table1<float, DimensionLimits::IBACP + 1> backSplineY2;      // spline second derivatives
   // Row k: the change of each spline second derivative per unit change of height k.
   Table2<float, DimensionLimits::IBACP + 1, DimensionLimits::IBACP + 1> backSplineGain;
+
+  // Reflections of all phases.
+  ReflectionTable reflections;
 };
 
 // Numerical peak shapes of the .shp file, shared by all patterns.

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "crystal/phase_symmetry.h"
 #include "run/field_reader.h"
 #include "run/fortran_format.h"
 #include "run/text.h"
@@ -230,6 +231,7 @@ void ReadPhase(Job& job, int k) {
     if (ph.pat[ip].Contribution != 0) WriteContributionWords(job, k, ip);
   }
   WritePhaseData(job, k);
+  BuildPhaseSymmetry(job, k);
 }
 
 }  // namespace corvinet

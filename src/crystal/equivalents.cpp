@@ -1,5 +1,7 @@
-// Symmetric equivalents and systematic absence of a reflection, walked over the generator table of the group.
+// Symmetric equivalents and systematic absence of a reflection over the generator table.
 #include "crystal/equivalents.h"
+
+#include "crystal/space_group_symbol.h"
 
 namespace corvinet {
 namespace {
@@ -82,7 +84,9 @@ bool IntegralTurns(int twelfths) {
 }
 
 // Adds an image unless an entry already holds its key (or, centrosymmetric,
-// the negated key); sets `absent` when such an entry has another phase.
+// the negated key); sets `absent` when such an entry has another phase. The
+// first entry, the reflection itself, takes part: an image that returns to it
+// with a fractional phase is what a screw axis or a glide plane extinguishes.
 void AddImage(EquivalentList& list, bool centric, const Triple& v, int phase) {
   const int key = Key(v);
   for (int e = 1; e <= list.count; ++e) {
@@ -98,14 +102,25 @@ void AddImage(EquivalentList& list, bool centric, const Triple& v, int phase) {
   list.phase[list.count] = phase;
 }
 
+// In the large centrosymmetric classes (6/mmm and the cubic ones) an image
+// of a generator that keeps or negates h, with a key below 1, is the Friedel
+// mate of an entry the walk also reaches; it is passed over.
+bool SkippedFriedelImage(const DecomposedGenerator& g, int laue, bool centric, const Triple& v) {
+  return centric && laue >= kLaue6mmm && g.kind == kOrdinaryGenerator && g.r1 % 2 == 0 &&
+         Key(v) < 1;
+}
+
 // One generator applied to every entry present when its turn began.
-void ApplyGenerator(EquivalentList& list, const DecomposedGenerator& g, bool centric) {
+void ApplyGenerator(EquivalentList& list, const DecomposedGenerator& g, int laue, bool centric) {
   const int present = list.count;
   for (int e = 1; e <= present && !list.absent; ++e) {
     Triple images[2];
     int phases[2];
     const int n = Images(g, list.hkl[e], list.phase[e], images, phases);
-    for (int m = 0; m < n && !list.absent; ++m) AddImage(list, centric, images[m], phases[m]);
+    for (int m = 0; m < n && !list.absent; ++m) {
+      if (SkippedFriedelImage(g, laue, centric, images[m])) continue;
+      AddImage(list, centric, images[m], phases[m]);
+    }
   }
 }
 
@@ -121,18 +136,29 @@ Triple WithPositiveLead(int h, int k, int l) {
   return lead < 0 ? Triple{-h, -k, -l} : Triple{h, k, l};
 }
 
+// Whether the point group of the generator words holds the inversion. For a
+// group of a symbol this is its centrosymmetry; a phase whose operators come
+// from the control file keeps its own flag, and its words are those of the
+// symbol it generates reflections from.
+bool WordsHoldInversion(const SpaceGroup& group) {
+  for (int e = 1; e <= group.rotationWordCount; ++e) {
+    if (group.rotationWords[e] == word::kInversion) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 EquivalentList Equivalents(const SpaceGroup& group, int h, int k, int l) {
   EquivalentList list;
-  const bool centric = group.isAcentric == 0;
+  const bool centric = WordsHoldInversion(group);
   list.count = 1;
   list.hkl[1] = centric ? WithPositiveLead(h, k, l) : Triple{h, k, l};
   list.phase[1] = 0;
   for (int g = 1; g <= group.generatorTableCount; ++g) {
     const DecomposedGenerator& generator = group.generatorTable[g];
     list.generatorOrder *= OrderOf(generator);
-    ApplyGenerator(list, generator, centric);
+    ApplyGenerator(list, generator, group.LAUE, centric);
     if (list.absent) return list;
   }
   list.stabiliserOrder = list.generatorOrder / list.count;

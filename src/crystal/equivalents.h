@@ -1,4 +1,4 @@
-// Symmetric equivalents of a reflection from the generator table, the test of systematic absence, and the multiplicity rule of the Laue class.
+// Equivalents of a reflection, its systematic absence, and the multiplicity rule of its class.
 #pragma once
 
 #include <array>
@@ -26,9 +26,9 @@ constexpr int PackedIndexKey(int h, int k, int l) {
   return (h * 512 + k) * 512 + l;
 }
 
-// Walks the generator table of `group` over (h, k, l). In a centrosymmetric
-// group the triple is first given a positive first non-zero index, keys are
-// also matched against the negated key, and at the end the list holds one
+// Walks the generator table of `group` over (h, k, l). In a group whose
+// generator words hold the inversion (centrosymmetric) the triple is first given a positive first
+// non-zero index, keys are also matched against the negated key, and at the end the list holds one
 // member of each Friedel pair, each with a positive key.
 EquivalentList Equivalents(const SpaceGroup& group, int h, int k, int l);
 

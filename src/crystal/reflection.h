@@ -28,8 +28,11 @@ struct Reflection {
   float fileValue2 = 0.0f;
 };
 
-// The reflections of one pattern: phase p occupies the slots
-// start[p]+1 .. start[p]+count[p].
+// The reflections of one pattern: phase p is made into the slots
+// start[p]+1 .. start[p]+count[p]. Once the last phase of the pattern is
+// done the whole table is sorted by position; the blocks then interleave and
+// the phase of a slot is read from its key, while count[p] stays its number
+// of slots.
 struct ReflectionTable {
   static constexpr int kCapacity = DimensionLimits::IRS;
   // The last slot a generation may fill: two slots are kept free.

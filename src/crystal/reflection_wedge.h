@@ -1,4 +1,4 @@
-// The asymmetric wedge of reciprocal space that the generation walks: loop class, lattice steps, starts and limits.
+// The asymmetric wedge the generation walks: loop class, lattice steps, starts and limits.
 #pragma once
 
 #include "crystal/space_group.h"
@@ -10,13 +10,17 @@ namespace corvinet {
 // being linear in the outer indices.
 enum class LatticeRule : int {
   kPrimitive,
-  kA,          // k + l even
-  kB,          // h + l even
-  kC,          // h + k even
-  kI,          // h + k + l even
-  kF,          // h, k, l all even or all odd
-  kObverseR,   // -h + k + l = 3n (hexagonal axes)
+  kA,         // k + l even
+  kB,         // h + l even
+  kC,         // h + k even
+  kI,         // h + k + l even
+  kF,         // h, k, l all even or all odd
+  kObverseR,  // -h + k + l = 3n (hexagonal axes)
 };
+
+// Loop classes of the cubic groups with I centring.
+constexpr int kLoopM3I = 15;
+constexpr int kLoopM3mI = 16;
 
 struct WedgeLoops {
   int loopClass = 1;  // the Laue class; 15 and 16 for the cubic classes with I centring
@@ -42,10 +46,6 @@ int WedgeKStart(const WedgeLoops& w, int h);
 int WedgeKLast(const WedgeLoops& w, int h);
 int WedgeLStart(const WedgeLoops& w, int h, int k);
 int WedgeLLast(const WedgeLoops& w, int h, int k);
-
-// Whether (h, k, l) with h >= 0 lies in the wedge (a test of the same bounds
-// the loops use, for indices met in another order, such as read from a file).
-bool InWedge(const WedgeLoops& w, int h, int k, int l);
 
 // Calls visit(h, k, l) for every triple of the wedge within the limits, in
 // loop order: h outermost, l innermost.

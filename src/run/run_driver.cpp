@@ -265,8 +265,10 @@ void RunOneJob(Job& job) {
   d.stopRequested = 0;
   ResetDefaults(job);
   ReadControlFile(job);
-  // The refinement engine and the final report follow the reading of the
-  // pattern and phase blocks, which this version does not read yet.
+  // The refinement cycles and the final report are not part of this version.
+  const char* engine = " => Refinement cycles and the final report are not run by this version of Corvinet";
+  ConsoleLine(job, engine);
+  WriteReports(job, engine);
 
   CpuTimer(job, 2, true);
   DateTimeStamp end = DateTime();

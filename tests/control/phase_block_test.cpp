@@ -140,7 +140,8 @@ TEST(PhaseBlock, NegativeVectorCountAddsMinusK) {
 
 TEST(PhaseBlock, MagneticPhaseMakesThePatternMagnetic) {
   // The remark behind the symbol starts in column 21.
-  PhaseJob job("T\n1 0 0 0.0 0.0 1.0 10 0 0 0 0 0.0 0 0 0\nP 1                 Mag\n");
+  // With magnetic symmetry the time-reversal sign of each operator follows.
+  PhaseJob job("T\n1 0 0 0.0 0.0 1.0 10 0 0 0 0 0.0 0 0 0\nP 1                 Mag\n1\n");
   ASSERT_TRUE(job.Runs(ReadPhaseOne));
   const Phase& ph = job->phases[1];
   EXPECT_EQ(ph.pat[1].magneticPattern, 1);

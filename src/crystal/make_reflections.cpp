@@ -1,0 +1,59 @@
+// The reflections of one phase in one pattern as the pattern block asks for them by Irf.
+#include "crystal/reflection_generation.h"
+#include "run/fortran_format.h"
+#include "surface/console.h"
+
+namespace corvinet {
+namespace {
+
+// Whether no phase after k contributes to pattern ip.
+bool LastPhaseOfPattern(const Job& job, int k, int ip) {
+  for (int later = k + 1; later <= job.run.NPHASE; ++later) {
+    if (job.phases[later].pat[ip].Contribution != 0) return false;
+  }
+  return true;
+}
+
+void RefuseIntegratedIntensities(Job& job, int k, int ip) {
+  ConsoleLine(job, Fmt("(A,I2,A,I2)", " => Phase ", k, ", pattern ", ip,
+                       ": integrated intensities (Irf 4 or -4) as observations"));
+  ConsoleLine(job, "    are not read by this version of the program");
+  StopBox(job, " Integrated intensities (Irf=4/-4) are not supported ");
+}
+
+void MakeByIrf(Job& job, int k, int ip) {
+  switch (job.phases[k].pat[ip].Irf) {
+    case 0:
+    case -1:
+      ConsoleLine(job, Fmt("(A,I2)", " => Generating reflections for pattern: ", ip));
+      GenerateReflections(job, k, ip);
+      return;
+    case 1:
+    case 2:
+    case -2:
+    case 3:
+    case -3:
+      ConsoleLine(job, Fmt("(A,I2)", " => Reading reflections for pattern: ", ip));
+      ReflectionsFromFile(job, k, ip);
+      return;
+    case 4:
+    case -4:
+      RefuseIntegratedIntensities(job, k, ip);
+      return;
+    default:
+      StopBox(job, " Illegal IRF value ");
+  }
+}
+
+}  // namespace
+
+void MakeReflections(Job& job, int k, int ip) {
+  ReflectionTable& table = job.patterns[ip].reflections;
+  table.start[k] = table.total;
+  MakeByIrf(job, k, ip);
+  table.count[k] = table.total - table.start[k];
+  SortReflections(table, table.count[k], k);
+  if (LastPhaseOfPattern(job, k, ip)) SortReflections(table, table.total, kWholePattern);
+}
+
+}  // namespace corvinet

@@ -1,0 +1,103 @@
+// Placement of one reflection in the table: positions, capacity and the width check.
+#include "crystal/reflection_slots.h"
+
+#include <cstdlib>
+
+#include "crystal/reflection.h"
+#include "run/fortran_format.h"
+#include "surface/console.h"
+
+namespace corvinet {
+namespace {
+
+// The square of the Caglioti width at a two-theta reflection: W + t(V + tU).
+double SquaredWidth(const MarginWidths& w, double tanTheta) {
+  return w.W + tanTheta * (w.V + tanTheta * w.U);
+}
+
+[[noreturn]] void StopNegativeWidth(Job& job, int ip, float position) {
+  const std::string where = Fmt("(A,F12.4)", " Square of FWHM <0 at 2theta/TOF/E(KeV): ", position);
+  const std::string pattern = Fmt("(A,I2)", " For pattern number: ", ip);
+  WriteLine(job, Unit::Out, where);
+  WriteLine(job, Unit::Out, pattern);
+  ConsoleLine(job, where);
+  ConsoleLine(job, pattern);
+  StopBox(job, " Square of FWHM <0 ");
+  throw ProcessStop{0};  // not reached: the stop box throws
+}
+
+void CheckWidth(Job& job, const SlotContext& c, const ReflectionPlace& place) {
+  const Pattern& p = job.patterns[c.ip];
+  if (p.IXUNIT != kTwoTheta || p.IRESO != 0) return;
+  if (SquaredWidth(c.widths, place.tanTheta) < 0.0) {
+    StopNegativeWidth(job, c.ip, static_cast<float>(place.position));
+  }
+}
+
+Reflection& TakeSlot(Job& job, int ip) {
+  ReflectionTable& table = job.patterns[ip].reflections;
+  if (table.total >= ReflectionTable::kLastUsable) StopTooManyReflections(job, ip);
+  ++table.total;
+  Reflection& slot = table.slot[table.total];
+  slot = Reflection{};
+  return slot;
+}
+
+}  // namespace
+
+SlotContext MakeSlotContext(const Job& job, int k, int ip, const HklShift& shift) {
+  const Phase& ph = job.phases[k];
+  const PhasePattern& c = ph.pat[ip];
+  const Pattern& p = job.patterns[ip];
+  SlotContext context;
+  context.phase = k;
+  context.ip = ip;
+  for (int i = 1; i <= 6; ++i) context.coefficients[i] = c.PAR[5 + i];
+  context.widths = MarginWidths{c.PAR[3], c.PAR[4], c.PAR[5]};
+  context.range = RangeOfPattern(p, context.widths, std::abs(ph.Jbt) == 2);
+  context.wavelengths = WavelengthCount(p);
+  context.shift = shift;
+  return context;
+}
+
+double InverseDSquared(const Table1<float, 6>& c, const std::array<double, 3>& v) {
+  const double h = v[0], k = v[1], l = v[2];
+  return c[1] * h * h + c[2] * k * k + c[3] * l * l + c[4] * k * l + c[5] * h * l + c[6] * h * k;
+}
+
+bool InsideRange(const SlotContext& context, double q) {
+  const double s = q / 4.0;
+  return s <= context.range.sHigh && s >= context.range.sLow;
+}
+
+int StoreReflection(Job& job, const SlotContext& c, const ReflectionSource& source) {
+  const Pattern& p = job.patterns[c.ip];
+  const double q = InverseDSquared(c.coefficients, source.real);
+  const double shift = c.shift ? c.shift(source.real, q) : 0.0;
+  int taken = 0;
+  for (int w = 1; w <= c.wavelengths; ++w) {
+    const ReflectionPlace place = PlaceReflection(p, q, w, shift);
+    if (!place.valid || !InsidePattern(p, static_cast<float>(place.position))) continue;
+    CheckWidth(job, c, place);
+    Reflection& slot = TakeSlot(job, c.ip);
+    slot.key = ReflectionKey(w, c.phase, source.h, source.k, source.l);
+    slot.multiplicity = source.multiplicity;
+    slot.satelliteIndex = source.satelliteIndex;
+    slot.position = static_cast<float>(place.position);
+    slot.tanTheta = static_cast<float>(place.tanTheta);
+    slot.fileValue1 = source.fileValue1;
+    slot.fileValue2 = source.fileValue2;
+    ++taken;
+  }
+  return taken;
+}
+
+void StopTooManyReflections(Job& job, int ip) {
+  WriteLine(job, Unit::Out, Fmt("(I6,A)", ReflectionTable::kCapacity, "  Too many reflections"));
+  ConsoleLine(job, Fmt("(A,I6)", " Too many reflections", ReflectionTable::kCapacity));
+  ConsoleLine(job, Fmt("(A,I2)", " For pattern number: ", ip));
+  StopBox(job, " Too many reflections ");
+  throw ProcessStop{0};  // not reached: the stop box throws
+}
+
+}  // namespace corvinet

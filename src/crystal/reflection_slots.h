@@ -1,0 +1,55 @@
+// Taking slots of the reflection table: range test, positions per wavelength, checks.
+#pragma once
+
+#include <array>
+#include <functional>
+
+#include "crystal/reflection_range.h"
+#include "run/job.h"
+
+namespace corvinet {
+
+// The position shift that depends on the indices of a reflection (the Bragg
+// shift of the size and strain models), in the unit of the pattern; it is
+// given the real indices and 1/d². An empty function means no shift.
+using HklShift = std::function<float(const std::array<double, 3>& hkl, double q)>;
+
+// One reflection to be stored, before its positions are known.
+struct ReflectionSource {
+  int h = 0, k = 0, l = 0;  // the integer indices of the key
+  int satelliteIndex = 0;
+  std::array<double, 3> real{};  // h, k, l plus the propagation vector
+  int multiplicity = 0;
+  float fileValue1 = 0.0f;
+  float fileValue2 = 0.0f;
+};
+
+// What the placement of the reflections of one phase in one pattern needs.
+struct SlotContext {
+  int phase = 1;
+  int ip = 1;
+  Table1<float, 6> coefficients;  // A..F of 1/d² = Ah² + Bk² + Cl² + Dkl + Ehl + Fhk
+  MarginWidths widths;            // U, V, W of the phase in the pattern
+  ReflectionRange range;
+  int wavelengths = 1;
+  HklShift shift;
+};
+
+// The context of phase k in pattern ip: coefficients PAR[6..11], widths
+// PAR[3..5], the range with its margin and the wavelengths.
+SlotContext MakeSlotContext(const Job& job, int k, int ip, const HklShift& shift);
+
+double InverseDSquared(const Table1<float, 6>& coefficients, const std::array<double, 3>& hkl);
+
+// Whether 1/d² = q lies inside the range of the context.
+bool InsideRange(const SlotContext& context, double q);
+
+// Stores the reflection once per wavelength whose position lies inside the
+// pattern, and returns how many slots it took. A reflection past the
+// capacity, or with a negative square of its width, stops the run.
+int StoreReflection(Job& job, const SlotContext& context, const ReflectionSource& source);
+
+// The stop of a full table: " Too many reflections ".
+[[noreturn]] void StopTooManyReflections(Job& job, int ip);
+
+}  // namespace corvinet
