@@ -7,6 +7,7 @@
 #include "control/phase_block.h"
 #include "control/profile_lines.h"
 #include "crystal/reflection_generation.h"
+#include "crystal/reflection_list.h"
 #include "observations/background.h"
 #include "observations/powder_data.h"
 #include "run/field_reader.h"
@@ -101,6 +102,16 @@ bool StopReadingAt(Job& job, const std::string& what) {
   return false;
 }
 
+// The reflections of phase k in pattern ip, with the width flag of generated
+// and integrated lists and the listing the pattern asks for.
+void MakeContributionReflections(Job& job, int k, int ip) {
+  Phase& ph = job.phases[k];
+  PhasePattern& c = ph.pat[ip];
+  MakeReflections(job, k, ip);
+  if (c.Irf <= 0 || std::abs(c.Irf) == 4) c.laueWidthFlag = LaueWidthFlag(ph.group.LAUE);
+  if (job.patterns[ip].LST1 == 1) WriteReflectionList(job, k, ip);
+}
+
 bool ReadPhases(Job& job) {
   for (int k = 1; k <= job.run.NPHASE; ++k) {
     ConsoleLine(job, Fmt("(A,I2)", " Reading parameters for phase:", k));
@@ -115,7 +126,7 @@ bool ReadPhases(Job& job) {
       return StopReadingAt(job, Fmt("(A,I2)", "the restraints of phase", k));
     }
     for (int ip = 1; ip <= job.run.NPATT; ++ip) {
-      if (ph.pat[ip].Contribution != 0) MakeReflections(job, k, ip);
+      if (ph.pat[ip].Contribution != 0) MakeContributionReflections(job, k, ip);
     }
   }
   return true;

@@ -29,6 +29,7 @@ struct PhasePattern {
   int StrainModel = 0;  // Strain-Model
   int SizeModel = 0;    // Size-Model
   float prefLength2 = 0.0f;  // quadratic form of PREF with the metric
+  int laueWidthFlag = 0;     // 1 or 2 by the Laue class of a generated list
   CellMetric metric;         // metric of the cell as read
 };
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "control/pattern_block.h"
 #include "control/run_block.h"
@@ -317,6 +318,45 @@ TEST(PatternBody, TimeOfFlightConstantsComeFromTheGlobals) {
   const std::string out = dir.Read("x.out");
   EXPECT_TRUE(HasLine(out, " => Absorption correction type:  1"));
   EXPECT_TRUE(HasLine(out, " => D-spacing to T.O.F. coefficient 1 and code:  5000.000000      0.00"));
+}
+
+TEST(PatternBody, ReflectionListIsWrittenWhenAsked) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.output = "0 0 1 0 1 1 0 0 0 1 0 0 0 0 0 0 0";
+  parts.instrument = "1.5406 0.0 0.0 40.0 8.0 0.8 0.0 30.0 0.0";
+  parts.cycle = "1 0.1 1 1 1 1 10.0 0.05 60.0 0 0";
+  parts.phase.replace(parts.phase.find("P 1"), 3, "P m 3 m");
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  const ReflectionTable& table = job->patterns[1].reflections;
+  // 100, 110, 111, 200, 210 and 211 of a 4 A cube lie between 10 and 60 degrees.
+  EXPECT_EQ(table.total, 6);
+  EXPECT_EQ(job->phases[1].pat[1].laueWidthFlag, 2);
+  const auto lines = testing::SplitLines(dir.Read("x.out"));
+  const auto head = std::find(lines.begin(), lines.end(),
+                              "1No.  Code    H   K   L   Mult       Hw     2theta/TOF       "
+                              "L-factor        HWL        HWG        ETA");
+  ASSERT_NE(head, lines.end());
+  ASSERT_LT(head + 6, lines.end());
+  // The second reflection is the form {110}, listed as 011 of the cubic
+  // wedge, with multiplicity 12 at 2theta = 2 asin(lambda/(2d)).
+  const std::string& row = *(head + 2);
+  EXPECT_EQ(row.substr(0, 29), "   2     1   0   1   1     12");
+  const double twoTheta = 2.0 * std::asin(1.5406 / (2.0 * 4.0 / std::sqrt(2.0))) * 180.0 / M_PI;
+  EXPECT_NEAR(std::stod(row.substr(38, 15)), twoTheta, 1e-3);
+}
+
+TEST(PatternBody, HexagonalListsGetWidthFlagOne) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.cycle = "1 0.1 1 1 1 1 10.0 0.05 60.0 0 0";
+  parts.phase.replace(parts.phase.find("P 1"), 3, "P 6/m m m");
+  parts.phase.replace(parts.phase.find("4.0 4.0 4.0 90 90 90"), 20, "3.0 3.0 5.0 90 90 120");
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_EQ(job->phases[1].pat[1].laueWidthFlag, 1);
+  EXPECT_GT(job->patterns[1].reflections.total, 0);
 }
 
 }  // namespace
