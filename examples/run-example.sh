@@ -3,11 +3,11 @@
 set -e
 binary="$1"
 here="$(cd "$(dirname "$0")" && pwd)"
-job="$here/simulated-head"
+job="$here/cubic-profile"
 cd "$job"
-"$binary" example < /dev/null
+"$binary" cubic < /dev/null
 echo
 echo "Example finished. Results are in $job:"
-for f in example.out example.sum example.rpa example.sym; do
+for f in cubic.out cubic.sum cubic.rpa; do
   [ -f "$f" ] && echo "  $job/$f"
 done
