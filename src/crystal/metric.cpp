@@ -97,7 +97,8 @@ bool BuildCellMetric(const Table1<float, 6>& cell, CellMetric& m) {
   m.G(1, 3) = m.G(3, 1) = a * c * cb;
   m.G(2, 3) = m.G(3, 2) = b * c * ca;
   m.volume = CellVolume(cell);
-  if (!(m.volume > 1.0e-10) || !Invert(m.G, m.Gstar)) return false;
+  // A cell whose volume is lost in rounding (angles that close up) is singular.
+  if (!(m.volume > 1.0e-6 * std::fabs(a * b * c)) || !Invert(m.G, m.Gstar)) return false;
   // Cartesian frame: a along x, b in the xy plane.
   m.orthonormal.Fill(0.0);
   m.orthonormal(1, 1) = a;
