@@ -114,7 +114,7 @@ std::vector<std::string> NormaliseLines(const std::vector<std::string>& lines) {
   return out;
 }
 
-bool ReadHeadOnly(ScratchDir& dir, CapturedJob& job, const std::string& pcr) {
+bool ReadControlText(ScratchDir& dir, CapturedJob& job, const std::string& pcr, bool headOnly) {
   dir.Write("x.pcr", pcr);
   job->driver.PcrCode = "x";
   job->driver.DatCode = "x";
@@ -123,13 +123,22 @@ bool ReadHeadOnly(ScratchDir& dir, CapturedJob& job, const std::string& pcr) {
     OpenFiles(*job, 1, 0, 0);
     OpenFiles(*job, 2, 0, 0);
     ResetDefaults(*job);
-    ReadControlHead(*job);
+    if (headOnly) {
+      ReadControlHead(*job);
+    } else {
+      ReadControlFile(*job);
+    }
   } catch (const ProcessStop&) {
     finished = false;
   }
   CloseUnit(job->files.units[Unit::Out]);
   CloseUnit(job->files.units[Unit::Sum]);
   return finished;
+}
+
+std::string FlushedReport(const ScratchDir& dir, Job& job, const std::string& name) {
+  std::fflush(job.files.units[Unit::Out].file);
+  return dir.Read(name);
 }
 
 std::string TestData(const std::string& relative) {

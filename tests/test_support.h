@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "run/job.h"
+#include "surface/console.h"
 
 namespace corvinet::testing {
 
@@ -51,9 +52,27 @@ std::vector<std::string> SplitLines(const std::string& text);
 std::string NormaliseLine(const std::string& line);
 std::vector<std::string> NormaliseLines(const std::vector<std::string>& lines);
 
-// Reads the head of the control text `pcr` as job "x" in `dir` (control file
-// x.pcr, reports x.out and x.sum); returns false when the run stopped.
-bool ReadHeadOnly(ScratchDir& dir, CapturedJob& job, const std::string& pcr);
+// Reads the control text `pcr` as job "x" in `dir` (control file x.pcr,
+// reports x.out and x.sum): the head only, or the whole file. Returns false
+// when the run stopped.
+bool ReadControlText(ScratchDir& dir, CapturedJob& job, const std::string& pcr, bool headOnly);
+inline bool ReadHeadOnly(ScratchDir& dir, CapturedJob& job, const std::string& pcr) {
+  return ReadControlText(dir, job, pcr, true);
+}
+
+// Runs `step` on the job; false when it ended in a stop.
+template <typename F>
+bool RunsWithoutStop(Job& job, F step) {
+  try {
+    step(job);
+  } catch (const ProcessStop&) {
+    return false;
+  }
+  return true;
+}
+
+// The report file `name` as written so far by the open unit 7.
+std::string FlushedReport(const ScratchDir& dir, Job& job, const std::string& name = "x.out");
 
 // Text of a file of the test data directory.
 std::string TestData(const std::string& relative);

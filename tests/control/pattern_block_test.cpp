@@ -31,18 +31,8 @@ struct BlockJob {
   }
   Job& operator*() { return *job; }
   Job* operator->() { return job.operator->(); }
-  std::string Out() {
-    std::fflush(job->files.units[Unit::Out].file);
-    return dir.Read("x.out");
-  }
-  bool Stops(void (*step)(Job&)) {
-    try {
-      step(*job);
-    } catch (const ProcessStop&) {
-      return true;
-    }
-    return false;
-  }
+  std::string Out() { return testing::FlushedReport(dir, *job); }
+  bool Stops(void (*step)(Job&)) { return !testing::RunsWithoutStop(*job, step); }
 };
 
 bool HasLine(const std::string& text, const std::string& line) {

@@ -17,23 +17,8 @@ namespace {
 using testing::CapturedJob;
 using testing::ScratchDir;
 
-// Reads the whole control text as job "x"; false when the run stopped.
 bool ReadWhole(ScratchDir& dir, CapturedJob& job, const std::string& pcr) {
-  dir.Write("x.pcr", pcr);
-  job->driver.PcrCode = "x";
-  job->driver.DatCode = "x";
-  bool finished = true;
-  try {
-    OpenFiles(*job, 1, 0, 0);
-    OpenFiles(*job, 2, 0, 0);
-    ResetDefaults(*job);
-    ReadControlFile(*job);
-  } catch (const ProcessStop&) {
-    finished = false;
-  }
-  CloseUnit(job->files.units[Unit::Out]);
-  CloseUnit(job->files.units[Unit::Sum]);
-  return finished;
+  return testing::ReadControlText(dir, job, pcr, false);
 }
 
 bool HasLine(const std::string& text, const std::string& line) {

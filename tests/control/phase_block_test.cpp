@@ -33,20 +33,11 @@ struct PhaseJob {
   }
   Job& operator*() { return *job; }
   Job* operator->() { return job.operator->(); }
-  // Runs `read`; false when the run stopped.
   template <typename F>
   bool Runs(F read) {
-    try {
-      read(*job);
-    } catch (const ProcessStop&) {
-      return false;
-    }
-    return true;
+    return testing::RunsWithoutStop(*job, read);
   }
-  std::string Out() {
-    std::fflush(job->files.units[Unit::Out].file);
-    return dir.Read("x.out");
-  }
+  std::string Out() { return testing::FlushedReport(dir, *job); }
 };
 
 bool HasLine(const std::string& text, const std::string& line) {

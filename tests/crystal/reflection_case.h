@@ -66,17 +66,9 @@ struct ReflectionCase {
   // Runs `run`; false when the run stopped.
   template <typename F>
   bool Runs(F run) {
-    try {
-      run(*job);
-    } catch (const ProcessStop&) {
-      return false;
-    }
-    return true;
+    return testing::RunsWithoutStop(*job, run);
   }
-  std::string Out() {
-    std::fflush(job->files.units[Unit::Out].file);
-    return dir.Read("x.out");
-  }
+  std::string Out() { return testing::FlushedReport(dir, *job); }
 };
 
 // Whether `text` has the line, trailing blanks ignored on both sides.
