@@ -17,6 +17,9 @@ struct Reflection {
   int satelliteIndex = 0;  // 0 fundamental, else the vector number, negative for -k
   float position = 0.0f;   // in the abscissa unit of the pattern, all shifts included
   float Fwhm = 0.0f;
+  float FwhmRight = 0.0f;  // right-hand width of the split profile
+  float HG = 0.0f;         // Gaussian and Lorentzian widths of the TCH profile
+  float HL = 0.0f;
   float gaussianHWSquared = 0.0f;
   float lorentzianHW = 0.0f;
   float eta = 0.0f;

@@ -8,6 +8,8 @@
 #include "control/pattern.h"
 #include "control/phase.h"
 #include "control/run_options.h"
+#include "refine/refinement_state.h"
+#include "refine/reliability_state.h"
 #include "run/dimension_limits.h"
 #include "run/random_source.h"
 #include "run/table1.h"
@@ -85,6 +87,8 @@ struct RunData {
   Table1<Phase, DimensionLimits::NPHT> phases;
   Table1<AtomSite, DimensionLimits::NATS> atoms;
   ParameterLimits limits;
+  RefinementState refinement;
+  ReliabilityState reliability;
   int LINE = 0;             // line counter of the control file
   float globalChi2 = 0.0f;  // chi-square of the whole run
   RandomSource random;      // the run's random source

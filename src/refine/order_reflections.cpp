@@ -1,0 +1,205 @@
+// Order codes of the points of a pattern, the excluded regions, the point table and the overlap limit.
+#include "refine/order_reflections.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+#include "crystal/reflection.h"
+#include "crystal/reflection_generation.h"
+#include "run/fortran_format.h"
+#include "surface/console.h"
+
+namespace corvinet {
+
+namespace {
+
+constexpr float kDegree = 0.017453292f;
+constexpr float kLog4 = 1.3862944f;
+
+// Point index of an abscissa value, at most npts.
+int PointIndex(const Pattern& p, float value) {
+  const double raw = p.equalStep == 1 ? std::trunc((value - p.THMIN) / p.STEP + 1.5f)
+                                      : static_cast<double>(Locate(p.NPTS, p.X, value));
+  return static_cast<int>(std::clamp(raw, -1.0, static_cast<double>(p.NPTS)));
+}
+
+// The first index of an interval: raised to 1 when below 2.
+int LowIndex(const Pattern& p, float value) { return std::max(PointIndex(p, value), 1); }
+
+struct PeakBase {
+  float low = 0.0f;
+  float high = 0.0f;
+};
+
+// The interval of abscissa that the peak of reflection r covers.
+PeakBase BaseOfReflection(const Job& job, int ip, const Reflection& r) {
+  const Pattern& p = job.patterns[ip];
+  const PhasePattern& c = job.phases[KeyPhase(r.key)].pat[ip];
+  const Table1<float, DimensionLimits::MPAR>& par = c.PAR;
+  const float H = r.Fwhm;
+  float left = p.Wdt * H;
+  float right = left;
+  float shift = 0.0f;
+  const int code = c.Npr;
+  if (p.IXUNIT == 0) {
+    const float theta = 0.5f * r.position * kDegree;
+    shift = p.GLB[8] * std::cos(theta) + p.GLB[9] * std::sin(2.0f * theta);
+    if (code == 12) right = p.Wdt * r.FwhmRight;
+  } else {
+    const float d = r.position / p.Dtt1;
+    shift = p.Dtt2 * d * d;
+    if (p.IXUNIT == 1) {
+      const float alpha0 = par[14], beta0 = par[35], alpha1 = par[36], beta1 = par[37];
+      left = (H + kLog4 / (alpha1 / d + alpha0)) * p.Wdt;
+      right = (H + kLog4 / (beta1 / (d * d * d * d) + beta0)) * p.Wdt;
+    }
+  }
+  const float centre = r.position + shift + p.GLB[1];
+  return {centre - left, centre + right};
+}
+
+void ListReflections(Job& job, const ReflectionTable& table) {
+  bool vectors = false;
+  for (int k = 1; k <= job.run.NPHASE; ++k) vectors |= job.phases[k].Nvk > 0;
+  const char* heading = vectors ? "1No.  Code    H   K   L  IVK   Phase  Hw       2THETA            "
+                                : "1No.  Code    H   K   L  Phase  Hw       2THETA            ";
+  for (int k = 1; k <= table.total; ++k) {
+    if ((k - 1) % 60 == 0) WriteLine(job, Unit::Out, heading);
+    const Reflection& r = table.slot[k];
+    const std::string indices =
+        vectors ? Fmt("(I4,I6,4I4)", k, KeyWavelength(r.key), KeyH(r.key), KeyK(r.key),
+                      KeyL(r.key), r.satelliteIndex)
+                : Fmt("(I4,I6,3I4)", k, KeyWavelength(r.key), KeyH(r.key), KeyK(r.key),
+                      KeyL(r.key));
+    WriteLine(job, Unit::Out,
+              indices + Fmt("(I6,F9.4,F15.4)", KeyPhase(r.key), r.Fwhm, r.position));
+  }
+}
+
+void MarkExcludedRegions(Pattern& p, Table1<int, DimensionLimits::IDSZ>& k11,
+                         Table1<int, DimensionLimits::IDSZ>& k21) {
+  for (int j = 1; j <= p.NEXCRG; ++j) {
+    if (!(p.ExclHigh[j] > p.THMIN)) continue;
+    const int lo = LowIndex(p, p.ExclLow[j]);
+    const int hi = PointIndex(p, p.ExclHigh[j]);
+    for (int i = lo; i <= hi; ++i) {
+      k21[i] = 1;
+      k11[i] = 0;
+    }
+    if (hi >= p.NPTS) break;
+  }
+}
+
+const char* UnitText(int ixunit) {
+  switch (ixunit) {
+    case 1: return " T.O.F. us";
+    case 2: return "Energy Kev";
+    case 3: return "  Q-value ";
+    case 4: return "  S-value ";
+    default: return "  2theta  ";
+  }
+}
+
+void WritePointTable(Job& job, const Pattern& p, const Table1<int, DimensionLimits::IDSZ>& k11,
+                     const Table1<int, DimensionLimits::IDSZ>& k21) {
+  WriteLine(job, Unit::Out, Fmt("(A,F12.4,A,F12.4,A,F10.5,1X,A)", "Pattern from ", p.X[1], " to ",
+                                p.X[p.NPTS], " in steps of ", p.STEP, UnitText(p.IXUNIT)));
+  WriteLine(job, Unit::Out, std::string(UnitText(p.IXUNIT)) + "       Ytotal         Backg" +
+                                "         Ynet      Variance  K11  K21");
+  for (int i = 1; i <= p.NPTS; ++i) {
+    WriteLine(job, Unit::Out, Fmt("(F10.4,4F14.3,2I5)", p.X[i], p.Ytotal[i], p.Backg[i],
+                                  p.Ytotal[i] - p.Backg[i], p.Variance[i], k11[i], k21[i]));
+  }
+}
+
+void StopOnOverlap(Job& job, const Pattern& p, int point, int count) {
+  ConsoleLine(job, " Excessive peak overlap! (see *.OUT)");
+  WriteLine(job, Unit::Out, " => Excessive peak overlap");
+  WriteLine(job, Unit::Out,
+            Fmt("(A,I6,A,I6,A)", "    at the ", point, "th step there are ", count, " reflections"));
+  WriteLine(job, Unit::Out, " => Solutions: ");
+  WriteLine(job, Unit::Out, Fmt("(A,F8.3)", "    Decrease the value of *WDT* which is now ", p.Wdt));
+  WriteLine(job, Unit::Out, "    Perhaps the U,V,W parameters give too broad peaks");
+  WriteLine(job, Unit::Out, "    Change the starting values of U,V,W!");
+  WriteLine(job, Unit::Out, "    The maximun allowed number of reflections contributing");
+  WriteLine(job, Unit::Out, Fmt("(A,I5)", "    to a single point is: ", DimensionLimits::NOV));
+  StopBox(job, " Excessive peak overlap");
+}
+
+void StopWithReport(Job& job, const char* words) {
+  WriteLine(job, Unit::Out, words);
+  ConsoleLine(job, words);
+  StopBox(job, words);
+}
+
+// Codes that cannot act: asymmetry refined with no peak under its limit, and
+// the second preferred-orientation value refined while both are zero.
+void CheckRefinedShapeCodes(Job& job, const Pattern& p, int ip, int firstValid) {
+  if (p.IXUNIT == 0 && firstValid > 0) {
+    const Reflection& r = p.reflections.slot[firstValid];
+    const Phase& first = job.phases[1];
+    if (r.position >= p.AsyLim && first.pat[ip].PAC[14].parameterNumber != 0) {
+      StopWithReport(job, " => Asymmetry parameters usage invalid !!");
+    }
+  }
+  for (int k = 1; k <= job.run.NPHASE; ++k) {
+    const PhasePattern& c = job.phases[k].pat[ip];
+    if (c.Contribution == 0) continue;
+    if (c.PAR[12] == 0.0f && c.PAR[13] == 0.0f && c.PAC[13].parameterNumber != 0) {
+      StopWithReport(job, " => Preferred orientation usage invalid !!");
+    }
+  }
+}
+
+}  // namespace
+
+int Locate(int n, const Table1<float, DimensionLimits::IDSZ>& x, float value) {
+  if (n < 1 || value < x[1]) return 0;
+  int lo = 1;
+  int hi = n + 1;
+  while (hi - lo > 1) {
+    const int mid = (lo + hi) / 2;
+    if (x[mid] <= value) {
+      lo = mid;
+    } else {
+      hi = mid;
+    }
+  }
+  return lo;
+}
+
+void OrderReflections(Job& job, int ip) {
+  Pattern& p = job.patterns[ip];
+  ReflectionTable& table = p.reflections;
+  if (job.run.NPHASE > 1) SortReflections(table, table.total, kWholePattern);
+  // K11 and K21 are built in the order-code array and the count array of
+  // the pattern's work store, then packed.
+  auto& k11 = job.refinement.first;
+  auto& k21 = job.refinement.last;
+  for (int i = 1; i <= p.NPTS; ++i) k11[i] = k21[i] = 0;
+  if (p.LST3 != 0) ListReflections(job, table);
+  for (int k = 1; k <= table.total; ++k) {
+    const PeakBase base = BaseOfReflection(job, ip, table.slot[k]);
+    const int lo = LowIndex(p, base.low);
+    const int hi = PointIndex(p, base.high);
+    for (int i = lo; i <= hi; ++i) {
+      k21[i] = k;
+      if (k11[i] == 0) k11[i] = k;
+    }
+  }
+  MarkExcludedRegions(p, k11, k21);
+  if (p.LST2 == 1) WritePointTable(job, p, k11, k21);
+  int firstValid = 0;
+  for (int i = 1; i <= p.NPTS; ++i) {
+    // The ring of derivatives holds NOV reflections: no more may reach a point.
+    const int reaching = k11[i] == 0 ? 0 : k21[i] - k11[i] + 1;
+    if (reaching > DimensionLimits::NOV) StopOnOverlap(job, p, i, reaching);
+    p.OrderCode[i] = k21[i] * kOrderRadix + k11[i];
+    if (firstValid == 0 && k11[i] != 0) firstValid = k11[i];
+  }
+  if (firstValid == 0) StopBox(job, " NO REFLECTIONS FOUND -> Check your input data");
+  CheckRefinedShapeCodes(job, p, ip, firstValid);
+}
+
+}  // namespace corvinet

@@ -1,0 +1,25 @@
+// The order table of a pattern: for each point the first and last reflection whose peak reaches it.
+#pragma once
+
+#include "run/job.h"
+
+namespace corvinet {
+
+// Radix and excluded-point marker of the order codes: K21*6000 + K11.
+constexpr int kOrderRadix = DimensionLimits::IRS;
+constexpr int kExcludedPoint = kOrderRadix;  // K21 = 1, K11 = 0
+
+// First and last reflection of an order code (0 when none).
+inline int FirstReflection(int code) { return code % kOrderRadix; }
+inline int LastReflection(int code) { return (code / kOrderRadix) % kOrderRadix; }
+
+// The largest j with x[j] <= value among the first n points, 0 below x[1].
+int Locate(int n, const Table1<float, DimensionLimits::IDSZ>& x, float value);
+
+// Builds OrderCode of every point of pattern ip from the peak bases of its
+// reflections and the excluded regions, with the listings and checks that go
+// with it. Stops on excessive overlap, on a pattern without reflections, and
+// on asymmetry or preferred-orientation codes that cannot act.
+void OrderReflections(Job& job, int ip);
+
+}  // namespace corvinet
