@@ -207,7 +207,9 @@ TEST(ProfileLines, ShapeLineOfStep7ForTheRightProfiles) {
     std::string next;
     ReadRecord(job->files.units[Unit::Control], next);
     EXPECT_EQ(next, "END") << "typed profile " << typed;
-    if (expectLine) EXPECT_FLOAT_EQ(job->phases[1].pat[1].PAR[42], 0.7f) << typed;
+    if (expectLine) {
+      EXPECT_FLOAT_EQ(job->phases[1].pat[1].PAR[42], 0.7f) << typed;
+    }
   }
 }
 

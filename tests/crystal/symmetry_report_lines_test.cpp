@@ -360,7 +360,9 @@ void ExpectOperatorSet(const std::vector<std::string>& lines, std::size_t first,
       if (accepted.count(body) != 0) found = isl;
     }
     EXPECT_NE(found, 0) << "not an operator of the reduced set";
-    if (found != 0) EXPECT_TRUE(seen.insert(found).second) << "operator reported twice";
+    if (found != 0) {
+      EXPECT_TRUE(seen.insert(found).second) << "operator reported twice";
+    }
   }
   EXPECT_EQ(seen.size(), expected.size());
 }
