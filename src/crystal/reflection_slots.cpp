@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "crystal/reflection.h"
+#include "model/lorentz_polarisation.h"
 #include "run/fortran_format.h"
 #include "surface/console.h"
 
@@ -85,6 +86,11 @@ int StoreReflection(Job& job, const SlotContext& c, const ReflectionSource& sour
     slot.satelliteIndex = source.satelliteIndex;
     slot.position = static_cast<float>(place.position);
     slot.tanTheta = static_cast<float>(place.tanTheta);
+    // The constant part of the intensity: phase multiplicity factor times
+    // multiplicity times the Lorentz-polarisation factor at this position.
+    const int phaseMult = job.phases[c.phase].group.multiplicityFactor;
+    slot.LpM = static_cast<float>(phaseMult * source.multiplicity) *
+               ReflectionLorentzPolarisation(p, q, w, slot.position);
     slot.fileValue1 = source.fileValue1;
     slot.fileValue2 = source.fileValue2;
     ++taken;

@@ -9,7 +9,9 @@ namespace corvinet {
 
 namespace {
 
-bool IsMagneticKind(int jbt) { return std::abs(jbt) == 1 || std::abs(jbt) == 5; }
+bool IsMagneticKind(int jbt) {
+  return std::abs(jbt) == 1 || std::abs(jbt) == 5;
+}
 
 void Report(Job& job, bool writeOut, const std::string& line) {
   if (writeOut) WriteLine(job, Unit::Out, line);
@@ -29,7 +31,8 @@ void BraggFactorsOfPattern(Job& job, int ip, bool writeOut, const BraggProfile& 
     const PhaseBraggSums sums = PartitionPhase(job, ip, f, profile);
     state.braggR[f] = BraggRatio(sums.SumAbsI, sums.SumIobs);
     state.rfFactor[f] = BraggRatio(sums.SumAbsF, sums.SumFobs);
-    for (const std::string& line : BraggFactorLines(f, phase.Jbt, state.braggR[f], state.rfFactor[f])) {
+    for (const std::string& line :
+         BraggFactorLines(f, phase.Jbt, state.braggR[f], state.rfFactor[f])) {
       Report(job, writeOut, line);
     }
   }

@@ -1,4 +1,4 @@
-// Bragg R-factor and RF-factor of each phase by the Rietveld partition, with the intensity extraction of profile matching.
+// Bragg R-factor and RF-factor per phase by the Rietveld partition; F2 of profile matching.
 #pragma once
 
 #include <functional>

@@ -1,4 +1,4 @@
-// The Rietveld partition of the observed intensity among the reflections, and the extraction of F2.
+// The Rietveld partition of the observed intensity among the reflections; extraction of F2.
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -39,7 +39,9 @@ float PointInterval(const Pattern& p, int i) {
   return i > 1 ? p.X[i] - p.X[i - 1] : 0.0f;
 }
 
-bool IsBraggPoint(int code) { return code != 0 && code != kExcludedPoint; }
+bool IsBraggPoint(int code) {
+  return code != 0 && code != kExcludedPoint;
+}
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-// Point indices of abscissa values and of the excluded regions, as the reliability factors test them.
+// Point indices of abscissa values and of the excluded regions, for the reliability factors.
 #pragma once
 
 #include <utility>

@@ -1,6 +1,8 @@
 // What the refinement cycles keep between points and cycles: normal equations, derivative ring, work arrays.
 #pragma once
 
+#include <cstdint>
+
 #include "refine/normal_matrix.h"
 #include "run/dimension_limits.h"
 #include "run/table1.h"
@@ -14,6 +16,8 @@ struct RefinementState {
   Table2<float, DimensionLimits::NOV, DimensionLimits::MSZ> DerivativeRing;
   Table1<float, DimensionLimits::MSZ> PointDerivative;
   Table1<float, DimensionLimits::MSZ> LastShift;
+  // Family of each parameter number (see parameter_families.h).
+  Table1<std::uint8_t, DimensionLimits::MSZ> family;
   // First and last reflection reaching each point while the order table is built.
   Table1<int, DimensionLimits::IDSZ> first;
   Table1<int, DimensionLimits::IDSZ> last;

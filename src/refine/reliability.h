@@ -1,4 +1,4 @@
-// Reliability factors of a pattern: residual sums of both point sets, derived factors, Scor and their reports.
+// Reliability factors of a pattern: residual sums of both point sets, derived factors, Scor.
 #pragma once
 
 #include <string_view>

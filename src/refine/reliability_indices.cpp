@@ -1,4 +1,4 @@
-// The derived reliability factors of both point sets: R-factors, chi-square, Durbin-Watson, deviance, GoF.
+// Derived factors of both point sets: R-factors, chi-square, Durbin-Watson, deviance, GoF.
 #include <cmath>
 
 #include "refine/reliability.h"
@@ -49,7 +49,8 @@ ReliabilityFactors DerivedFactors(const ResidualSums& sums, int n, int p, float 
   const float conventionalRatio = f.conventionalRwp / f.conventionalRexp;
   f.conventionalChi2 = conventionalRatio * conventionalRatio;
   f.DwStat = dwStat;
-  f.DwExp = 2.0f * (static_cast<float>(n - 1) / np - 3.0902f / std::sqrt(static_cast<float>(n + 2)));
+  f.DwExp =
+      2.0f * (static_cast<float>(n - 1) / np - 3.0902f / std::sqrt(static_cast<float>(n + 2)));
   f.Deviance = deviance;
   f.DevStar = deviance / (invYcalSixth + np);
   f.GoF = std::sqrt(sums.Residual / static_cast<float>(n));

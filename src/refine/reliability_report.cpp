@@ -1,4 +1,4 @@
-// The reliability report of a pattern on the .out and .sum files, the console and the parameter record.
+// The reliability report of a pattern on .out, .sum, the console and the parameter record.
 #include <string>
 
 #include "refine/reliability.h"

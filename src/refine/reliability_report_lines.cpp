@@ -1,4 +1,4 @@
-// Text of the reliability report lines: the .out and .sum blocks, the console lines, the .rpa rows, Scor.
+// Text of the reliability report lines: .out and .sum blocks, console, .rpa rows, Scor.
 #include "refine/reliability_report_lines.h"
 
 #include "run/fortran_format.h"
@@ -109,7 +109,9 @@ std::vector<std::string> ScorOutLines(float scor) {
   };
 }
 
-std::string ScorSumLine(float scor) { return Fmt("(A,F7.4)", " => Scor:", scor); }
+std::string ScorSumLine(float scor) {
+  return Fmt("(A,F7.4)", " => Scor:", scor);
+}
 
 void WriteScorLines(Job& job, float scor) {
   for (const std::string& line : ScorOutLines(scor)) WriteLine(job, Unit::Out, line);

@@ -1,4 +1,4 @@
-// Text of the reliability report lines of one point set, built apart from the units they go to.
+// Text of the reliability report lines of one point set, apart from the units they go to.
 #pragma once
 
 #include <string>
@@ -17,8 +17,7 @@ std::vector<std::string> ReliabilityOutLines(int ip, const ReliabilityFactors& f
 
 // The .sum block of one set, written in the last pass.
 std::vector<std::string> ReliabilitySumLines(int ip, const ReliabilityFactors& f, bool braggSet,
-                                             int cycle, int maxCycle,
-                                             std::string_view methodLabel);
+                                             int cycle, int maxCycle, std::string_view methodLabel);
 
 // The console lines of a cycle for one set.
 std::vector<std::string> ReliabilityConsoleLines(int ip, const ReliabilityFactors& f);

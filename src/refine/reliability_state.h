@@ -1,4 +1,4 @@
-// Residual sums, reliability factors and Bragg R-factors of each pattern, kept from the cycle to the reports.
+// Residual sums, reliability factors and Bragg R-factors of each pattern, kept for the reports.
 #pragma once
 
 #include "run/dimension_limits.h"
@@ -39,8 +39,8 @@ struct ReliabilityFactors {
 
 // Everything this pattern's reliability pass keeps.
 struct PatternReliability {
-  ResidualSums all;       // all non-excluded points
-  ResidualSums nonBragg;  // non-excluded points with order code 0 or 6000
+  ResidualSums all;         // all non-excluded points
+  ResidualSums nonBragg;    // non-excluded points with order code 0 or 6000
   ReliabilityFactors setA;  // all non-excluded points
   ReliabilityFactors setB;  // points with a Bragg contribution
   float Scor = 0.0f;        // correlated-residuals factor of the last pass

@@ -1,4 +1,4 @@
-// Residual sums of a pattern over its non-excluded points, and the pass that turns them into factors.
+// Residual sums of a pattern over its non-excluded points, turned into reliability factors.
 #include <cmath>
 #include <vector>
 
@@ -60,7 +60,9 @@ void AddTerms(ResidualSums& s, const PointTerms& t, const float* dw) {
   ++s.points;
 }
 
-bool IsNonBraggCode(int code) { return code == 0 || code == kExcludedPoint; }
+bool IsNonBraggCode(int code) {
+  return code == 0 || code == kExcludedPoint;
+}
 
 }  // namespace
 

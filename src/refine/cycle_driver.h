@@ -1,0 +1,20 @@
+// The refinement cycles: order tables, reflections and points, equations, shifts and the stop tests.
+#pragma once
+
+#include "run/job.h"
+
+namespace corvinet {
+
+// Runs NCY cycles (or one pass for a pattern calculation). `stopFlag` is set
+// to 1 only by a stop on divergence; the final report runs when it is 0.
+void RunCycles(Job& job, int& stopFlag);
+
+// One pass over the points of every pattern: reflections computed lazily,
+// Ycalc filled, and for a refinement the normal equations accumulated.
+void CalculatePatterns(Job& job, struct CycleWork& work, int cycle);
+
+// The halving of oscillating shifts (a shift within 0.8 to 1.2 times the last
+// one and of the other sign); LastShift keeps the undamped shifts.
+void DampOscillations(Job& job, int fitted);
+
+}  // namespace corvinet

@@ -1,0 +1,29 @@
+// Working store of the refinement cycles that goes with the derivative ring: the peak of each reflection in flight.
+#pragma once
+
+#include "model/peak_shape.h"
+#include "run/dimension_limits.h"
+#include "run/table1.h"
+
+namespace corvinet {
+
+// What the point loop needs of a reflection besides its derivative row.
+struct RingEntry {
+  PeakShape shape;
+  float intensity = 0.0f;  // Scale LpM F2 Corr: the integrated intensity before Omega and asymmetry
+  float tanTheta = 0.0f;
+  float tan2Theta = 0.0f;
+  int asymmetric = 0;      // the peak lies below the asymmetry limit
+  int phase = 0;
+  bool active = false;     // false when the phase does not contribute or sin(theta) >= 1
+};
+
+// Held for the length of one run of the cycles; the ring slot of reflection
+// k is (k mod NOV) + 1, as for the derivative rows.
+struct CycleWork {
+  Table1<RingEntry, DimensionLimits::NOV> ring;
+};
+
+inline int RingSlot(int k) { return k % DimensionLimits::NOV + 1; }
+
+}  // namespace corvinet

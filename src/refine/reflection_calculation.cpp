@@ -1,0 +1,230 @@
+// Per-cycle calculation of a constant-wavelength reflection and its row of derivatives.
+#include "refine/reflection_calculation.h"
+
+#include <array>
+#include <cmath>
+#include <cstdlib>
+
+#include "crystal/reflection.h"
+#include "model/asymmetry_factor.h"
+#include "model/intensity_factors.h"
+#include "model/peak_shape_setup.h"
+#include "model/peak_width.h"
+#include "refine/parameter_families.h"
+
+namespace corvinet {
+
+namespace {
+
+constexpr double kRadian = 57.29577951308232;
+
+// The geometry of a reflection at its wavelength.
+struct Geometry {
+  std::array<double, 3> h{};
+  double Q = 0.0;
+  double lambda = 0.0;
+  double sin2 = 0.0;
+  double cos2 = 0.0;
+  double tanTheta = 0.0;
+  double twoTheta = 0.0;  // degrees
+  double dTdTwoTheta = 1.0;  // of the corrected position, through the displacements
+  double dTwoThetadQ = 0.0;  // degrees per unit of 1/d²
+};
+
+std::array<double, 3> WorkingVector(const Phase& ph, const Reflection& r) {
+  std::array<double, 3> h = {static_cast<double>(KeyH(r.key)), static_cast<double>(KeyK(r.key)),
+                             static_cast<double>(KeyL(r.key))};
+  const int n = std::abs(r.satelliteIndex);
+  if (n > 0 && n <= ph.Nvk) {
+    const double sign = r.satelliteIndex > 0 ? 1.0 : -1.0;
+    for (int i = 0; i < 3; ++i) h[static_cast<std::size_t>(i)] += sign * ph.vectors[n].KVEC[i + 1];
+  }
+  return h;
+}
+
+Table2<double, 3, 3> ReciprocalTensor(const Table1<float, DimensionLimits::MPAR>& par) {
+  Table2<double, 3, 3> g;
+  g(1, 1) = par[6];
+  g(2, 2) = par[7];
+  g(3, 3) = par[8];
+  g(2, 3) = g(3, 2) = 0.5 * par[9];
+  g(1, 3) = g(3, 1) = 0.5 * par[10];
+  g(1, 2) = g(2, 1) = 0.5 * par[11];
+  return g;
+}
+
+bool MakeGeometry(const Pattern& p, const PhasePattern& c, int w, Geometry& g) {
+  g.Q = InverseDSquared(c.PAR, g.h[0], g.h[1], g.h[2]);
+  g.lambda = p.LAMBDA[w];
+  g.sin2 = 0.25 * g.Q * g.lambda * g.lambda;
+  if (!(g.sin2 > 0.0) || g.sin2 >= 1.0) return false;
+  g.cos2 = 1.0 - g.sin2;
+  g.tanTheta = std::sqrt(g.sin2 / g.cos2);
+  g.twoTheta = 2.0 * kRadian * std::atan(g.tanTheta);
+  const double theta = 0.5 * g.twoTheta / kRadian;
+  g.dTdTwoTheta = 1.0 - p.GLB[8] * std::sin(theta) * 0.5 / kRadian +
+                  p.GLB[9] * std::cos(2.0 * theta) / kRadian;
+  g.dTwoThetadQ = kRadian * g.lambda * g.lambda / (4.0 * std::sqrt(g.sin2 * g.cos2));
+  return true;
+}
+
+// Derivative of the family quantity of profile slot s for this reflection.
+double ProfileSlotDerivative(int s, int code, int w, const Pattern& p, const PhasePattern& c,
+                             const Geometry& g, const PeakWidths& widths,
+                             const IntensityCorrections& corr, float intensityWithoutScale) {
+  const double t = g.tanTheta;
+  const bool second = w == 2 && p.separateUVW2;
+  const double H = code == 8 ? widths.HG : widths.H;
+  switch (s) {
+    case 1:
+      return c.PAR[1] != 0.0f ? 1.0 / c.PAR[1] : 0.0;
+    case 2:
+      return intensityWithoutScale != 0.0f ? corr.dBov / corr.intensity : 0.0;
+    case 12:
+      return corr.intensity != 0.0f ? corr.dPref1 / corr.intensity : 0.0;
+    case 13:
+      return corr.intensity != 0.0f ? corr.dPref2 / corr.intensity : 0.0;
+    case 3:
+      return second ? 0.0 : t * t / (2.0 * H);
+    case 4:
+      return second ? 0.0 : t / (2.0 * H);
+    case 5:
+      return second ? 0.0 : 1.0 / (2.0 * H);
+    case 43:
+      return second ? t * t / (2.0 * H) : 0.0;
+    case 44:
+      return second ? t / (2.0 * H) : 0.0;
+    case 45:
+      return second ? 1.0 / (2.0 * H) : 0.0;
+    case 28:
+      return 1.0 / (2.0 * H * g.cos2);
+    case 46:
+      return t * t / (2.0 * widths.HL);
+    case 47:
+      return t / (2.0 * widths.HL);
+    case 48:
+      return 1.0 / (2.0 * widths.HL);
+    default:
+      break;
+  }
+  if (s >= 6 && s <= 11) {
+    const double hx = g.h[0], hy = g.h[1], hz = g.h[2];
+    const double dQ[6] = {hx * hx, hy * hy, hz * hz, hy * hz, hx * hz, hx * hy};
+    return g.dTdTwoTheta * g.dTwoThetadQ * dQ[s - 6];
+  }
+  if (code == 12 && (s == 41 || s == 42)) {
+    const double side = SplitSidePosition(p, static_cast<float>(g.twoTheta));
+    if (s == 41) return side <= 90.0 ? 1.0 / (2.0 * widths.H * t * t) : 0.0;
+    return side > 90.0 ? 1.0 / (2.0 * widths.HL * t * t) : 0.0;
+  }
+  const Family f = FamilyOfProfileSlot(s, code);
+  if (f >= kShapeX && f <= kAsym4) return 1.0;
+  return 0.0;  // strain, size and shift terms come with their models
+}
+
+double GlobalSlotDerivative(int n, const Pattern& p, const Geometry& g,
+                            const IntensityCorrections& corr) {
+  const double theta = 0.5 * g.twoTheta / kRadian;
+  switch (n) {
+    case 1:
+      return 1.0;
+    case 8:
+      return std::cos(theta);
+    case 9:
+      return std::sin(2.0 * theta);
+    case 26:
+      return g.dTdTwoTheta * 2.0 * kRadian * g.tanTheta / g.lambda;
+    case 27:
+      return corr.intensity != 0.0f ? corr.dP0 / corr.intensity : 0.0;
+    case 28:
+      return corr.intensity != 0.0f ? corr.dCp / corr.intensity : 0.0;
+    case 29:
+      return corr.intensity != 0.0f ? corr.dTau / corr.intensity : 0.0;
+    default:
+      (void)p;
+      return 0.0;
+  }
+}
+
+void AddToRow(float* row, const Codeword& w, double value, int fitted) {
+  const int L = w.parameterNumber;
+  if (L < 1 || L > fitted) return;
+  row[L - 1] += static_cast<float>(w.multiplier * value);
+}
+
+}  // namespace
+
+double InverseDSquared(const Table1<float, DimensionLimits::MPAR>& par, double h, double k,
+                       double l) {
+  return par[6] * h * h + par[7] * k * k + par[8] * l * l + par[9] * k * l + par[10] * h * l +
+         par[11] * h * k;
+}
+
+void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
+  Pattern& p = job.patterns[ip];
+  Reflection& r = p.reflections.slot[k];
+  RingEntry& entry = work.ring[RingSlot(k)];
+  const int fitted = std::min(job.run.MAXS, DimensionLimits::MSZ);
+  float* row = &job.refinement.DerivativeRing(RingSlot(k), 1);
+  for (int L = 0; L < fitted; ++L) row[L] = 0.0f;
+  entry.active = false;
+  const int phase = KeyPhase(r.key);
+  const int w = KeyWavelength(r.key);
+  const Phase& ph = job.phases[phase];
+  const PhasePattern& c = ph.pat[ip];
+  if (c.Contribution == 0) return;
+  Geometry g;
+  g.h = WorkingVector(ph, r);
+  if (!MakeGeometry(p, c, w, g)) return;
+  r.tanTheta = static_cast<float>(g.tanTheta);
+  r.position = static_cast<float>(g.twoTheta);
+  WidthInput in;
+  in.code = c.Npr;
+  in.phase = phase;
+  in.wavelengthIndex = w;
+  in.twoTheta = r.position;
+  in.tanTheta = r.tanTheta;
+  in.cos2Theta = static_cast<float>(g.cos2);
+  in.previousFwhm = r.Fwhm;
+  const PeakWidths widths = PeakWidth(job, ip, in);
+  r.Fwhm = widths.H;
+  r.FwhmRight = c.Npr == 12 ? widths.HL : widths.H;
+  r.HG = widths.HG;
+  r.HL = widths.HL;
+  r.eta = widths.eta;
+  ReflectionShapeInput shapeIn;
+  shapeIn.phase = phase;
+  shapeIn.code = c.Npr;
+  shapeIn.twoTheta = r.position;
+  shapeIn.tanTheta = r.tanTheta;
+  shapeIn.widths = widths;
+  entry.shape = PreparePeakShape(job, ip, shapeIn);
+  CorrectionInput ci;
+  ci.wavelengthIndex = w;
+  ci.h = g.h;
+  ci.Q = static_cast<float>(g.Q);
+  ci.s2 = static_cast<float>(0.25 * g.Q);
+  ci.sin2Theta = static_cast<float>(g.sin2);
+  ci.F2 = r.F2;
+  const IntensityCorrections corr =
+      IntensityFactors(job, ip, phase, ci, ReciprocalTensor(c.PAR), fitted > 0);
+  r.Corr = corr.Corr;
+  entry.intensity = c.PAR[1] * r.LpM * corr.intensity;
+  entry.tanTheta = r.tanTheta;
+  entry.tan2Theta = Tan2ThetaFromSquares(static_cast<float>(g.sin2), static_cast<float>(g.cos2));
+  entry.asymmetric = r.position <= p.AsyLim ? 1 : 0;
+  entry.phase = phase;
+  entry.active = true;
+  if (fitted == 0) return;
+  for (int s = 1; s <= DimensionLimits::MPAR; ++s) {
+    if (c.PAC[s].parameterNumber == 0) continue;
+    AddToRow(row, c.PAC[s],
+             ProfileSlotDerivative(s, c.Npr, w, p, c, g, widths, corr, corr.intensity), fitted);
+  }
+  for (int n = 1; n <= DimensionLimits::NGL; ++n) {
+    if (p.GLBword[n].parameterNumber == 0) continue;
+    AddToRow(row, p.GLBword[n], GlobalSlotDerivative(n, p, g, corr), fitted);
+  }
+}
+
+}  // namespace corvinet

@@ -1,0 +1,19 @@
+// The calculation of one reflection for a cycle: position, widths, intensity factors and derivative row.
+#pragma once
+
+#include "refine/cycle_work.h"
+#include "run/job.h"
+
+namespace corvinet {
+
+// Computes reflection k of pattern ip (constant wavelength) from the
+// parameters as they stand: its Bragg position, widths, peak constants,
+// corrections and integrated intensity go to its ring entry, and the
+// derivative of the quantity of each parameter's family to its ring row.
+void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k);
+
+// 1/d² of indices h from the reciprocal coefficients A..F.
+double InverseDSquared(const Table1<float, DimensionLimits::MPAR>& par, double h, double k,
+                       double l);
+
+}  // namespace corvinet

@@ -1,0 +1,155 @@
+// The derivatives of the calculated pattern at a point against central finite differences, family by family.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "observations/background.h"
+#include "refine/cycle_driver.h"
+#include "refine/cycle_work.h"
+#include "refine/order_reflections.h"
+#include "refine/parameter_families.h"
+#include "refine/point_calculation.h"
+#include "refine/reflection_calculation.h"
+#include "test_support.h"
+
+namespace corvinet {
+namespace {
+
+using testing::CapturedJob;
+using testing::ScratchDir;
+
+// A cubic phase in profile matching on a pattern from 20 to 50 degrees with
+// its data; the parameters are given codes after reading.
+std::string ControlText(int typedProfile, int iasym) {
+  // Pearson VII needs an exponent well inside its table: m0 = 1.5.
+  const std::string shape1 = typedProfile == 6 ? "1.5" : "0.4";
+  return "Derivatives\n0 " + std::to_string(typedProfile) +
+         " " + (iasym == 1 ? "-1" : "1") +
+         " 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n"
+         "0 0 1 0 1 0 0 0 0 1 0 0 0 0 0 0 0\n"
+         "1.5406 1.5444 0.5 35.0 12.0 0.8 0.0 40.0 0.0\n"
+         "1 0.1 1 1 1 1 20.0 0.01 50.0 0 0\n"
+         "0\n0.01 0 0.0 0 0.0 0 0 0 0\n120 3 0 0 0 0\n0 0 0 0 0 0\n"
+         "Phase\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 0 0 0\nP m 3 m\n"
+         "2.0 " + shape1 + " 0.3 0.0 0.0 0.0 0\n0 0 0 0 0 0\n"
+         "0.02 -0.015 0.012 0.003 0.01 0.0 0.0 0\n0 0 0 0 0 0 0\n" +
+         // The split profile has its right-hand widths and mixing before the cell.
+         (typedProfile == 11 ? std::string("0.03 -0.01 0.015 0.5 0.002\n0 0 0 0 0\n") : std::string()) +
+         "4.05 4.05 4.05 90 90 90\n0 0 0 0 0 0\n"
+         "0.3 0.0 0.05 0.02 0.01 0.01\n0 0 0 0 0 0\n" +
+         (typedProfile == 4 || typedProfile >= 8 ? std::string("0.02 0 0.03 0\n") : std::string());
+}
+
+struct Parameter {
+  const char* name;
+  std::function<float&(Job&)> value;
+  std::function<Codeword&(Job&)> code;
+  double step;
+};
+
+std::vector<Parameter> Parameters() {
+  auto par = [](int s) { return [s](Job& j) -> float& { return j.phases[1].pat[1].PAR[s]; }; };
+  auto pac = [](int s) { return [s](Job& j) -> Codeword& { return j.phases[1].pat[1].PAC[s]; }; };
+  auto glb = [](int n) { return [n](Job& j) -> float& { return j.patterns[1].GLB[n]; }; };
+  auto gw = [](int n) { return [n](Job& j) -> Codeword& { return j.patterns[1].GLBword[n]; }; };
+  return {{"Zero", glb(1), gw(1), 1e-3},       {"Sycos", glb(8), gw(8), 1e-3},
+          {"Sysin", glb(9), gw(9), 1e-3},      {"Background B0", glb(2), gw(2), 1e-1},
+          {"Background B1", glb(3), gw(3), 1e-1},
+          {"Scale", par(1), pac(1), 1e-3},     {"Bov", par(2), pac(2), 1e-2},
+          {"U", par(3), pac(3), 1e-3},         {"V", par(4), pac(4), 1e-3},
+          {"W", par(5), pac(5), 1e-3},         {"X", par(15), pac(15), 1e-3},
+          {"Y", par(16), pac(16), 1e-3},       {"Shape1", par(17), pac(17), 1e-3},
+          {"Cell A", par(6), pac(6), 1e-5},    {"Pref1", par(12), pac(12), 1e-3},
+          {"Pref2", par(13), pac(13), 1e-3},   {"Asy1", par(14), pac(14), 1e-3},
+          {"Asy2", par(35), pac(35), 1e-3},    {"Asy3", par(36), pac(36), 1e-3},
+          {"Asy4", par(37), pac(37), 1e-3},    {"Shp1", par(41), pac(41), 1e-3},
+          {"Shp2", par(42), pac(42), 1e-3},    {"Ur", par(46), pac(46), 1e-3},
+          {"Vr", par(47), pac(47), 1e-3},      {"Wr", par(48), pac(48), 1e-3},
+          {"Etar", par(49), pac(49), 1e-3},    {"Xr", par(50), pac(50), 1e-3}};
+}
+
+struct PointRun {
+  ScratchDir dir;
+  CapturedJob job;
+  std::unique_ptr<CycleWork> work = std::make_unique<CycleWork>();
+  PointRun(int typedProfile, int iasym) {
+    std::string data = "20.0 0.01 50.0\n";
+    for (int i = 1; i <= 3001; ++i) data += i % 10 == 0 ? "100\n" : "100 ";
+    dir.Write("x.dat", data + "\n");
+    EXPECT_TRUE(testing::ReadControlText(dir, job, ControlText(typedProfile, iasym), false));
+  }
+  // Calculated value and derivatives at point i.
+  float At(int i, std::vector<float>& derivative) {
+    Job& j = *job;
+    BuildParameterFamilies(j);
+    FillBackground(j, 1);
+    OrderReflections(j, 1);
+    for (int k = 1; k <= j.patterns[1].reflections.total; ++k) ComputeReflectionProfile(j, *work, 1, k);
+    CalculatePoint(j, *work, 1, i);
+    derivative.assign(j.refinement.PointDerivative.begin(),
+                      j.refinement.PointDerivative.begin() + j.run.MAXS);
+    return j.patterns[1].Ycalc[i] + j.patterns[1].Backg[i];
+  }
+};
+
+// Gives every parameter its own number and checks each derivative at points
+// on both flanks and at the top of the first peaks.
+void CheckProfile(int typedProfile, int iasym, const std::vector<const char*>& skip) {
+  PointRun run(typedProfile, iasym);
+  Job& j = *run.job;
+  std::vector<Parameter> list = Parameters();
+  j.run.MAXS = static_cast<int>(list.size());
+  for (std::size_t n = 0; n < list.size(); ++n) {
+    list[n].code(j) = Codeword{static_cast<int>(n) + 1, 1.0f};
+  }
+  // 100 at 21.93 and 110 at 31.2 degrees: points on their profiles.
+  const int points[] = {181, 190, 194, 197, 1111, 1118, 1124};
+  for (int i : points) {
+    std::vector<float> analytic;
+    run.At(i, analytic);
+    for (std::size_t n = 0; n < list.size(); ++n) {
+      bool skipped = false;
+      for (const char* s : skip) skipped |= std::string(s) == list[n].name;
+      if (skipped) continue;
+      float& v = list[n].value(j);
+      const float saved = v;
+      const double h = list[n].step;
+      std::vector<float> unused;
+      v = static_cast<float>(saved + h);
+      const double up = run.At(i, unused);
+      v = static_cast<float>(saved - h);
+      const double down = run.At(i, unused);
+      v = saved;
+      const double numeric = (up - down) / (2.0 * h);
+      const double scale = std::max(std::fabs(numeric), 1.0);
+      EXPECT_NEAR(analytic[n], numeric, 2e-2 * scale)
+          << list[n].name << " at point " << i << " (profile " << typedProfile << ")";
+    }
+  }
+}
+
+TEST(PointDerivatives, PseudoVoigtWithAsymmetryFollowFiniteDifferences) {
+  CheckProfile(5, 0, {"Y", "Shp1", "Shp2"});
+}
+
+TEST(PointDerivatives, PearsonSevenFollowFiniteDifferences) {
+  CheckProfile(6, 0, {"Shp1", "Shp2"});
+}
+
+TEST(PointDerivatives, ThompsonCoxHastingsFollowFiniteDifferences) {
+  CheckProfile(7, 0, {"Shape1", "Shp1", "Shp2"});
+}
+
+TEST(PointDerivatives, SplitPseudoVoigtFollowFiniteDifferences) {
+  CheckProfile(11, 0, {"Y"});
+}
+
+TEST(PointDerivatives, FivePointAsymmetryAverageFollowsFiniteDifferences) {
+  CheckProfile(5, 1, {"Y", "Shp1", "Shp2", "Asy2", "Asy3", "Asy4"});
+}
+
+}  // namespace
+}  // namespace corvinet
