@@ -8,6 +8,7 @@
 #include "control/profile_lines.h"
 #include "crystal/reflection_generation.h"
 #include "crystal/reflection_list.h"
+#include "refine/reflection_calculation.h"
 #include "observations/background.h"
 #include "observations/powder_data.h"
 #include "run/field_reader.h"
@@ -129,6 +130,7 @@ bool ReadPhases(Job& job) {
       if (ph.pat[ip].Contribution != 0) MakeContributionReflections(job, k, ip);
     }
   }
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) FillReflectionWidths(job, ip);
   return true;
 }
 
@@ -169,10 +171,14 @@ void ReadClosingLinesAndCheck(Job& job) {
   if (job.run.NRELL != 0) ReadHardLimits(job);
   if (job.run.ICRYG == 2) ReadMonteCarloLine(job);
   ReportPreliminaryEnd(job);
-  if (AnyCalculatedPattern(job)) return;
+  if (AnyCalculatedPattern(job)) {
+    job.run.controlFileComplete = true;
+    return;
+  }
   if (job.run.ICRYG != 2) CheckParameterHoles(job);
   FixZeroCounts(job);
   CheckCapacities(job);
+  job.run.controlFileComplete = true;
 }
 
 }  // namespace corvinet

@@ -37,6 +37,7 @@ struct RunOptions {
   bool integratedObservations = false;
   bool restraintsPresent = false;  // some phase has distance or moment restraints
   bool singlePatternForm = true;  // the head had no NPATT line
+  bool controlFileComplete = false;  // the whole control file was read
 };
 
 }  // namespace corvinet

@@ -21,25 +21,6 @@ bool PolynomialBackground(const Pattern& p) {
   return p.NBCKGD == 0 || (p.backgroundSign < 0 && (p.NBCKGD == 1 || p.NBCKGD == 3));
 }
 
-void ShowCycleHead(Job& job, int cycle) {
-  ConsoleLine(job, "   ");
-  ConsoleLineWithNumber(job, " ===================>>> CYCLE:", cycle, 0.0f, 1);
-  ConsoleLine(job, "   ");
-  ConsoleLine(job, " Control file *.pcr: " + job.driver.PcrCode);
-  for (int ip = 1; ip <= job.run.NPATT; ++ip) {
-    ConsoleLine(job, Fmt("(A,I3,1X,A)", " Pattern: ", ip, job.patterns[ip].DatCode));
-  }
-}
-
-void ClearEquations(Job& job) {
-  NormalMatrix& n = job.refinement.normal;
-  const int fitted = std::min(job.run.MAXS, DimensionLimits::MSZ);
-  for (int i = 1; i <= fitted; ++i) {
-    n.B[i] = 0.0f;
-    for (int j = 1; j <= fitted; ++j) n.A(i, j) = 0.0f;
-  }
-}
-
 // Walks the points of pattern ip; each reflection is computed just before the
 // first point that needs it.
 void CalculatePattern(Job& job, CycleWork& work, int ip) {

@@ -22,6 +22,9 @@ struct RingEntry {
 // k is (k mod NOV) + 1, as for the derivative rows.
 struct CycleWork {
   Table1<RingEntry, DimensionLimits::NOV> ring;
+  // Which reflection of which pattern each ring slot holds now.
+  Table1<int, DimensionLimits::NOV> computedPattern;
+  Table1<int, DimensionLimits::NOV> computedReflection;
 };
 
 inline int RingSlot(int k) { return k % DimensionLimits::NOV + 1; }

@@ -27,13 +27,10 @@ int PointIndex(const Pattern& p, float value) {
 // The first index of an interval: raised to 1 when below 2.
 int LowIndex(const Pattern& p, float value) { return std::max(PointIndex(p, value), 1); }
 
-struct PeakBase {
-  float low = 0.0f;
-  float high = 0.0f;
-};
+}  // namespace
 
-// The interval of abscissa that the peak of reflection r covers.
-PeakBase BaseOfReflection(const Job& job, int ip, const Reflection& r) {
+PeakInterval PeakIntervalOf(const Job& job, int ip, int k) {
+  const Reflection& r = job.patterns[ip].reflections.slot[k];
   const Pattern& p = job.patterns[ip];
   const PhasePattern& c = job.phases[KeyPhase(r.key)].pat[ip];
   const Table1<float, DimensionLimits::MPAR>& par = c.PAR;
@@ -55,9 +52,10 @@ PeakBase BaseOfReflection(const Job& job, int ip, const Reflection& r) {
       right = (H + kLog4 / (beta1 / (d * d * d * d) + beta0)) * p.Wdt;
     }
   }
-  const float centre = r.position + shift + p.GLB[1];
-  return {centre - left, centre + right};
+  return {r.position + shift + p.GLB[1], left, right};
 }
+
+namespace {
 
 void ListReflections(Job& job, const ReflectionTable& table) {
   bool vectors = false;
@@ -180,9 +178,9 @@ void OrderReflections(Job& job, int ip) {
   for (int i = 1; i <= p.NPTS; ++i) k11[i] = k21[i] = 0;
   if (p.LST3 != 0) ListReflections(job, table);
   for (int k = 1; k <= table.total; ++k) {
-    const PeakBase base = BaseOfReflection(job, ip, table.slot[k]);
-    const int lo = LowIndex(p, base.low);
-    const int hi = PointIndex(p, base.high);
+    const PeakInterval base = PeakIntervalOf(job, ip, k);
+    const int lo = LowIndex(p, base.position - base.left);
+    const int hi = PointIndex(p, base.position + base.right);
     for (int i = lo; i <= hi; ++i) {
       k21[i] = k;
       if (k11[i] == 0) k11[i] = k;

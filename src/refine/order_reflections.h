@@ -16,6 +16,15 @@ inline int LastReflection(int code) { return (code / kOrderRadix) % kOrderRadix;
 // The largest j with x[j] <= value among the first n points, 0 below x[1].
 int Locate(int n, const Table1<float, DimensionLimits::IDSZ>& x, float value);
 
+// The interval of abscissa that reflection k of pattern ip covers: its
+// corrected position and reaches below and above it.
+struct PeakInterval {
+  float position = 0.0f;
+  float left = 0.0f;
+  float right = 0.0f;
+};
+PeakInterval PeakIntervalOf(const Job& job, int ip, int k);
+
 // Builds OrderCode of every point of pattern ip from the peak bases of its
 // reflections and the excluded regions, with the listings and checks that go
 // with it. Stops on excessive overlap, on a pattern without reflections, and

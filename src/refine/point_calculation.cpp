@@ -63,13 +63,17 @@ float ReflectionAtPoint(const Job& job, const Pattern& p, int ip, const RingEntr
   }
   const float a = asym.terms.A;
   const ShapeSlotSlopes shape = ShapeParameterSlopes(e.shape, sl);
+  // The asymmetry factor moves with the width of the side the point is on;
+  // through the TCH widths it moves with X and Y as well.
+  const bool rightSide = e.shape.code == 12 && point.delta > 0.0f;
+  const float lorentzScale = e.shape.code == 8 ? asym.dlnAdH * e.shape.tch.dHdL : 0.0f;
   slope[kIntensity] = 1.0f;
   slope[kPosition] = sl.position + asym.dlnAdT;
-  slope[kWidth] = sl.width + asym.dlnAdH;
+  slope[kWidth] = sl.width + (rightSide ? 0.0f : asym.dlnAdH);
   slope[kGaussWidth] = sl.gaussian + asym.dlnAdH * e.shape.tch.dHdG;
-  slope[kWidthRight] = sl.width2 + (point.delta > 0.0f ? asym.dlnAdH : 0.0f);
-  slope[kShapeX] = shape.X;
-  slope[kShapeY] = shape.Y;
+  slope[kWidthRight] = sl.width2 + (rightSide ? asym.dlnAdH : 0.0f);
+  slope[kShapeX] = shape.X + lorentzScale * e.tanTheta;
+  slope[kShapeY] = shape.Y + lorentzScale / e.shape.cosTheta;
   slope[kShape1] = shape.Shape1;
   slope[kShp1] = shape.Shp1;
   slope[kShp2] = shape.Shp2;
@@ -95,6 +99,17 @@ void AccumulatePoint(NormalMatrix& normal, const float* derivative, float weight
 }
 
 }  // namespace
+
+float PeakValueAt(const Job& job, const RingEntry& entry, int ip, float x) {
+  if (!entry.active || entry.intensity == 0.0f) return 0.0f;
+  float slope[kFamilyCount] = {};
+  const RingEntry unit = [&] {
+    RingEntry e = entry;
+    e.intensity = 1.0f;
+    return e;
+  }();
+  return ReflectionAtPoint(job, job.patterns[ip], ip, unit, x, slope);
+}
 
 void CalculatePoint(Job& job, CycleWork& work, int ip, int i) {
   Pattern& p = job.patterns[ip];

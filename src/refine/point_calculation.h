@@ -12,5 +12,9 @@ namespace corvinet {
 // weighted row to the normal equations.
 void CalculatePoint(Job& job, CycleWork& work, int ip, int i);
 
+// The peak value times the asymmetry factor of a computed reflection at the
+// abscissa x, without its integrated intensity; 0 outside its base.
+float PeakValueAt(const Job& job, const RingEntry& entry, int ip, float x);
+
 
 }  // namespace corvinet

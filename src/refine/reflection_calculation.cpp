@@ -99,11 +99,11 @@ double ProfileSlotDerivative(int s, int code, int w, const Pattern& p, const Pha
     case 28:
       return 1.0 / (2.0 * H * g.cos2);
     case 46:
-      return t * t / (2.0 * widths.HL);
+      return code == 12 ? t * t / (2.0 * widths.HL) : 0.0;
     case 47:
-      return t / (2.0 * widths.HL);
+      return code == 12 ? t / (2.0 * widths.HL) : 0.0;
     case 48:
-      return 1.0 / (2.0 * widths.HL);
+      return code == 12 ? 1.0 / (2.0 * widths.HL) : 0.0;
     default:
       break;
   }
@@ -154,6 +154,34 @@ void AddToRow(float* row, const Codeword& w, double value, int fitted) {
 
 }  // namespace
 
+void FillReflectionWidths(Job& job, int ip) {
+  Pattern& p = job.patterns[ip];
+  if (p.IXUNIT != 0) return;
+  ReflectionTable& table = p.reflections;
+  for (int k = 1; k <= table.total; ++k) {
+    Reflection& r = table.slot[k];
+    const int phase = KeyPhase(r.key);
+    const PhasePattern& c = job.phases[phase].pat[ip];
+    if (c.Contribution == 0) continue;
+    Geometry g;
+    g.h = WorkingVector(job.phases[phase], r);
+    if (!MakeGeometry(p, c, KeyWavelength(r.key), g)) continue;
+    WidthInput in;
+    in.code = c.Npr;
+    in.phase = phase;
+    in.wavelengthIndex = KeyWavelength(r.key);
+    in.twoTheta = static_cast<float>(g.twoTheta);
+    in.tanTheta = static_cast<float>(g.tanTheta);
+    in.cos2Theta = static_cast<float>(g.cos2);
+    const PeakWidths widths = PeakWidth(job, ip, in);
+    r.Fwhm = widths.H;
+    r.FwhmRight = c.Npr == 12 ? widths.HL : widths.H;
+    r.HG = widths.HG;
+    r.HL = widths.HL;
+    r.eta = widths.eta;
+  }
+}
+
 double InverseDSquared(const Table1<float, DimensionLimits::MPAR>& par, double h, double k,
                        double l) {
   return par[6] * h * h + par[7] * k * k + par[8] * l * l + par[9] * k * l + par[10] * h * l +
@@ -168,6 +196,8 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   float* row = &job.refinement.DerivativeRing(RingSlot(k), 1);
   for (int L = 0; L < fitted; ++L) row[L] = 0.0f;
   entry.active = false;
+  work.computedPattern[RingSlot(k)] = ip;
+  work.computedReflection[RingSlot(k)] = k;
   const int phase = KeyPhase(r.key);
   const int w = KeyWavelength(r.key);
   const Phase& ph = job.phases[phase];
@@ -205,6 +235,8 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   ci.Q = static_cast<float>(g.Q);
   ci.s2 = static_cast<float>(0.25 * g.Q);
   ci.sin2Theta = static_cast<float>(g.sin2);
+  // Profile matching starts its extraction from a unit intensity.
+  if (std::abs(ph.Jbt) == 2 && !(r.F2 > 0.0f)) r.F2 = 1.0f;
   ci.F2 = r.F2;
   const IntensityCorrections corr =
       IntensityFactors(job, ip, phase, ci, ReciprocalTensor(c.PAR), fitted > 0);

@@ -12,6 +12,11 @@ namespace corvinet {
 // derivative of the quantity of each parameter's family to its ring row.
 void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k);
 
+// The widths of every reflection of pattern ip from the parameters read, so
+// that the first order table knows how far each peak reaches (constant
+// wavelength; the cycles recompute them).
+void FillReflectionWidths(Job& job, int ip);
+
 // 1/d² of indices h from the reciprocal coefficients A..F.
 double InverseDSquared(const Table1<float, DimensionLimits::MPAR>& par, double h, double k,
                        double l);

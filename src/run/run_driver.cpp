@@ -10,6 +10,7 @@
 #include <filesystem>
 
 #include "control/run_block.h"
+#include "refine/cycle_driver.h"
 #include "run/defaults.h"
 #include "run/file_set.h"
 #include "run/fortran_format.h"
@@ -134,6 +135,33 @@ bool IsCyclicCode(const std::string& code) {
 
 void CloseAllUnits(Job& job) {
   for (TextUnit& unit : job.files.units) CloseUnit(unit);
+}
+
+// The cycles of a refinement or the single pass of a calculation, once the
+// whole control file is read. The search and the final report are not part of
+// this version.
+void RunEngine(Job& job) {
+  if (!job.run.controlFileComplete) return;
+  if (std::abs(job.run.ICRYG) == 2) {
+    const char* words = " => The Monte Carlo search is not run by this version of Corvinet";
+    ConsoleLine(job, words);
+    WriteReports(job, words);
+    return;
+  }
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) {
+    if (job.patterns[ip].IXUNIT == 1 || job.patterns[ip].IXUNIT == 2) {
+      const char* words =
+          " => Cycles of time-of-flight and energy-dispersive patterns are not run by this version";
+      ConsoleLine(job, words);
+      WriteReports(job, words);
+      return;
+    }
+  }
+  RunCycles(job, job.driver.stopRequested);
+  if (job.driver.stopRequested != 0) return;
+  const char* words = " => The final report and the new control file are not written by this version of Corvinet";
+  ConsoleLine(job, words);
+  WriteReports(job, words);
 }
 
 void RunJobs(Job& job) {
@@ -265,10 +293,7 @@ void RunOneJob(Job& job) {
   d.stopRequested = 0;
   ResetDefaults(job);
   ReadControlFile(job);
-  // The refinement cycles and the final report are not part of this version.
-  const char* engine = " => Refinement cycles and the final report are not run by this version of Corvinet";
-  ConsoleLine(job, engine);
-  WriteReports(job, engine);
+  RunEngine(job);
 
   CpuTimer(job, 2, true);
   DateTimeStamp end = DateTime();

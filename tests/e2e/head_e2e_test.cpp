@@ -55,7 +55,11 @@ TEST(HeadEndToEnd, MultiPatternHeadGivesItsReportSummaryRpaAndSym) {
   EXPECT_EQ(run.exitCode, 0);
   ExpectHeadAndEnd(dir.Read("multi.out"), TestData("head/multi.out.head"));
   ExpectHeadAndEnd(dir.Read("multi.sum"), TestData("head/multi.sum.head"));
-  ExpectSameLines(dir.Read("multi.rpa"), TestData("head/multi.rpa.expected"));
+  // The head of the parameter record; the rows of the reliability factors follow.
+  const auto rpa = NormaliseLines(SplitLines(dir.Read("multi.rpa")));
+  const auto head = NormaliseLines(SplitLines(TestData("head/multi.rpa.expected")));
+  ASSERT_GE(rpa.size(), head.size());
+  for (std::size_t i = 0; i < head.size(); ++i) EXPECT_EQ(rpa[i], head[i]) << "at line " << i + 1;
   ExpectSameLines(dir.Read("multi.sym"), TestData("head/multi.sym.expected"));
 }
 
