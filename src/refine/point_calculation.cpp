@@ -61,6 +61,9 @@ float ReflectionAtPoint(const Job& job, const Pattern& p, int ip, const RingEntr
     omega = ProfileValueWithSlopes(e.shape, point, sl);
     if (underLimit && p.IASYM == 0) asym = AsymmetryAt(e, asy, point);
   }
+  // Far in a Gaussian tail the value underflows and its slopes are not finite:
+  // such a point takes nothing from the reflection.
+  if (!(omega > 1.0e-30f)) return 0.0f;
   const float a = asym.terms.A;
   const ShapeSlotSlopes shape = ShapeParameterSlopes(e.shape, sl);
   // The asymmetry factor moves with the width of the side the point is on;
