@@ -1,0 +1,79 @@
+// Benchmark of one least-squares pass: 17000 points (the most that 2000 reflections leave), 150 or 300 refined parameters.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+
+#include "control/run_block.h"
+#include "crystal/reflection.h"
+#include "refine/cycle_driver.h"
+#include "refine/cycle_work.h"
+#include "refine/parameter_families.h"
+#include "run/defaults.h"
+#include "run/file_set.h"
+#include "run/fortran_format.h"
+
+namespace {
+
+using namespace corvinet;
+
+// A triclinic phase in profile matching over 17000 points of 2theta.
+std::unique_ptr<Job> MakeJob(const std::filesystem::path& dir) {
+  std::filesystem::create_directories(dir);
+  std::filesystem::current_path(dir);
+  std::ofstream pcr("bench.pcr");
+  pcr << "Cycle benchmark\n0 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 1 0\n"
+         "1.5406 1.5444 0.5 60.0 8.0 0.8 0.0 10.0 0.0\n"
+         "1 0.1 1 1 1 1 5.0 0.00475 85.74525 0 0\n0\n0.0 0 0.0 0 0.0 0 0 0 0\n"
+         "100 0 0 0 0 0\n0 0 0 0 0 0\n"
+         "Phase\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 0 0 0\nP -1\n"
+         "1.0 0.0 0.0 0.0 0.0 0.0 0\n0 0 0 0 0 0\n"
+         "0.01 -0.005 0.008 0.01 0.0 0.0 0.0 0\n0 0 0 0 0 0 0\n"
+         "7.1 8.2 9.3 91 95 98\n0 0 0 0 0 0\n0 0 0 0 0 0\n0 0 0 0 0 0\n";
+  pcr.close();
+  std::ofstream dat("bench.dat");
+  dat << "5.0 0.00475 85.74525\n";
+  for (int i = 1; i <= 17000; ++i) dat << (i % 10 == 0 ? "100\n" : "100 ");
+  dat.close();
+  auto job = std::make_unique<Job>();
+  job->console.out = std::fopen("bench.console", "w");
+  job->driver.PcrCode = "bench";
+  job->driver.DatCode = "bench";
+  OpenFiles(*job, 1, 0, 0);
+  OpenFiles(*job, 2, 0, 0);
+  ResetDefaults(*job);
+  ReadControlFile(*job);
+  return job;
+}
+
+// Gives the phase and pattern parameters numbers 1..n; numbers beyond the
+// real slots stand for atom parameters of a structure, refined but idle here.
+void Refine(Job& job, int n) {
+  const int slots[] = {1, 3, 4, 5, 6, 7, 8, 9, 10, 11, 15, 17};
+  int L = 0;
+  for (int s : slots) job.phases[1].pat[1].PAC[s] = Codeword{++L, 1.0f};
+  job.patterns[1].GLBword[1] = Codeword{++L, 1.0f};
+  job.patterns[1].GLBword[2] = Codeword{++L, 1.0f};
+  job.run.MAXS = n;
+  BuildParameterFamilies(job);
+}
+
+void BM_CyclePass(benchmark::State& state) {
+  const auto dir = std::filesystem::temp_directory_path() / "corvinet-cycle-bench";
+  const auto previous = std::filesystem::current_path();
+  auto job = MakeJob(dir);
+  Refine(*job, static_cast<int>(state.range(0)));
+  auto work = std::make_unique<CycleWork>();
+  for (auto _ : state) CalculatePatterns(*job, *work, 1);
+  state.counters["reflections"] = job->patterns[1].reflections.total;
+  state.counters["points"] = job->patterns[1].NPTS;
+  std::fclose(job->console.out);
+  std::filesystem::current_path(previous);
+
+}
+BENCHMARK(BM_CyclePass)->Arg(150)->Arg(300)->Unit(benchmark::kMillisecond);
+
+}  // namespace
