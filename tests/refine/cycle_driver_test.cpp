@@ -1,0 +1,109 @@
+// Tests of the cycle loop: no cycles, no refined parameters, one cycle, oscillation damping and divergence.
+#include "refine/cycle_driver.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "test_support.h"
+
+namespace corvinet {
+namespace {
+
+using testing::CapturedJob;
+using testing::ScratchDir;
+
+// A cubic profile-matching job over flat data, with `cycles`, `refined`
+// parameters (zero and background), `idum` and the convergence test.
+std::string ControlText(int cycles, int refined, int idum) {
+  const std::string zeroCode = refined >= 1 ? "11.0" : "0.0";
+  const std::string backgroundCode = refined >= 2 ? "21.0" : "0.0";
+  return "Cycles\n0 5 1 0 0 0 0 " + std::to_string(idum) +
+         " 0 0 0 0 0 0 0 0 0\n0 0 1 0 0 0 0 0 0 1 0 0 0 0 0 1 0\n"
+         "1.5406 0.0 0.0 40.0 10.0 0.8 0.0 10.0 0.0\n" +
+         std::to_string(cycles) + " 0.1 1 1 1 1 20.0 0.02 60.0 0 0\n" + std::to_string(refined) +
+         "\n0.0 " + zeroCode + " 0 0 0 0 0 0 0\n100 0 0 0 0 0\n" + backgroundCode +
+         " 0 0 0 0 0\nPhase\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 0 0 0\nP m 3 m\n"
+         "1.0 0.0 0.0 0.0 0.0 0.0 0\n0 0 0 0 0 0\n0.01 -0.005 0.008 0.0 0.0 0.0 0.0 0\n"
+         "0 0 0 0 0 0 0\n4.05 4.05 4.05 90 90 90\n0 0 0 0 0 0\n0 0 0 0 0 0\n0 0 0 0 0 0\n";
+}
+
+struct CycleRun {
+  ScratchDir dir;
+  CapturedJob job;
+  int stop = -1;
+  bool finished = false;
+  // `forceTest` switches the convergence test on after reading, as a phase
+  // with a structure would leave it (profile matching switches it off).
+  CycleRun(int cycles, int refined, int idum = 0, bool forceTest = false) {
+    std::string data = "20.0 0.02 60.0\n";
+    for (int i = 1; i <= 2001; ++i) data += i % 10 == 0 ? "100\n" : "100 ";
+    dir.Write("x.dat", data + "\n");
+    EXPECT_TRUE(testing::ReadControlText(dir, job, ControlText(cycles, refined, idum), false))
+        << job.Console();
+    OpenUnit(job->files.units[Unit::Out], "x.out", OpenStatus::Append);
+    OpenUnit(job->files.units[Unit::Sum], "x.sum", OpenStatus::Append);
+    if (forceTest) {
+      job->run.ConvergenceTestActive = true;
+      job->run.IDUM = idum;
+    }
+    finished = testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j, stop); });
+  }
+  int Count(const std::string& line) {
+    const auto lines = testing::SplitLines(job.Console());
+    return static_cast<int>(std::count(lines.begin(), lines.end(), line));
+  }
+};
+
+TEST(CycleDriver, NoCycleGoesStraightToTheNormalEnd) {
+  CycleRun run(0, 1);
+  EXPECT_TRUE(run.finished);
+  EXPECT_EQ(run.Count("    ===================>>> CYCLE:       1"), 0);
+  EXPECT_EQ(run.Count(" Normal end, final calculations and writing..."), 1);
+}
+
+TEST(CycleDriver, NoRefinedParameterInProfileMatchingRunsEveryCycle) {
+  // Fixed-scale matching sets IDUM to 1 and switches the test off.
+  CycleRun run(3, 0);
+  EXPECT_TRUE(run.finished) << run.job.Console();
+  EXPECT_EQ(run.job->run.IDUM, 1);
+  EXPECT_EQ(run.Count("    ===================>>> CYCLE:       3"), 1);
+  EXPECT_EQ(run.job->refinement.EndMarker, 0);
+}
+
+TEST(CycleDriver, NoRefinedParameterConvergesAfterTheFirstCycle) {
+  CycleRun run(5, 0, 0, true);
+  EXPECT_TRUE(run.finished) << run.job.Console();
+  EXPECT_EQ(run.Count("    ===================>>> CYCLE:       1"), 1);
+  EXPECT_EQ(run.Count("    ===================>>> CYCLE:       2"), 0);
+  EXPECT_EQ(run.job->refinement.EndMarker, 123);
+}
+
+TEST(CycleDriver, OneCycleWithTheTestActiveNeverReportsConvergence) {
+  CycleRun run(1, 1);
+  EXPECT_TRUE(run.finished) << run.job.Console();
+  EXPECT_EQ(run.job->refinement.EndMarker, 0);
+  EXPECT_EQ(run.job.Console().find("Convergence not reached"), std::string::npos);
+}
+
+TEST(CycleDriver, ShiftOfOnePointTwoTimesTheLastWithTheOtherSignIsHalved) {
+  CapturedJob job;
+  job->refinement.LastShift[1] = 1.0f;
+  job->refinement.normal.B[1] = -1.2f;
+  job->refinement.LastShift[2] = 1.0f;
+  job->refinement.normal.B[2] = -std::nextafter(1.2f, 2.0f);
+  job->refinement.LastShift[3] = 1.0f;
+  job->refinement.normal.B[3] = 1.1f;
+  job->refinement.LastShift[4] = 0.0f;
+  job->refinement.normal.B[4] = -0.0f;
+  DampOscillations(*job, 4);
+  EXPECT_FLOAT_EQ(job->refinement.normal.B[1], -0.6f);
+  EXPECT_FLOAT_EQ(job->refinement.LastShift[1], 1.0f);
+  EXPECT_EQ(job->refinement.normal.B[2], -std::nextafter(1.2f, 2.0f));
+  EXPECT_EQ(job->refinement.LastShift[2], -std::nextafter(1.2f, 2.0f));
+  EXPECT_FLOAT_EQ(job->refinement.normal.B[3], 1.1f);
+}
+
+}  // namespace
+}  // namespace corvinet
