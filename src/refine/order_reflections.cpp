@@ -43,6 +43,10 @@ PeakInterval PeakIntervalOf(const Job& job, int ip, int k) {
     const float theta = 0.5f * r.position * kDegree;
     shift = p.GLB[8] * std::cos(theta) + p.GLB[9] * std::sin(2.0f * theta);
     if (code == 12) right = p.Wdt * r.FwhmRight;
+  } else if (p.IXUNIT == 2) {
+    // The stored energy is Dtt1/d: the shift is the Dtt2 q term.
+    const float q = (r.position / p.GLB[8]) * (r.position / p.GLB[8]);
+    shift = p.GLB[9] * q;
   } else {
     const float d = r.position / p.Dtt1;
     shift = p.Dtt2 * d * d;

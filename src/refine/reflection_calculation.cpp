@@ -53,7 +53,25 @@ Table2<double, 3, 3> ReciprocalTensor(const Table1<float, DimensionLimits::MPAR>
   return g;
 }
 
+// Energy-dispersive geometry: E = Dtt1 sqrt(Q); the corrected position adds
+// the zero and Dtt2 Q. The energy stands where the constant-wavelength
+// geometry keeps tan(theta) and 2theta, so that the width law reads
+// U E² + V E + W + GauSiz.
+bool MakeEnergyGeometry(const Pattern& p, const PhasePattern& c, Geometry& g) {
+  g.Q = InverseDSquared(c.PAR, g.h[0], g.h[1], g.h[2]);
+  if (!(g.Q > 0.0)) return false;
+  const double s = std::sqrt(g.Q);
+  g.twoTheta = p.GLB[8] * s;
+  g.tanTheta = g.twoTheta;
+  g.sin2 = 0.0;
+  g.cos2 = 1.0;
+  g.dTdTwoTheta = 1.0;
+  g.dTwoThetadQ = p.GLB[8] / (2.0 * s) + p.GLB[9];
+  return true;
+}
+
 bool MakeGeometry(const Pattern& p, const PhasePattern& c, int w, Geometry& g) {
+  if (p.IXUNIT == 2) return MakeEnergyGeometry(p, c, g);
   g.Q = InverseDSquared(c.PAR, g.h[0], g.h[1], g.h[2]);
   g.lambda = p.LAMBDA[w];
   g.sin2 = 0.25 * g.Q * g.lambda * g.lambda;
@@ -124,6 +142,12 @@ double ProfileSlotDerivative(int s, int code, int w, const Pattern& p, const Pha
 
 double GlobalSlotDerivative(int n, const Pattern& p, const Geometry& g,
                             const IntensityCorrections& corr) {
+  if (p.IXUNIT == 2) {
+    if (n == 1) return 1.0;
+    if (n == 8) return std::sqrt(g.Q);
+    if (n == 9) return g.Q;
+    return 0.0;
+  }
   const double theta = 0.5 * g.twoTheta / kRadian;
   switch (n) {
     case 1:
@@ -156,7 +180,7 @@ void AddToRow(float* row, const Codeword& w, double value, int fitted) {
 
 void FillReflectionWidths(Job& job, int ip) {
   Pattern& p = job.patterns[ip];
-  if (p.IXUNIT != 0) return;
+  if (p.IXUNIT != 0 && p.IXUNIT != 2) return;
   ReflectionTable& table = p.reflections;
   for (int k = 1; k <= table.total; ++k) {
     Reflection& r = table.slot[k];
@@ -174,6 +198,9 @@ void FillReflectionWidths(Job& job, int ip) {
     in.tanTheta = static_cast<float>(g.tanTheta);
     in.cos2Theta = static_cast<float>(g.cos2);
     const PeakWidths widths = PeakWidth(job, ip, in);
+    // From here on the position is kept without the zero and displacements,
+    // which the order table and the peaks add.
+    r.position = static_cast<float>(g.twoTheta);
     r.Fwhm = widths.H;
     r.FwhmRight = c.Npr == 12 ? widths.HL : widths.H;
     r.HG = widths.HG;
@@ -229,6 +256,9 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   shapeIn.tanTheta = r.tanTheta;
   shapeIn.widths = widths;
   entry.shape = PreparePeakShape(job, ip, shapeIn);
+  if (p.IXUNIT == 2) {
+    entry.shape.position = p.GLB[1] + r.position + static_cast<float>(p.GLB[9] * g.Q);
+  }
   CorrectionInput ci;
   ci.wavelengthIndex = w;
   ci.h = g.h;
@@ -239,12 +269,13 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   if (std::abs(ph.Jbt) == 2 && !(r.F2 > 0.0f)) r.F2 = 1.0f;
   ci.F2 = r.F2;
   const IntensityCorrections corr =
-      IntensityFactors(job, ip, phase, ci, ReciprocalTensor(c.PAR), fitted > 0);
+      p.IXUNIT == 2 ? EnergyIntensityFactors(job, ip, phase, ci, ReciprocalTensor(c.PAR), fitted > 0)
+                    : IntensityFactors(job, ip, phase, ci, ReciprocalTensor(c.PAR), fitted > 0);
   r.Corr = corr.Corr;
   entry.intensity = c.PAR[1] * r.LpM * corr.intensity;
   entry.tanTheta = r.tanTheta;
   entry.tan2Theta = Tan2ThetaFromSquares(static_cast<float>(g.sin2), static_cast<float>(g.cos2));
-  entry.asymmetric = r.position <= p.AsyLim ? 1 : 0;
+  entry.asymmetric = p.IXUNIT == 0 && r.position <= p.AsyLim ? 1 : 0;
   entry.phase = phase;
   entry.active = true;
   if (fitted == 0) return;

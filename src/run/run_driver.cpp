@@ -149,9 +149,8 @@ void RunEngine(Job& job) {
     return;
   }
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
-    if (job.patterns[ip].IXUNIT == 1 || job.patterns[ip].IXUNIT == 2) {
-      const char* words =
-          " => Cycles of time-of-flight and energy-dispersive patterns are not run by this version";
+    if (job.patterns[ip].IXUNIT == 1) {
+      const char* words = " => Cycles of time-of-flight patterns are not run by this version";
       ConsoleLine(job, words);
       WriteReports(job, words);
       return;
