@@ -106,5 +106,59 @@ TEST(RefinementRecovery, CellZeroWidthAndBackgroundOfOnePhaseOneWavelengthPair) 
   EXPECT_LT(sigma(1), 0.005f);
 }
 
+// Two phases in one pattern: the cubic phase above and a hexagonal one.
+std::string TwoPhaseText(const Model& m, float c, const std::string& hexCode) {
+  std::string text = ControlText(m);
+  text.replace(text.find("   5   1   0"), 12, "   5   2   0");
+  return text + "Hexagonal phase\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 0 0 0\nP 63/m m c\n"
+                "1.0 0.0 0.0 0.0 0.0 0.0 0\n0 0 0 0 0 0\n"
+                "0.01 -0.006 0.008 0.0 0.0 0.0 0.0 0\n0 0 0 0 0 0 0\n" +
+         Fmt("(A,F10.5,A)", "3.2 3.2", c, " 90 90 120") + "\n0 0 " + hexCode + " 0 0 0\n" +
+         "0 0 0 0 0 0\n0 0 0 0 0 0\n";
+}
+
+TEST(RefinementRecovery, TwoPhasesInOnePatternRecoverBothCells) {
+  ScratchDir dir;
+  Model truth;
+  truth.zero = 0.01f;
+  const float trueC = 5.2100f;
+  {
+    CapturedJob job;
+    ASSERT_TRUE(testing::ReadControlText(dir, job, TwoPhaseText(truth, trueC, "0.00"), false))
+        << job.Console();
+    int stop = 0;
+    ASSERT_TRUE(testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j, stop); }));
+    const Pattern& p = job->patterns[1];
+    std::string data = "20.0 0.02 90.0\n";
+    for (int i = 1; i <= p.NPTS; ++i) {
+      data += Fmt("(F12.1)", PoissonDeviate(*job, 20.0f * (p.Ycalc[i] + p.Backg[i])) / 20.0f);
+      if (i % 8 == 0) data += "\n";
+    }
+    dir.Write("x.dat", data + "\n");
+  }
+  Model start = truth;
+  start.job = 0;
+  start.cycles = 30;
+  start.zero = 0.0f;
+  start.a = 5.4325f;
+  start.zeroCode = "11.00";
+  start.cellCode = "21.00 21.00 21.00";
+  start.refined = 3;
+  CapturedJob job;
+  ASSERT_TRUE(testing::ReadControlText(dir, job, TwoPhaseText(start, 5.2120f, "31.00"), false))
+      << job.Console();
+  int stop = 0;
+  ASSERT_TRUE(testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j, stop); })) << job.Console();
+  const Job& j = *job;
+  const auto sigma = [&](int L) { return std::sqrt(std::fabs(j.refinement.normal.A(L, L))); };
+  EXPECT_NEAR(j.patterns[1].GLB[1], truth.zero, 3.0f * sigma(1) + 1e-4f);
+  const float A = j.phases[1].pat[1].PAR[6];
+  const float a = 1.0f / std::sqrt(A);
+  EXPECT_NEAR(a, truth.a, 3.0f * 0.5f * a * sigma(2) / A + 1e-5f);
+  const float C = j.phases[2].pat[1].PAR[8];
+  const float c = 1.0f / std::sqrt(C);
+  EXPECT_NEAR(c, trueC, 3.0f * 0.5f * c * sigma(3) / C + 1e-5f);
+}
+
 }  // namespace
 }  // namespace corvinet
