@@ -1,4 +1,5 @@
-// Benchmark of one least-squares pass: 17000 points (the most that 2000 reflections leave), 150 or 300 refined parameters.
+// Benchmark of one least-squares pass: 17000 points (the most that 2000 reflections leave), 150 or
+// 300 refined parameters.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -72,7 +73,6 @@ void BM_CyclePass(benchmark::State& state) {
   state.counters["points"] = job->patterns[1].NPTS;
   std::fclose(job->console.out);
   std::filesystem::current_path(previous);
-
 }
 BENCHMARK(BM_CyclePass)->Arg(150)->Arg(300)->Unit(benchmark::kMillisecond);
 

@@ -46,10 +46,11 @@ bool ScratchDir::Exists(const std::string& name) const {
   return std::filesystem::exists(path / name);
 }
 
-CapturedJob::CapturedJob(const std::string& answers) : job(std::make_unique<Job>()), input(answers) {
+CapturedJob::CapturedJob(const std::string& answers)
+    : job(std::make_unique<Job>()), input(answers) {
   job->console.out = ::open_memstream(&buffer, &size);
-  job->console.in = input.empty() ? std::fopen("/dev/null", "r")
-                                  : ::fmemopen(input.data(), input.size(), "r");
+  job->console.in =
+      input.empty() ? std::fopen("/dev/null", "r") : ::fmemopen(input.data(), input.size(), "r");
 }
 
 CapturedJob::~CapturedJob() {

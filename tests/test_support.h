@@ -1,4 +1,5 @@
-// Helpers shared by the tests: temporary directories, a job with captured console, runs of the binary.
+// Helpers shared by the tests: temporary directories, a job with captured console, runs of the
+// binary.
 #pragma once
 
 #include <cstdio>

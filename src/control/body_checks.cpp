@@ -1,4 +1,5 @@
-// Checks that close the reading of the control file: parameter holes, zero counts, capacity, corrections.
+// Checks that close the reading of the control file: parameter holes, zero counts, capacity,
+// corrections.
 #include <cmath>
 #include <vector>
 
@@ -74,8 +75,9 @@ void CheckParameterHoles(Job& job) {
     if (UsedByVectors(job, n)) continue;
     missing = true;
     ConsoleLine(job, Fmt("(A,I4)", " => Hole in the matrix!, missing element:", n));
-    WriteLine(job, Unit::Out,
-              Fmt("(A,I4,A)", " => Hole in the matrix!, element ", n, "in the Normal matrix is missing"));
+    WriteLine(
+        job, Unit::Out,
+        Fmt("(A,I4,A)", " => Hole in the matrix!, element ", n, "in the Normal matrix is missing"));
   }
   if (missing) StopBox(job, " Hole(s) in the Normal Matrix ");
 }
@@ -85,8 +87,9 @@ void FixZeroCounts(Job& job) {
     Pattern& p = job.patterns[ip];
     for (int i = 1; i <= p.NPTS; ++i) {
       if (p.Variance[i] > 1.0e-6f) continue;
-      WriteLine(job, Unit::Out, Fmt("(A,I6,A,F12.4)", " => Zero counts at step no.", i,
-                                    " at 2theta/TOF/E(KeV): ", p.X[i]));
+      WriteLine(job, Unit::Out,
+                Fmt("(A,I6,A,F12.4)", " => Zero counts at step no.", i,
+                    " at 2theta/TOF/E(KeV): ", p.X[i]));
       ConsoleLine(job, Fmt("(A,I6)", " Zero counts al point no. ", i));
       ConsoleLine(job, " Program fix intensity at 1.0 and Variance at 1E6");
       p.Ytotal[i] = 1.0f;

@@ -37,7 +37,8 @@ void ReadHardLimits(Job& job) {
 
 void ReadMonteCarloLine(Job& job) {
   RunOptions& r = job.run;
-  ReadMaskedLine(job, Unit::Control, "iiii", job.LINE, {&r.Nconfg, &r.Nsolu, &r.Num_Ref, &r.Nscalef});
+  ReadMaskedLine(job, Unit::Control, "iiii", job.LINE,
+                 {&r.Nconfg, &r.Nsolu, &r.Num_Ref, &r.Nscalef});
   WriteReports(job, Fmt("(A,I8,A,I6,A)", "  => A number of ", r.Nconfg,
                         " random configurations will be tested on ", r.Num_Ref, " observations"));
   WriteReports(job, Fmt("(A,I4,A)", "     The best ", r.Nsolu, " solutions will be printed"));

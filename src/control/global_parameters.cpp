@@ -1,4 +1,5 @@
-// Global-parameter lines of a pattern: zero, shifts, wavelength, microabsorption and background coefficients.
+// Global-parameter lines of a pattern: zero, shifts, wavelength, microabsorption and background
+// coefficients.
 #include <cmath>
 
 #include "control/pattern_block.h"
@@ -122,7 +123,9 @@ void ReadBackgroundLines(Job& job, Pattern& p) {
 
 }  // namespace
 
-int TypedBackground(const Pattern& pattern) { return pattern.backgroundSign * pattern.NBCKGD; }
+int TypedBackground(const Pattern& pattern) {
+  return pattern.backgroundSign * pattern.NBCKGD;
+}
 
 void ReadGlobalParameters(Job& job, int ip) {
   Pattern& p = job.patterns[ip];

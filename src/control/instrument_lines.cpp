@@ -20,8 +20,8 @@ void ReadNonAngleInstrument(Job& job, Pattern& p) {
 void ReadAngleInstrument(Job& job, Pattern& p) {
   float ratio = 0.0f;
   ReadMaskedLine(job, Unit::Control, "fffffffff", job.LINE,
-                 {&p.LAMBDA[1], &p.LAMBDA[2], &ratio, &p.Bkpos, &p.Wdt, &p.Cthm, &p.muR,
-                  &p.AsyLim, &p.Rpolarz});
+                 {&p.LAMBDA[1], &p.LAMBDA[2], &ratio, &p.Bkpos, &p.Wdt, &p.Cthm, &p.muR, &p.AsyLim,
+                  &p.Rpolarz});
   if (ratio < 0.0f) {
     ratio = -ratio;
     p.separateUVW2 = true;
@@ -54,8 +54,8 @@ void ReadCycleLines(Job& job) {
   if (r.NPATT == 1) {
     Pattern& p = job.patterns[1];
     ReadMaskedLine(job, Unit::Control, "iffffffffff", job.LINE,
-                   {&r.NCY, &r.EPS, &f[1], &f[2], &f[3], &f[4], &p.THMIN, &p.STEP, &p.THMAX,
-                    &p.PSD, &p.Sent0});
+                   {&r.NCY, &r.EPS, &f[1], &f[2], &f[3], &f[4], &p.THMIN, &p.STEP, &p.THMAX, &p.PSD,
+                    &p.Sent0});
   } else {
     ReadMaskedLine(job, Unit::Control, "ifffff", job.LINE,
                    {&r.NCY, &r.EPS, &f[1], &f[2], &f[3], &f[4]});
@@ -81,16 +81,16 @@ void WriteCycleWords(Job& job) {
   }
   if (r.ICRYG == 0) {
     WriteReports(job, Fmt("(A,F6.2)", " => for halfwidth/strain/size parameters: ", f[3]));
-    WriteReports(job,
-                 Fmt("(A,F6.2)", " => for lattice constants and propagation vectors: ", f[4]));
+    WriteReports(job, Fmt("(A,F6.2)", " => for lattice constants and propagation vectors: ", f[4]));
   }
   if (r.ICRYG != 2) WriteReports(job, Fmt("(A,F8.4)", " => EPS-value for convergence: ", r.EPS));
   for (int ip = 1; ip <= r.NPATT; ++ip) {
     const Pattern& p = job.patterns[ip];
     if (p.Sent0 > 0.0f && (p.ILOR == 0 || p.ILOR == 3) && p.isXray == 1) {
-      WriteReports(job, Fmt("(A,F8.3)",
-                            " => Low angle scale factor multiplied by sin(theta)/sin(t0), where t0=",
-                            p.Sent0));
+      WriteReports(
+          job,
+          Fmt("(A,F8.3)",
+              " => Low angle scale factor multiplied by sin(theta)/sin(t0), where t0=", p.Sent0));
     }
   }
 }

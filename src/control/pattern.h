@@ -14,12 +14,12 @@ namespace corvinet {
 // terms, or a neutron scattering length, or a form factor by coefficients or
 // by a table of points.
 struct ScatteringEntry {
-  std::string NAM;             // species name, at most 4 characters
-  float Fprime = 0.0f;         // f', or the scattering length
-  float Fsecond = 0.0f;        // f''
-  int ITAB = 0;                // entry type
-  Table1<float, 9> coef;       // form-factor coefficients
-  int tablePoints = 0;         // points of a table, at most 59
+  std::string NAM;        // species name, at most 4 characters
+  float Fprime = 0.0f;    // f', or the scattering length
+  float Fsecond = 0.0f;   // f''
+  int ITAB = 0;           // entry type
+  Table1<float, 9> coef;  // form-factor coefficients
+  int tablePoints = 0;    // points of a table, at most 59
   Table1<float, 59> tableX;
   Table1<float, 59> tableY;
 };
@@ -60,23 +60,23 @@ struct Pattern {
   float Cnorm = 1.0f;          // count normalisation of the variances
 
   // Instrument and range (instrument and cycle lines).
-  Table1<float, 2> LAMBDA;       // the two wavelengths
-  Table1<float, 2> RATIO;        // intensity of each wavelength; RATIO[1] is 1
-  bool separateUVW2 = false;     // Ratio typed negative: own U,V,W for LAMBDA[2]
-  float Bkpos = 0.0f;            // origin of the background polynomial
-  float Wdt = 0.0f;              // peak range in half widths
-  float Cthm = 0.0f;             // cos of the monochromator angle
-  float muR = 0.0f;              // effective absorption
-  float AsyLim = 0.0f;           // asymmetry applied below this angle
-  float Rpolarz = 0.0f;          // polarisation
+  Table1<float, 2> LAMBDA;                        // the two wavelengths
+  Table1<float, 2> RATIO;                         // intensity of each wavelength; RATIO[1] is 1
+  bool separateUVW2 = false;                      // Ratio typed negative: own U,V,W for LAMBDA[2]
+  float Bkpos = 0.0f;                             // origin of the background polynomial
+  float Wdt = 0.0f;                               // peak range in half widths
+  float Cthm = 0.0f;                              // cos of the monochromator angle
+  float muR = 0.0f;                               // effective absorption
+  float AsyLim = 0.0f;                            // asymmetry applied below this angle
+  float Rpolarz = 0.0f;                           // polarisation
   float THMIN = 0.0f, STEP = 0.0f, THMAX = 0.0f;  // range and step
   float PSD = 0.0f;
-  float Sent0 = 0.0f;            // low-angle limit of the scale correction
-  int MORE = 0;                  // microabsorption line follows
-  int equalStep = 1;             // 1 when the abscissa is equidistant
-  int stepKind = 0;              // 0 constant step, 1 interpolated at read, 2 listed points
-  float TSET = 0.0f;             // regulation temperature from the data header
-  float MONITOR = 0.0f;          // monitor from the data header
+  float Sent0 = 0.0f;    // low-angle limit of the scale correction
+  int MORE = 0;          // microabsorption line follows
+  int equalStep = 1;     // 1 when the abscissa is equidistant
+  int stepKind = 0;      // 0 constant step, 1 interpolated at read, 2 listed points
+  float TSET = 0.0f;     // regulation temperature from the data header
+  float MONITOR = 0.0f;  // monitor from the data header
   float Dtt1 = 0.0f, Dtt2 = 0.0f, TwoSinTh = 0.0f;  // TOF / energy conversion constants
 
   // Global parameters with their typed codes and decoded codewords.
@@ -94,7 +94,7 @@ struct Pattern {
 
   // Additional scattering entries.
   Table1<ScatteringEntry, DimensionLimits::N_SPE> scattering;
-  int scatteringTypeSum = 0;     // sum of ITAB over the entries
+  int scatteringTypeSum = 0;  // sum of ITAB over the entries
 
   // Scales of the line-printer plot, read from the end lines.
   int Iscale = 100;

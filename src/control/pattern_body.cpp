@@ -1,4 +1,5 @@
-// The body of the control file: refined-parameter count, global lines, data of each pattern, phases, closing lines.
+// The body of the control file: refined-parameter count, global lines, data of each pattern,
+// phases, closing lines.
 #include <cmath>
 #include <cstdlib>
 #include <ctime>
@@ -8,9 +9,9 @@
 #include "control/profile_lines.h"
 #include "crystal/reflection_generation.h"
 #include "crystal/reflection_list.h"
-#include "refine/reflection_calculation.h"
 #include "observations/background.h"
 #include "observations/powder_data.h"
+#include "refine/reflection_calculation.h"
 #include "run/field_reader.h"
 #include "run/fortran_format.h"
 #include "surface/console.h"
@@ -66,8 +67,8 @@ void ReadObservedData(Job& job, int ip) {
 
 void StopOnTooManyPoints(Job& job, int points) {
   if (points <= DimensionLimits::IDSZ) return;
-  WriteLine(job, Unit::Out, Fmt("(A,I6,A)", " => Program can handle only", DimensionLimits::IDSZ,
-                                " points"));
+  WriteLine(job, Unit::Out,
+            Fmt("(A,I6,A)", " => Program can handle only", DimensionLimits::IDSZ, " points"));
   WriteLine(job, Unit::Out, Fmt("(A,I8,A)", "  => A number of ", points, " points were input"));
   ConsoleLine(job, " Too many data points NPTS>IDSZ!");
   StopBox(job, " Too many data points ");

@@ -13,21 +13,21 @@ namespace corvinet {
 
 // What a phase is in one pattern: its contribution, profile parameters and cell.
 struct PhasePattern {
-  int Contribution = 0;  // 0 or 1
-  int Irf = 0;           // source of the reflection list
-  int Npr = 0;           // profile function, stored as typed plus 1
-  int Jtyp = 0;          // job of the phase in this pattern
+  int Contribution = 0;   // 0 or 1
+  int Irf = 0;            // source of the reflection list
+  int Npr = 0;            // profile function, stored as typed plus 1
+  int Jtyp = 0;           // job of the phase in this pattern
   Table1<float, 3> PREF;  // preferred orientation axis
   float Brind = 1.0f;     // Brindley term
   float Rmua = 0.0f, Rmub = 0.0f, Rmuc = 0.0f;
-  int magneticPattern = 0;  // the phase is magnetic in this pattern
-  Table1<float, DimensionLimits::MPAR> PAR;         // profile parameters
-  Table1<float, DimensionLimits::MPAR> PACtyped;    // their codes as typed
-  Table1<Codeword, DimensionLimits::MPAR> PAC;      // decoded codes
-  Table1<float, 6> CellConstants;                   // a, b, c, alpha, beta, gamma
+  int magneticPattern = 0;                        // the phase is magnetic in this pattern
+  Table1<float, DimensionLimits::MPAR> PAR;       // profile parameters
+  Table1<float, DimensionLimits::MPAR> PACtyped;  // their codes as typed
+  Table1<Codeword, DimensionLimits::MPAR> PAC;    // decoded codes
+  Table1<float, 6> CellConstants;                 // a, b, c, alpha, beta, gamma
   double cellVolume = 0.0;
-  int StrainModel = 0;  // Strain-Model
-  int SizeModel = 0;    // Size-Model
+  int StrainModel = 0;       // Strain-Model
+  int SizeModel = 0;         // Size-Model
   float prefLength2 = 0.0f;  // quadratic form of PREF with the metric
   int laueWidthFlag = 0;     // 1 or 2 by the Laue class of a generated list
   CellMetric metric;         // metric of the cell as read
@@ -42,26 +42,26 @@ struct PropagationVector {
 };
 
 struct Phase {
-  std::string PhaseTitle;        // at most 70 characters
-  int Nat = 0;                   // number of atoms
-  int Dis = 0;                   // distance restraints
-  int Mom = 0;                   // moment restraints
-  int Jbt = 0;                   // type of phase
-  int Isy = 0;                   // 0: operators from the symbol
-  int Str = 0;                   // generalized size and strain block
-  int Furth = 0;                 // further parameters
-  float ATZ = 0.0f;              // weight term of the phase
-  int Nvk = 0;                   // propagation vectors
-  char addMinusK = 'N';          // 'Y' when Nvk was typed negative
-  int More = 0;                  // the further flags line follows
+  std::string PhaseTitle;  // at most 70 characters
+  int Nat = 0;             // number of atoms
+  int Dis = 0;             // distance restraints
+  int Mom = 0;             // moment restraints
+  int Jbt = 0;             // type of phase
+  int Isy = 0;             // 0: operators from the symbol
+  int Str = 0;             // generalized size and strain block
+  int Furth = 0;           // further parameters
+  float ATZ = 0.0f;        // weight term of the phase
+  int Nvk = 0;             // propagation vectors
+  char addMinusK = 'N';    // 'Y' when Nvk was typed negative
+  int More = 0;            // the further flags line follows
   int Jvi = 0, Jdi = 0, Hel = 0, Sol = 0, MomOut = 0, Ter = 0;
-  std::string SpaceGroupSymbol;  // at most 20 characters
-  std::string SpaceGroupRemark;  // text behind the symbol, at most 10 characters
-  int magneticSymmetry = 0;      // "Mag" in the remark of a |Jbt| 10 phase
-  int refinedAtomParameters = 0; // parameter numbers found among the atom codes
+  std::string SpaceGroupSymbol;   // at most 20 characters
+  std::string SpaceGroupRemark;   // text behind the symbol, at most 10 characters
+  int magneticSymmetry = 0;       // "Mag" in the remark of a |Jbt| 10 phase
+  int refinedAtomParameters = 0;  // parameter numbers found among the atom codes
   Table1<PhasePattern, DimensionLimits::NPATT> pat;
-  SpaceGroup group;       // symmetry of the phase
-  int hasSymbol = 0;      // the group was built from SpaceGroupSymbol
+  SpaceGroup group;   // symmetry of the phase
+  int hasSymbol = 0;  // the group was built from SpaceGroupSymbol
 
   // Profile models of the phase (the last contribution read wins).
   int ModA = 0, ModS = 0;

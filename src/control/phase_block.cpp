@@ -1,4 +1,5 @@
-// The phase block: title, flags, contributions to each pattern, their normalisation and their words.
+// The phase block: title, flags, contributions to each pattern, their normalisation and their
+// words.
 #include "control/phase_block.h"
 
 #include <cmath>
@@ -26,7 +27,8 @@ bool ReadNonCommentRecord(Job& job, std::string& record, std::size_t length) {
 void ReadPhaseTitle(Job& job, int k) {
   Phase& ph = job.phases[k];
   std::string record;
-  if (!ReadNonCommentRecord(job, record, 70)) StopBox(job, " Error reading the phase name in *.PCR");
+  if (!ReadNonCommentRecord(job, record, 70))
+    StopBox(job, " Error reading the phase name in *.PCR");
   ph.PhaseTitle = CutText(record, 70);
   const std::string rule(80, '-');
   WriteReports(job, rule);
@@ -57,8 +59,8 @@ void ReadSinglePatternFlags(Job& job, Phase& ph) {
 
 void ReadMultiPatternFlags(Job& job, Phase& ph) {
   ReadMaskedLine(job, Unit::Control, "iiiiiiifii", job.LINE,
-                 {&ph.Nat, &ph.Dis, &ph.Mom, &ph.Jbt, &ph.Isy, &ph.Str, &ph.Furth, &ph.ATZ,
-                  &ph.Nvk, &ph.More});
+                 {&ph.Nat, &ph.Dis, &ph.Mom, &ph.Jbt, &ph.Isy, &ph.Str, &ph.Furth, &ph.ATZ, &ph.Nvk,
+                  &ph.More});
   if (ph.More != 0) ReadMoreFlags(job, ph, false);
   std::vector<ReadTarget> contributions;
   for (int ip = 1; ip <= job.run.NPATT; ++ip) contributions.emplace_back(&ph.pat[ip].Contribution);
@@ -136,13 +138,14 @@ void WriteContributionWords(Job& job, int k, int ip) {
     ConsoleLine(job, "  If ABS(JBT)=3 then IRF must be = 2");
     StopBox(job, " Illegal JBT and IRF ");
   }
-  if (c.Irf == 3) WriteReports(job, " => Reflection list & partial structure factors read from file");
+  if (c.Irf == 3)
+    WriteReports(job, " => Reflection list & partial structure factors read from file");
   if (c.Npr != p.NPROF && std::abs(c.Irf) != 4) {
     WriteReports(job, Fmt("(A,I2,A,I2)", " => The ", c.Npr - 1,
                           "th profile function was selected for phase no. ", k));
   }
-  WriteReports(job, Fmt("(A,3F8.3)", " => Preferred orientation vector: ", c.PREF[1], c.PREF[2],
-                        c.PREF[3]));
+  WriteReports(
+      job, Fmt("(A,3F8.3)", " => Preferred orientation vector: ", c.PREF[1], c.PREF[2], c.PREF[3]));
 }
 
 void WritePhaseData(Job& job, int k) {
@@ -162,10 +165,17 @@ void WritePhaseData(Job& job, int k) {
 void WriteViewWord(Job& job, int k) {
   const char* word = nullptr;
   switch (job.phases[k].Jvi) {
-    case 1: word = " => Schakal File (*.sch) is output for phase:"; break;
-    case 2: word = " => STRUPLO File (*.sch) is output for phase:"; break;
-    case 11: word = " => Clusters of overlaped reflections is output for phase:"; break;
-    default: return;
+    case 1:
+      word = " => Schakal File (*.sch) is output for phase:";
+      break;
+    case 2:
+      word = " => STRUPLO File (*.sch) is output for phase:";
+      break;
+    case 11:
+      word = " => Clusters of overlaped reflections is output for phase:";
+      break;
+    default:
+      return;
   }
   WriteReports(job, Fmt("(A,I2)", word, k));
 }
@@ -174,20 +184,30 @@ void WriteViewWord(Job& job, int k) {
 
 const char* PhaseTypeWord(int Jbt) {
   switch (Jbt) {
-    case 0: return " => Crystal Structure Refinement";
-    case 1: return " => Magnetic Structure Refinement";
-    case -1: return " => Magnetic Structure Refinement (Spherical)";
+    case 0:
+      return " => Crystal Structure Refinement";
+    case 1:
+      return " => Magnetic Structure Refinement";
+    case -1:
+      return " => Magnetic Structure Refinement (Spherical)";
     case 2:
-    case -2: return " => Pattern Matching (fixed scale)";
+    case -2:
+      return " => Pattern Matching (fixed scale)";
     case 3:
-    case -3: return " => Pattern Matching (variable scale)";
+    case -3:
+      return " => Pattern Matching (variable scale)";
     case 4:
-    case -4: return " => Structural model provided by user";
+    case -4:
+      return " => Structural model provided by user";
     case 5:
-    case -5: return " => Magnetic model provided by user";
-    case 10: return " => Crystal+Magnetic Structure Refinement";
-    case -10: return " => Crystal+Magnetic(Spherical) Structure Refinement";
-    default: return "";
+    case -5:
+      return " => Magnetic model provided by user";
+    case 10:
+      return " => Crystal+Magnetic Structure Refinement";
+    case -10:
+      return " => Crystal+Magnetic(Spherical) Structure Refinement";
+    default:
+      return "";
   }
 }
 

@@ -1,4 +1,5 @@
-// Reading of the block that opens each phase: title, flags, per-pattern contributions and the space-group line.
+// Reading of the block that opens each phase: title, flags, per-pattern contributions and the
+// space-group line.
 #pragma once
 
 #include "run/job.h"

@@ -1,4 +1,5 @@
-// Profile lines of a phase in each pattern: scale, widths, cell, shape, models, vectors and further parameters.
+// Profile lines of a phase in each pattern: scale, widths, cell, shape, models, vectors and further
+// parameters.
 #include "control/profile_lines.h"
 
 #include <cmath>
@@ -16,7 +17,8 @@ namespace {
 
 // Reads the values of PAR slots (and an optional integer after them), then the
 // line of their codes.
-void ReadSlots(Job& job, PhasePattern& c, std::initializer_list<int> slots, int* trailing = nullptr) {
+void ReadSlots(Job& job, PhasePattern& c, std::initializer_list<int> slots,
+               int* trailing = nullptr) {
   std::vector<ReadTarget> values;
   std::vector<ReadTarget> codes;
   for (int s : slots) {
@@ -80,8 +82,9 @@ void ReadSizeModel(Job& job, Phase& ph, PhasePattern& c) {
   WriteLine(job, Unit::Out, Fmt("(A,I3,A)", " => The ", model, "th model for size is used"));
   if (std::abs(model) == 1) {
     ReadAxis(job, ph.SizeAxis);
-    WriteLine(job, Unit::Out, Fmt("(A,3F8.3)", " => Platelet(1) or Needle(-1) axis: ",
-                                  ph.SizeAxis[1], ph.SizeAxis[2], ph.SizeAxis[3]));
+    WriteLine(job, Unit::Out,
+              Fmt("(A,3F8.3)", " => Platelet(1) or Needle(-1) axis: ", ph.SizeAxis[1],
+                  ph.SizeAxis[2], ph.SizeAxis[3]));
   }
   if (std::abs(model) < 15) return;
   ReadSlots(job, c, {51, 52, 53, 54, 55, 56});
@@ -108,8 +111,9 @@ void ReadStrainModel(Job& job, Phase& ph, PhasePattern& c) {
   WriteLine(job, Unit::Out, Fmt("(A,I3,A)", " => The ", model, "th model for strain is used"));
   if (model == 7) {
     ReadAxis(job, ph.StrainAxis);
-    WriteLine(job, Unit::Out, Fmt("(A,3F8.3)", " => Microstrain axis: ", ph.StrainAxis[1],
-                                  ph.StrainAxis[2], ph.StrainAxis[3]));
+    WriteLine(job, Unit::Out,
+              Fmt("(A,3F8.3)", " => Microstrain axis: ", ph.StrainAxis[1], ph.StrainAxis[2],
+                  ph.StrainAxis[3]));
   }
   if (model > 8) ReadSlots(job, c, {21, 22, 23, 24, 25});
 }
@@ -128,28 +132,32 @@ void WriteShiftAndAsymmetryModels(Job& job, const Phase& ph, const PhasePattern&
     WriteLine(job, Unit::Out,
               Fmt("(A,2F11.2)", "              Codes : ", c.PACtyped[39], c.PACtyped[40]));
     if (std::abs(ph.ModS) == 1) {
-      WriteLine(job, Unit::Out, Fmt("(A,3F8.3)", " => Shift-cos(1) or Shift-sin(-1) axis: ",
-                                    ph.ShiftAxis[1], ph.ShiftAxis[2], ph.ShiftAxis[3]));
+      WriteLine(job, Unit::Out,
+                Fmt("(A,3F8.3)", " => Shift-cos(1) or Shift-sin(-1) axis: ", ph.ShiftAxis[1],
+                    ph.ShiftAxis[2], ph.ShiftAxis[3]));
     }
   }
 }
 
-bool IsIntegral(float v) { return std::fabs(v - std::round(v)) < 1.0e-5f; }
+bool IsIntegral(float v) {
+  return std::fabs(v - std::round(v)) < 1.0e-5f;
+}
 
 void ReadPropagationVectors(Job& job, Phase& ph) {
   if (ph.Nvk == 0) return;
   if (ph.Nvk * (ph.addMinusK == 'Y' ? 2 : 1) > DimensionLimits::NEQV) {
-    ConsoleLine(job, Fmt("(A,I4,A,I3)", " => Number of propagation vectors:", ph.Nvk, "  maximum:",
-                         DimensionLimits::NEQV));
+    ConsoleLine(job, Fmt("(A,I4,A,I3)", " => Number of propagation vectors:", ph.Nvk,
+                         "  maximum:", DimensionLimits::NEQV));
     StopBox(job, " => Too many propagation vectors!");
   }
   for (int n = 1; n <= ph.Nvk; ++n) {
     PropagationVector& v = ph.vectors[n];
     ReadAxis(job, v.KVEC);
     ReadAxis(job, v.KCODEtyped);
-    WriteLine(job, Unit::Out, Fmt("(A,I3,A,3F10.5,A,3F8.2)", " => Propagation vector #", n, ": ",
-                                  v.KVEC[1], v.KVEC[2], v.KVEC[3], "  Codes:", v.KCODEtyped[1],
-                                  v.KCODEtyped[2], v.KCODEtyped[3]));
+    WriteLine(
+        job, Unit::Out,
+        Fmt("(A,I3,A,3F10.5,A,3F8.2)", " => Propagation vector #", n, ": ", v.KVEC[1], v.KVEC[2],
+            v.KVEC[3], "  Codes:", v.KCODEtyped[1], v.KCODEtyped[2], v.KCODEtyped[3]));
   }
   if (ph.addMinusK == 'Y') {
     for (int n = 1; n <= ph.Nvk; ++n) {
@@ -158,8 +166,9 @@ void ReadPropagationVectors(Job& job, Phase& ph) {
         minus.KVEC[i] = -ph.vectors[n].KVEC[i];
         minus.KCODEtyped[i] = -ph.vectors[n].KCODEtyped[i];
       }
-      WriteLine(job, Unit::Out, Fmt("(A,I3,A,3F10.5)", " => Propagation vector #", n + ph.Nvk,
-                                    ": ", minus.KVEC[1], minus.KVEC[2], minus.KVEC[3]));
+      WriteLine(job, Unit::Out,
+                Fmt("(A,I3,A,3F10.5)", " => Propagation vector #", n + ph.Nvk, ": ", minus.KVEC[1],
+                    minus.KVEC[2], minus.KVEC[3]));
     }
     ph.Nvk *= 2;
   }
@@ -175,8 +184,8 @@ void ReadPropagationVectors(Job& job, Phase& ph) {
 void ReadFurtherParameters(Job& job, Phase& ph, PhasePattern& c) {
   const int base = job.run.firstFurtherParameter;
   if (base + ph.Furth > DimensionLimits::MPAR) {
-    ConsoleLine(job, Fmt("(A,I4,A,I3)", " => Number of further parameters:", ph.Furth, "  maximum:",
-                         DimensionLimits::MPAR - base));
+    ConsoleLine(job, Fmt("(A,I4,A,I3)", " => Number of further parameters:", ph.Furth,
+                         "  maximum:", DimensionLimits::MPAR - base));
     StopBox(job, " => Too many further parameters!");
   }
   for (int n = 1; n <= ph.Furth; ++n) {
@@ -264,7 +273,8 @@ Codeword DecodeCheckedCode(Job& job, float typed) {
   Codeword w = DecodeCodeword(typed);
   if (w.parameterNumber <= DimensionLimits::MSZ) return w;
   ConsoleLine(job, Fmt("(A,F12.2)", "                        Error in a code: ", typed));
-  ConsoleLine(job, Fmt("(A,I4)", "    The maximum number of parameters is: ", DimensionLimits::MSZ));
+  ConsoleLine(job,
+              Fmt("(A,I4)", "    The maximum number of parameters is: ", DimensionLimits::MSZ));
   StopBox(job, " Error in a code ");
   return w;
 }
@@ -286,13 +296,17 @@ void EchoCodes(Job& job, const Phase& ph, const PhasePattern& c, const Pattern& 
   WriteLine(job, Unit::Out, Row(shown, {3, 4, 5, 15, 16, 28, 29}, true));
   WriteLine(job, Unit::Out, Row(shown, {6, 7, 8, 9, 10, 11}, true));
   WriteLine(job, Unit::Out, Row(shown, {12, 13, 14, 35, 36, 37}, true));
-  if (p.separateUVW2) WriteLine(job, Unit::Out, " => CU2,CV2,CW2 for lambda(2) :" + Row(c, {43, 44, 45}, true));
+  if (p.separateUVW2)
+    WriteLine(job, Unit::Out, " => CU2,CV2,CW2 for lambda(2) :" + Row(c, {43, 44, 45}, true));
   if (c.Npr == 12) {
-    WriteLine(job, Unit::Out, " => Split pV right halfwidth parameters CUr,CVr,CWr: " + Row(c, {46, 47, 48}, true));
-    WriteLine(job, Unit::Out, " => Split pV right CEtaR0 and CXr parameters: " + Row(c, {49, 50}, true));
+    WriteLine(job, Unit::Out,
+              " => Split pV right halfwidth parameters CUr,CVr,CWr: " + Row(c, {46, 47, 48}, true));
+    WriteLine(job, Unit::Out,
+              " => Split pV right CEtaR0 and CXr parameters: " + Row(c, {49, 50}, true));
     WriteLine(job, Unit::Out, " => Left and right CPar (FWHM~Par/TanT):" + Row(c, {41, 42}, true));
   }
-  if (c.Npr == 5) WriteLine(job, Unit::Out, " => Further shape parameters :" + Row(c, {41, 42}, true));
+  if (c.Npr == 5)
+    WriteLine(job, Unit::Out, " => Further shape parameters :" + Row(c, {41, 42}, true));
   if (c.StrainModel > 8) {
     WriteLine(job, Unit::Out, " => Additional strain parameters and codes: ");
     WriteLine(job, Unit::Out, Row(c, {21, 22, 23, 24, 25}, false));
@@ -302,7 +316,9 @@ void EchoCodes(Job& job, const Phase& ph, const PhasePattern& c, const Pattern& 
     WriteLine(job, Unit::Out, " => Further parameters defined by user: ");
     for (int n = 1; n <= ph.Furth; ++n) {
       const int s = job.run.firstFurtherParameter + n;
-      WriteLine(job, Unit::Out, Fmt("(4X,A4,F12.5,F10.2)", FixedText(ph.FurtherName[n], 4), c.PAR[s], c.PACtyped[s]));
+      WriteLine(
+          job, Unit::Out,
+          Fmt("(4X,A4,F12.5,F10.2)", FixedText(ph.FurtherName[n], 4), c.PAR[s], c.PACtyped[s]));
     }
   }
   if (ph.Str == 1 || ph.Str == 3) {
@@ -347,7 +363,8 @@ void DecodeProfileCodes(Job& job, int k) {
     PhasePattern& c = ph.pat[ip];
     if (c.Contribution == 0) continue;
     EchoCodes(job, ph, c, job.patterns[ip], ip);
-    for (int s = 1; s <= DimensionLimits::MPAR; ++s) c.PAC[s] = DecodeCheckedCode(job, c.PACtyped[s]);
+    for (int s = 1; s <= DimensionLimits::MPAR; ++s)
+      c.PAC[s] = DecodeCheckedCode(job, c.PACtyped[s]);
   }
   for (int n = 1; n <= ph.Nvk; ++n) {
     for (int i = 1; i <= 3; ++i) {

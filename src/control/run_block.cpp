@@ -1,4 +1,5 @@
-// The head of the control file: title, single- or multi-pattern form, job lines, names and output options.
+// The head of the control file: title, single- or multi-pattern form, job lines, names and output
+// options.
 #include "control/run_block.h"
 
 #include <cstdlib>
@@ -105,10 +106,10 @@ void ReadJobLines(Job& job) {
   RunOptions& r = job.run;
   if (r.singlePatternForm) {
     Pattern& p = job.patterns[1];
-    ReadMaskedLine(job, Unit::Control, "iiiiiiiiiiiiiiiii", job.LINE,
-                   {&p.JOBTYP, &p.NPROF, &r.NPHASE, &p.NBCKGD, &p.NEXCRG, &p.NSCAT, &p.NORI,
-                    &r.IDUM, &p.IWGT, &p.ILOR, &r.IASG, &p.IRESO, &p.ISTEP, &r.NRELL, &r.ICRYG,
-                    &p.IXUNIT, &p.ICORR});
+    ReadMaskedLine(
+        job, Unit::Control, "iiiiiiiiiiiiiiiii", job.LINE,
+        {&p.JOBTYP, &p.NPROF, &r.NPHASE, &p.NBCKGD, &p.NEXCRG, &p.NSCAT, &p.NORI, &r.IDUM, &p.IWGT,
+         &p.ILOR, &r.IASG, &p.IRESO, &p.ISTEP, &r.NRELL, &r.ICRYG, &p.IXUNIT, &p.ICORR});
     return;
   }
   ReadMaskedLine(job, Unit::Control, "iiiii", job.LINE,
@@ -116,8 +117,8 @@ void ReadJobLines(Job& job) {
   for (int ip = 1; ip <= r.NPATT; ++ip) {
     Pattern& p = job.patterns[ip];
     ReadMaskedLine(job, Unit::Control, "iiiiiiiiiiiii", job.LINE,
-                   {&p.JOBTYP, &p.NPROF, &p.NBCKGD, &p.NEXCRG, &p.NSCAT, &p.NORI, &p.IWGT,
-                    &p.ILOR, &p.IRESO, &p.ISTEP, &p.IXUNIT, &p.ICORR, &p.IASYM});
+                   {&p.JOBTYP, &p.NPROF, &p.NBCKGD, &p.NEXCRG, &p.NSCAT, &p.NORI, &p.IWGT, &p.ILOR,
+                    &p.IRESO, &p.ISTEP, &p.IXUNIT, &p.ICORR, &p.IASYM});
   }
 }
 
@@ -164,8 +165,8 @@ void ApplyJobRules(Job& job) {
   }
   if (r.NPHASE == 0) r.NPHASE = 1;
   if (r.NPHASE > DimensionLimits::NPHT) {
-    ConsoleLine(job, Fmt("(A,I6,A,I2)", " => Number of phases:", r.NPHASE, "  maximum:",
-                         DimensionLimits::NPHT));
+    ConsoleLine(job, Fmt("(A,I6,A,I2)", " => Number of phases:", r.NPHASE,
+                         "  maximum:", DimensionLimits::NPHT));
     StopBox(job, " => Too many phases in the control file!");
   }
   WriteLine(job, Unit::Sum, " => Title:" + r.Title);
@@ -204,17 +205,18 @@ void PreparePattern(Job& job, int ip) {
   if (p.IRESO != 0) p.ResolutionFile = ReadResolutionName(job);
   p.backgroundSign = p.NBCKGD < 0 ? -1 : 1;
   p.NBCKGD = std::abs(p.NBCKGD);
-  p.noBackgroundPoints =
-      (p.backgroundSign > 0 && p.NBCKGD == 1) ||
-      (p.backgroundSign < 0 && (p.NBCKGD == 2 || p.NBCKGD == 3));
+  p.noBackgroundPoints = (p.backgroundSign > 0 && p.NBCKGD == 1) ||
+                         (p.backgroundSign < 0 && (p.NBCKGD == 2 || p.NBCKGD == 3));
   if (p.NBCKGD > DimensionLimits::IBACP) {
     ConsoleLine(job, Fmt("(A,I6)", "         Number of backg. points/pattern:", p.NBCKGD));
-    ConsoleLine(job, Fmt("(A,I6)", " Maximum Number of backg. points/pattern:", DimensionLimits::IBACP));
+    ConsoleLine(job,
+                Fmt("(A,I6)", " Maximum Number of backg. points/pattern:", DimensionLimits::IBACP));
     StopBox(job, " Too many background points ");
   }
   if (p.NEXCRG > DimensionLimits::IEXCL) {
     ConsoleLine(job, Fmt("(A,I6)", "          Number of excl. regions/pattern: ", p.NEXCRG));
-    ConsoleLine(job, Fmt("(A,I6)", "  Maximum number of excl. regions/pattern: ", DimensionLimits::IEXCL));
+    ConsoleLine(
+        job, Fmt("(A,I6)", "  Maximum number of excl. regions/pattern: ", DimensionLimits::IEXCL));
     StopBox(job, " Too many excluded regions ");
   }
   ++p.NPROF;
@@ -233,8 +235,8 @@ void ReadOutputLines(Job& job) {
     for (int ip = 1; ip <= r.NPATT; ++ip) {
       Pattern& p = job.patterns[ip];
       ReadMaskedLine(job, Unit::Control, "iiiiiiiiiii", job.LINE,
-                     {&p.IOT, &p.IPL, &p.IPC, &p.LST1, &p.LST2, &p.LST3, &p.IPL2, &p.INSTR,
-                      &p.JLKH, &p.JFOU, &p.IANALY});
+                     {&p.IOT, &p.IPL, &p.IPC, &p.LST1, &p.LST2, &p.LST3, &p.IPL2, &p.INSTR, &p.JLKH,
+                      &p.JFOU, &p.IANALY});
     }
   }
   // A background adjusted by Fourier filtering is written to the .bac file.
@@ -293,8 +295,8 @@ void ReadControlHead(Job& job) {
     WritePatternConditions(job, ip);
   }
   if (r.ICRYG == 2) {
-    WriteReports(job, Fmt("(A,I4,A)", " => Montecarlo search for a number of ", r.NRELL,
-                          " parameters"));
+    WriteReports(job,
+                 Fmt("(A,I4,A)", " => Montecarlo search for a number of ", r.NRELL, " parameters"));
     if (r.NRELL == 0) StopBox(job, "Montecarlo search for 0 parameters???");
   }
   ReadOutputLines(job);

@@ -11,7 +11,9 @@ namespace corvinet {
 
 namespace {
 
-void Out(Job& job, std::string_view text) { WriteLine(job, Unit::Out, text); }
+void Out(Job& job, std::string_view text) {
+  WriteLine(job, Unit::Out, text);
+}
 
 void WriteJobTypeWords(Job& job, Pattern& p) {
   const bool intensities = job.run.ICRYG != 0;
@@ -37,19 +39,37 @@ void WriteGeometryWords(Job& job, Pattern& p) {
   }
   if (p.isXray == 1) {
     switch (p.ILOR) {
-      case 0: WriteReports(job, "    Bragg-Brentano or Debye-Scherrer geometry"); break;
-      case 1: WriteReports(job, "    Flat plate with PSD"); break;
-      case 2: WriteReports(job, "    Transmission Geometry"); break;
-      case 3: WriteReports(job, "    Synchrotron B-B/D-S geometry"); break;
-      default: break;
+      case 0:
+        WriteReports(job, "    Bragg-Brentano or Debye-Scherrer geometry");
+        break;
+      case 1:
+        WriteReports(job, "    Flat plate with PSD");
+        break;
+      case 2:
+        WriteReports(job, "    Transmission Geometry");
+        break;
+      case 3:
+        WriteReports(job, "    Synchrotron B-B/D-S geometry");
+        break;
+      default:
+        break;
     }
   }
   switch (p.IXUNIT) {
-    case 1: WriteReports(job, " => Abcisa variable is T.O.F. in microsecs"); break;
-    case 2: WriteReports(job, " => Abcisa variable is Energy in Kev"); break;
-    case 3: WriteReports(job, " => Abcisa variable is Q in recipr. Angstr"); break;
-    case 4: WriteReports(job, " => Abcisa variable is S in recipr. Angstr"); break;
-    default: break;
+    case 1:
+      WriteReports(job, " => Abcisa variable is T.O.F. in microsecs");
+      break;
+    case 2:
+      WriteReports(job, " => Abcisa variable is Energy in Kev");
+      break;
+    case 3:
+      WriteReports(job, " => Abcisa variable is Q in recipr. Angstr");
+      break;
+    case 4:
+      WriteReports(job, " => Abcisa variable is S in recipr. Angstr");
+      break;
+    default:
+      break;
   }
   if (std::abs(p.JOBTYP) == 3) WriteReports(job, " => Pattern calculation, Neutrons");
   if (std::abs(p.JOBTYP) > 3) StopBox(job, " Invalid JOBTYP ");
@@ -58,9 +78,15 @@ void WriteGeometryWords(Job& job, Pattern& p) {
 void WriteBackgroundWord(Job& job, const Pattern& p) {
   if (p.backgroundSign < 0) {
     switch (p.NBCKGD) {
-      case 1: Out(job, " => Background refined by Debye-like and Polynomial functions"); return;
-      case 2: Out(job, " => Background adjusted by Fourier filtering "); return;
-      case 3: Out(job, " => Background adjusted by 12-terms polynomial function "); return;
+      case 1:
+        Out(job, " => Background refined by Debye-like and Polynomial functions");
+        return;
+      case 2:
+        Out(job, " => Background adjusted by Fourier filtering ");
+        return;
+      case 3:
+        Out(job, " => Background adjusted by 12-terms polynomial function ");
+        return;
       default:
         Out(job, Fmt("(A,I4,A)", " => Background interpolated by cubic splines between the ",
                      p.NBCKGD, " points given"));
@@ -131,21 +157,49 @@ void WriteProfileWords(Job& job, const Pattern& p) {
 void WriteInstrumentWord(Job& job, int ip) {
   const char* word = nullptr;
   switch (job.patterns[ip].INSTR) {
-    case 0: word = " => Data supplied in free format for pattern:"; break;
-    case 1: word = " => Data in D1A,D2B (ILL) format for pattern:"; break;
-    case 2: word = " => Data in D1B(ILL) format, Step=0.2 in 2theta for pattern:"; break;
-    case 3: word = " => Data in D1B,D20 format for pattern:"; break;
+    case 0:
+      word = " => Data supplied in free format for pattern:";
+      break;
+    case 1:
+      word = " => Data in D1A,D2B (ILL) format for pattern:";
+      break;
+    case 2:
+      word = " => Data in D1B(ILL) format, Step=0.2 in 2theta for pattern:";
+      break;
+    case 3:
+      word = " => Data in D1B,D20 format for pattern:";
+      break;
     case 4:
-    case -4: word = " => Data in BNBL(Synchrotron) format for pattern:"; break;
-    case 5: word = " => Data in GENERAL FORMAT for TWO AXIS instrument for pattern:"; break;
-    case 6: word = " => Data in D1A,D2B format as prepared by D1A(D2B)SUM for pattern:"; break;
-    case 7: word = " => Data in D4,D20L format for pattern:"; break;
-    case 8: word = " => Data in DMC format at Wurenlingen for pattern:"; break;
-    case 9: word = " => UXD data from Socabim Eva-2 Software for pattern:"; break;
-    case 10: word = " => X-Y type of data: 2theta/TOF/E(Kev) Intens sigma for pattern:"; break;
-    case 11: word = " => Variable time data collection (format as LHPM) for pattern:"; break;
-    case 12: word = " => Data read from GSAS file for pattern:"; break;
-    default: word = " => Invalid instr parameter for pattern:"; break;
+    case -4:
+      word = " => Data in BNBL(Synchrotron) format for pattern:";
+      break;
+    case 5:
+      word = " => Data in GENERAL FORMAT for TWO AXIS instrument for pattern:";
+      break;
+    case 6:
+      word = " => Data in D1A,D2B format as prepared by D1A(D2B)SUM for pattern:";
+      break;
+    case 7:
+      word = " => Data in D4,D20L format for pattern:";
+      break;
+    case 8:
+      word = " => Data in DMC format at Wurenlingen for pattern:";
+      break;
+    case 9:
+      word = " => UXD data from Socabim Eva-2 Software for pattern:";
+      break;
+    case 10:
+      word = " => X-Y type of data: 2theta/TOF/E(Kev) Intens sigma for pattern:";
+      break;
+    case 11:
+      word = " => Variable time data collection (format as LHPM) for pattern:";
+      break;
+    case 12:
+      word = " => Data read from GSAS file for pattern:";
+      break;
+    default:
+      word = " => Invalid instr parameter for pattern:";
+      break;
   }
   WriteReports(job, Fmt("(A,I3)", word, ip));
 }
@@ -232,9 +286,9 @@ void WriteRpaHead(Job& job) {
   WriteLine(job, Unit::Rpa,
             "REM    IWGT     ILOR     IRESO     ISTEP     IXUNIT     ICORR     IASYM     ");
   for (int ip = 1; ip <= n; ++ip) {
-    WriteRpaLine(job, "GLB2 ", "(7(I5,3X))",
-                 {P[ip].IWGT, P[ip].ILOR, P[ip].IRESO, P[ip].ISTEP, P[ip].IXUNIT, P[ip].ICORR,
-                  P[ip].IASYM});
+    WriteRpaLine(
+        job, "GLB2 ", "(7(I5,3X))",
+        {P[ip].IWGT, P[ip].ILOR, P[ip].IRESO, P[ip].ISTEP, P[ip].IXUNIT, P[ip].ICORR, P[ip].IASYM});
   }
   if (r.singlePatternForm) {
     WriteLine(job, Unit::Rpa, "REM   IOT   IPL   IPC   MAT   NXT  lst1  lst2  lst3  IPL1  IPL2");

@@ -1,4 +1,5 @@
-// The record of how the head of a control file was understood: conditions, output options, .rpa head.
+// The record of how the head of a control file was understood: conditions, output options, .rpa
+// head.
 #pragma once
 
 #include "run/job.h"

@@ -1,4 +1,5 @@
-// Additional scattering entries of a pattern: names, anomalous terms, lengths, coefficients and tables.
+// Additional scattering entries of a pattern: names, anomalous terms, lengths, coefficients and
+// tables.
 #include <cmath>
 #include <cstdlib>
 
@@ -14,9 +15,13 @@ namespace {
 
 constexpr int kTablePoints = 59;
 
-bool IsNeutron(const Pattern& p) { return std::abs(p.JOBTYP) == 1 || std::abs(p.JOBTYP) == 3; }
+bool IsNeutron(const Pattern& p) {
+  return std::abs(p.JOBTYP) == 1 || std::abs(p.JOBTYP) == 3;
+}
 
-bool IsEndMark(float x) { return std::fabs(100.0f + x) < 0.0001f; }
+bool IsEndMark(float x) {
+  return std::fabs(100.0f + x) < 0.0001f;
+}
 
 void TooManyPoints(Job& job) {
   WriteReports(job, " => Too many scattering factor entries");

@@ -1,4 +1,5 @@
-// Readers of the side files that the head of the control file brings in: numerical shapes and corrections.
+// Readers of the side files that the head of the control file brings in: numerical shapes and
+// corrections.
 #include <vector>
 
 #include "control/run_block.h"

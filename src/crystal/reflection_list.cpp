@@ -12,8 +12,9 @@ namespace corvinet {
 namespace {
 
 std::string Heading(bool satellites, bool separateWidths) {
-  std::string head = satellites ? "1No.  Code    H   K   L  IVK   Mult       Hw     2theta/TOF       L-factor"
-                                : "1No.  Code    H   K   L   Mult       Hw     2theta/TOF       L-factor";
+  std::string head =
+      satellites ? "1No.  Code    H   K   L  IVK   Mult       Hw     2theta/TOF       L-factor"
+                 : "1No.  Code    H   K   L   Mult       Hw     2theta/TOF       L-factor";
   if (separateWidths) head += "        HWL        HWG        ETA";
   return head;
 }
@@ -46,11 +47,10 @@ void WriteReflectionList(Job& job, int k, int ip) {
     const Reflection& r = table.slot[s];
     if (KeyPhase(r.key) != k) continue;
     ++number;
-    std::string line = satellites
-                           ? Fmt("(I4,I6,4I4,I7)", number, KeyWavelength(r.key), KeyH(r.key),
-                                 KeyK(r.key), KeyL(r.key), r.satelliteIndex, r.multiplicity)
-                           : Fmt("(I4,I6,3I4,I7)", number, KeyWavelength(r.key), KeyH(r.key),
-                                 KeyK(r.key), KeyL(r.key), r.multiplicity);
+    std::string line = satellites ? Fmt("(I4,I6,4I4,I7)", number, KeyWavelength(r.key), KeyH(r.key),
+                                        KeyK(r.key), KeyL(r.key), r.satelliteIndex, r.multiplicity)
+                                  : Fmt("(I4,I6,3I4,I7)", number, KeyWavelength(r.key), KeyH(r.key),
+                                        KeyK(r.key), KeyL(r.key), r.multiplicity);
     line += Fmt("(F9.4,F15.4,F15.4)", r.Fwhm, r.position, r.LpM);
     if (separateWidths) {
       line += Fmt("(3F11.5)", r.lorentzianHW, r.gaussianHWSquared, r.eta);

@@ -1,4 +1,5 @@
-// The cycle loop of a refinement: point passes, the equations, damping, update and the convergence tests.
+// The cycle loop of a refinement: point passes, the equations, damping, update and the convergence
+// tests.
 #include "refine/cycle_driver.h"
 
 #include <cmath>
@@ -54,8 +55,8 @@ void CalculatePatterns(Job& job, CycleWork& work, int cycle) {
   if (job.run.ICRYG != 0) return;
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
     if (job.run.IASG == 1 || cycle == 1) {
-      ConsoleLineWithNumber(job, " Ordering reflections contributing to each point for pattern:",
-                            ip, 0.0f, 1);
+      ConsoleLineWithNumber(
+          job, " Ordering reflections contributing to each point for pattern:", ip, 0.0f, 1);
       OrderReflections(job, ip);
     }
   }

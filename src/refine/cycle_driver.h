@@ -1,4 +1,5 @@
-// The refinement cycles: order tables, reflections and points, equations, shifts and the stop tests.
+// The refinement cycles: order tables, reflections and points, equations, shifts and the stop
+// tests.
 #pragma once
 
 #include "run/job.h"

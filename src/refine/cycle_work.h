@@ -1,4 +1,5 @@
-// Working store of the refinement cycles that goes with the derivative ring: the peak of each reflection in flight.
+// Working store of the refinement cycles that goes with the derivative ring: the peak of each
+// reflection in flight.
 #pragma once
 
 #include "model/peak_shape.h"
@@ -13,9 +14,9 @@ struct RingEntry {
   float intensity = 0.0f;  // Scale LpM F2 Corr: the integrated intensity before Omega and asymmetry
   float tanTheta = 0.0f;
   float tan2Theta = 0.0f;
-  int asymmetric = 0;      // the peak lies below the asymmetry limit
+  int asymmetric = 0;  // the peak lies below the asymmetry limit
   int phase = 0;
-  bool active = false;     // false when the phase does not contribute or sin(theta) >= 1
+  bool active = false;  // false when the phase does not contribute or sin(theta) >= 1
 };
 
 // Held for the length of one run of the cycles; the ring slot of reflection
@@ -27,6 +28,8 @@ struct CycleWork {
   Table1<int, DimensionLimits::NOV> computedReflection;
 };
 
-inline int RingSlot(int k) { return k % DimensionLimits::NOV + 1; }
+inline int RingSlot(int k) {
+  return k % DimensionLimits::NOV + 1;
+}
 
 }  // namespace corvinet

@@ -1,4 +1,5 @@
-// Order codes of the points of a pattern, the excluded regions, the point table and the overlap limit.
+// Order codes of the points of a pattern, the excluded regions, the point table and the overlap
+// limit.
 #include "refine/order_reflections.h"
 
 #include <algorithm>
@@ -25,7 +26,9 @@ int PointIndex(const Pattern& p, float value) {
 }
 
 // The first index of an interval: raised to 1 when below 2.
-int LowIndex(const Pattern& p, float value) { return std::max(PointIndex(p, value), 1); }
+int LowIndex(const Pattern& p, float value) {
+  return std::max(PointIndex(p, value), 1);
+}
 
 }  // namespace
 
@@ -64,16 +67,16 @@ namespace {
 void ListReflections(Job& job, const ReflectionTable& table) {
   bool vectors = false;
   for (int k = 1; k <= job.run.NPHASE; ++k) vectors |= job.phases[k].Nvk > 0;
-  const char* heading = vectors ? "1No.  Code    H   K   L  IVK   Phase  Hw       2THETA            "
-                                : "1No.  Code    H   K   L  Phase  Hw       2THETA            ";
+  const char* heading = vectors
+                            ? "1No.  Code    H   K   L  IVK   Phase  Hw       2THETA            "
+                            : "1No.  Code    H   K   L  Phase  Hw       2THETA            ";
   for (int k = 1; k <= table.total; ++k) {
     if ((k - 1) % 60 == 0) WriteLine(job, Unit::Out, heading);
     const Reflection& r = table.slot[k];
-    const std::string indices =
-        vectors ? Fmt("(I4,I6,4I4)", k, KeyWavelength(r.key), KeyH(r.key), KeyK(r.key),
-                      KeyL(r.key), r.satelliteIndex)
-                : Fmt("(I4,I6,3I4)", k, KeyWavelength(r.key), KeyH(r.key), KeyK(r.key),
-                      KeyL(r.key));
+    const std::string indices = vectors ? Fmt("(I4,I6,4I4)", k, KeyWavelength(r.key), KeyH(r.key),
+                                              KeyK(r.key), KeyL(r.key), r.satelliteIndex)
+                                        : Fmt("(I4,I6,3I4)", k, KeyWavelength(r.key), KeyH(r.key),
+                                              KeyK(r.key), KeyL(r.key));
     WriteLine(job, Unit::Out,
               indices + Fmt("(I6,F9.4,F15.4)", KeyPhase(r.key), r.Fwhm, r.position));
   }
@@ -95,33 +98,43 @@ void MarkExcludedRegions(Pattern& p, Table1<int, DimensionLimits::IDSZ>& k11,
 
 const char* UnitText(int ixunit) {
   switch (ixunit) {
-    case 1: return " T.O.F. us";
-    case 2: return "Energy Kev";
-    case 3: return "  Q-value ";
-    case 4: return "  S-value ";
-    default: return "  2theta  ";
+    case 1:
+      return " T.O.F. us";
+    case 2:
+      return "Energy Kev";
+    case 3:
+      return "  Q-value ";
+    case 4:
+      return "  S-value ";
+    default:
+      return "  2theta  ";
   }
 }
 
 void WritePointTable(Job& job, const Pattern& p, const Table1<int, DimensionLimits::IDSZ>& k11,
                      const Table1<int, DimensionLimits::IDSZ>& k21) {
-  WriteLine(job, Unit::Out, Fmt("(A,F12.4,A,F12.4,A,F10.5,1X,A)", "Pattern from ", p.X[1], " to ",
-                                p.X[p.NPTS], " in steps of ", p.STEP, UnitText(p.IXUNIT)));
-  WriteLine(job, Unit::Out, std::string(UnitText(p.IXUNIT)) + "       Ytotal         Backg" +
-                                "         Ynet      Variance  K11  K21");
+  WriteLine(job, Unit::Out,
+            Fmt("(A,F12.4,A,F12.4,A,F10.5,1X,A)", "Pattern from ", p.X[1], " to ", p.X[p.NPTS],
+                " in steps of ", p.STEP, UnitText(p.IXUNIT)));
+  WriteLine(job, Unit::Out,
+            std::string(UnitText(p.IXUNIT)) + "       Ytotal         Backg" +
+                "         Ynet      Variance  K11  K21");
   for (int i = 1; i <= p.NPTS; ++i) {
-    WriteLine(job, Unit::Out, Fmt("(F10.4,4F14.3,2I5)", p.X[i], p.Ytotal[i], p.Backg[i],
-                                  p.Ytotal[i] - p.Backg[i], p.Variance[i], k11[i], k21[i]));
+    WriteLine(job, Unit::Out,
+              Fmt("(F10.4,4F14.3,2I5)", p.X[i], p.Ytotal[i], p.Backg[i], p.Ytotal[i] - p.Backg[i],
+                  p.Variance[i], k11[i], k21[i]));
   }
 }
 
 void StopOnOverlap(Job& job, const Pattern& p, int point, int count) {
   ConsoleLine(job, " Excessive peak overlap! (see *.OUT)");
   WriteLine(job, Unit::Out, " => Excessive peak overlap");
-  WriteLine(job, Unit::Out,
-            Fmt("(A,I6,A,I6,A)", "    at the ", point, "th step there are ", count, " reflections"));
+  WriteLine(
+      job, Unit::Out,
+      Fmt("(A,I6,A,I6,A)", "    at the ", point, "th step there are ", count, " reflections"));
   WriteLine(job, Unit::Out, " => Solutions: ");
-  WriteLine(job, Unit::Out, Fmt("(A,F8.3)", "    Decrease the value of *WDT* which is now ", p.Wdt));
+  WriteLine(job, Unit::Out,
+            Fmt("(A,F8.3)", "    Decrease the value of *WDT* which is now ", p.Wdt));
   WriteLine(job, Unit::Out, "    Perhaps the U,V,W parameters give too broad peaks");
   WriteLine(job, Unit::Out, "    Change the starting values of U,V,W!");
   WriteLine(job, Unit::Out, "    The maximun allowed number of reflections contributing");

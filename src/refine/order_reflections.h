@@ -10,8 +10,12 @@ constexpr int kOrderRadix = DimensionLimits::IRS;
 constexpr int kExcludedPoint = kOrderRadix;  // K21 = 1, K11 = 0
 
 // First and last reflection of an order code (0 when none).
-inline int FirstReflection(int code) { return code % kOrderRadix; }
-inline int LastReflection(int code) { return (code / kOrderRadix) % kOrderRadix; }
+inline int FirstReflection(int code) {
+  return code % kOrderRadix;
+}
+inline int LastReflection(int code) {
+  return (code / kOrderRadix) % kOrderRadix;
+}
 
 // The largest j with x[j] <= value among the first n points, 0 below x[1].
 int Locate(int n, const Table1<float, DimensionLimits::IDSZ>& x, float value);

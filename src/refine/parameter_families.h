@@ -1,4 +1,5 @@
-// Which quantity of a peak each refined parameter moves: intensity, position, widths, shape or asymmetry.
+// Which quantity of a peak each refined parameter moves: intensity, position, widths, shape or
+// asymmetry.
 #pragma once
 
 #include <cstdint>

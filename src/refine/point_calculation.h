@@ -1,4 +1,5 @@
-// One point of a constant-wavelength pattern: its calculated intensity and its row of the normal equations.
+// One point of a constant-wavelength pattern: its calculated intensity and its row of the normal
+// equations.
 #pragma once
 
 #include "refine/cycle_work.h"
@@ -15,6 +16,5 @@ void CalculatePoint(Job& job, CycleWork& work, int ip, int i);
 // The peak value times the asymmetry factor of a computed reflection at the
 // abscissa x, without its integrated intensity; 0 outside its base.
 float PeakValueAt(const Job& job, const RingEntry& entry, int ip, float x);
-
 
 }  // namespace corvinet

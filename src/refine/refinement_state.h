@@ -1,4 +1,5 @@
-// What the refinement cycles keep between points and cycles: normal equations, derivative ring, work arrays.
+// What the refinement cycles keep between points and cycles: normal equations, derivative ring,
+// work arrays.
 #pragma once
 
 #include <cstdint>

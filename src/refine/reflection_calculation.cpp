@@ -26,7 +26,7 @@ struct Geometry {
   double sin2 = 0.0;
   double cos2 = 0.0;
   double tanTheta = 0.0;
-  double twoTheta = 0.0;  // degrees
+  double twoTheta = 0.0;     // degrees
   double dTdTwoTheta = 1.0;  // of the corrected position, through the displacements
   double dTwoThetadQ = 0.0;  // degrees per unit of 1/d²
 };
@@ -80,8 +80,8 @@ bool MakeGeometry(const Pattern& p, const PhasePattern& c, int w, Geometry& g) {
   g.tanTheta = std::sqrt(g.sin2 / g.cos2);
   g.twoTheta = 2.0 * kRadian * std::atan(g.tanTheta);
   const double theta = 0.5 * g.twoTheta / kRadian;
-  g.dTdTwoTheta = 1.0 - p.GLB[8] * std::sin(theta) * 0.5 / kRadian +
-                  p.GLB[9] * std::cos(2.0 * theta) / kRadian;
+  g.dTdTwoTheta =
+      1.0 - p.GLB[8] * std::sin(theta) * 0.5 / kRadian + p.GLB[9] * std::cos(2.0 * theta) / kRadian;
   g.dTwoThetadQ = kRadian * g.lambda * g.lambda / (4.0 * std::sqrt(g.sin2 * g.cos2));
   return true;
 }
@@ -269,8 +269,9 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   if (std::abs(ph.Jbt) == 2 && !(r.F2 > 0.0f)) r.F2 = 1.0f;
   ci.F2 = r.F2;
   const IntensityCorrections corr =
-      p.IXUNIT == 2 ? EnergyIntensityFactors(job, ip, phase, ci, ReciprocalTensor(c.PAR), fitted > 0)
-                    : IntensityFactors(job, ip, phase, ci, ReciprocalTensor(c.PAR), fitted > 0);
+      p.IXUNIT == 2
+          ? EnergyIntensityFactors(job, ip, phase, ci, ReciprocalTensor(c.PAR), fitted > 0)
+          : IntensityFactors(job, ip, phase, ci, ReciprocalTensor(c.PAR), fitted > 0);
   r.Corr = corr.Corr;
   entry.intensity = c.PAR[1] * r.LpM * corr.intensity;
   entry.tanTheta = r.tanTheta;

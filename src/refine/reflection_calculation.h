@@ -1,4 +1,5 @@
-// The calculation of one reflection for a cycle: position, widths, intensity factors and derivative row.
+// The calculation of one reflection for a cycle: position, widths, intensity factors and derivative
+// row.
 #pragma once
 
 #include "refine/cycle_work.h"

@@ -116,7 +116,6 @@ void EndingSteps(Job& job) {
   ConsoleLine(job, " Normal end, final calculations and writing...");
 }
 
-
 }  // namespace
 
 void RunCycles(Job& job, int& stopFlag) {

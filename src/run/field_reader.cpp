@@ -1,4 +1,5 @@
-// Field-mask scanning of free-format lines: fields, their descriptors, and the report of bad fields.
+// Field-mask scanning of free-format lines: fields, their descriptors, and the report of bad
+// fields.
 #include "run/field_reader.h"
 
 #include <vector>
@@ -12,9 +13,15 @@ namespace {
 constexpr std::size_t kLineLength = 132;
 constexpr std::size_t kFormatLength = 132;
 
-bool IsSign(char c) { return c == '+' || c == '-'; }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsExponentLetter(char c) { return c == 'E' || c == 'e' || c == 'D' || c == 'd'; }
+bool IsSign(char c) {
+  return c == '+' || c == '-';
+}
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+bool IsExponentLetter(char c) {
+  return c == 'E' || c == 'e' || c == 'D' || c == 'd';
+}
 
 // Reads records until one is neither a comment ("!" in column 1) nor blank.
 // Returns false at the end of the data unit.
@@ -266,7 +273,8 @@ std::string FieldErrorText(int error) {
     default:
       break;
   }
-  if (error < -1) return Fmt("(A,I0)", "FindFMT: error reading the data line, error number:", -error - 100);
+  if (error < -1)
+    return Fmt("(A,I0)", "FindFMT: error reading the data line, error number:", -error - 100);
   return Fmt("(A,I0)", "FMT decode error number:", error);
 }
 
@@ -281,12 +289,14 @@ void ReportFieldError(Job& job, int error, std::string_view line, int position) 
       ConsoleLine(job, "  ^----");
       ConsoleLine(job, "");
     } else {
-      ConsoleLine(job, " " + std::string(static_cast<std::size_t>(std::max(position - 1, 0)), '-') + "^");
+      ConsoleLine(
+          job, " " + std::string(static_cast<std::size_t>(std::max(position - 1, 0)), '-') + "^");
     }
   } else {
     ConsoleLine(job, text);
-    ConsoleLine(job, position <= 1 ? std::string("^")
-                                   : " " + std::string(static_cast<std::size_t>(position - 2), '-') + "^");
+    ConsoleLine(job, position <= 1
+                         ? std::string("^")
+                         : " " + std::string(static_cast<std::size_t>(position - 2), '-') + "^");
   }
 }
 
@@ -347,8 +357,10 @@ void FindFMT(Job& job, int unit, std::string& line, std::string& mask, std::stri
       if (error != 0) Fail(job, error, line, position, lineNumber);
     }
   }
-  if (format.back() == ',') format.back() = ')';
-  else format += ')';
+  if (format.back() == ',')
+    format.back() = ')';
+  else
+    format += ')';
 }
 
 int ReadMaskedLine(Job& job, int unit, std::string_view mask, int& lineNumber,

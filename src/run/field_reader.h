@@ -1,4 +1,5 @@
-// Free-format scanning of control-file lines under a field mask, with the caret report of bad fields.
+// Free-format scanning of control-file lines under a field mask, with the caret report of bad
+// fields.
 #pragma once
 
 #include <initializer_list>
@@ -46,8 +47,8 @@ int NextDescriptor(std::string_view mask, int& maskPos, int maskLen, int& error)
 // Scanners of one field starting behind column `position`; on return
 // `position` is the last column taken, `width` the columns from the start.
 void ScanNumber(int kind, std::string& line, int lineLen, int& position, int& width, int& error);
-void ScanText(int kind, std::string_view line, int lineLen, int& position, int& width,
-              int& skip, int& error);
+void ScanText(int kind, std::string_view line, int lineLen, int& position, int& width, int& skip,
+              int& error);
 
 // Appends the descriptor of one field to `format`.
 void AppendDescriptor(int kind, int width, int skip, std::string& format, int& error);

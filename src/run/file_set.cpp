@@ -16,7 +16,9 @@ struct UnitFile {
   OpenStatus status;
 };
 
-std::string Stem(const std::string& code) { return TrimmedCopy(code); }
+std::string Stem(const std::string& code) {
+  return TrimmedCopy(code);
+}
 
 bool TryOpen(Job& job, int unit, const std::string& name, OpenStatus status) {
   return OpenUnit(job.files.units[unit], name, status);
@@ -153,15 +155,15 @@ void OpenFiles(Job& job, int nopf, int index, int phase) {
       return;
     case 20:
       if (OpenFirst(job, Unit::Shape, {p + ".shp", "global.shp"}, OpenStatus::Old) < 0) {
-        StopBox(job, Fmt("(A,A,A,I3)", " => Error opening file: ", "global.shp", " Unit:",
-                         Unit::Shape));
+        StopBox(job,
+                Fmt("(A,A,A,I3)", " => Error opening file: ", "global.shp", " Unit:", Unit::Shape));
       }
       return;
     case 21:
-      if (OpenFirst(job, Unit::Corrections, {p + s + ".cor", "cor" + s + ".cor"},
-                    OpenStatus::Old) < 0) {
-        StopBox(job, Fmt("(A,A,A,I3)", " => Error opening file: ", "cor" + s + ".cor", " Unit:",
-                         Unit::Corrections));
+      if (OpenFirst(job, Unit::Corrections, {p + s + ".cor", "cor" + s + ".cor"}, OpenStatus::Old) <
+          0) {
+        StopBox(job, Fmt("(A,A,A,I3)", " => Error opening file: ", "cor" + s + ".cor",
+                         " Unit:", Unit::Corrections));
       }
       return;
     case 22:

@@ -1,4 +1,5 @@
-// Compact fixed-column notation (I5, F8.3, E12.5, A4, 2X, groups, '/'): compiled at run time, used to write and to read.
+// Compact fixed-column notation (I5, F8.3, E12.5, A4, 2X, groups, '/'): compiled at run time, used
+// to write and to read.
 #pragma once
 
 #include <cstdint>

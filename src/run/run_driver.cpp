@@ -29,7 +29,9 @@ std::string WithSlash(std::string directory) {
   return directory;
 }
 
-std::string CutAtFirstDot(const std::string& name) { return name.substr(0, name.find('.')); }
+std::string CutAtFirstDot(const std::string& name) {
+  return name.substr(0, name.find('.'));
+}
 
 // Finds the directory-memory file and reads the start directory from it.
 void OpenDirectoryMemory(Job& job) {
@@ -73,7 +75,8 @@ void ChooseJob(Job& job) {
     d.DatCode = blank == std::string::npos ? std::string() : TrimmedCopy(line.substr(blank));
     return;
   }
-  auto chosen = FileOpenDialog(job, "PCR files", "*.PCR", "Select input PCR file:", d.startDirectory);
+  auto chosen =
+      FileOpenDialog(job, "PCR files", "*.PCR", "Select input PCR file:", d.startDirectory);
   if (!chosen) return;
   std::string directory, file;
   SplitPath(*chosen, directory, file);
@@ -89,8 +92,8 @@ void ChooseJob(Job& job) {
       return;
     }
   }
-  auto data = FileOpenDialog(job, "Data files", "*.dat; *.uxd; *.int; *.acq", "Select data file:",
-                             d.startDirectory);
+  auto data = FileOpenDialog(job, "Data files", "*.dat; *.uxd; *.int; *.acq",
+                             "Select data file:", d.startDirectory);
   if (!data) return;
   SplitPath(*data, directory, file);
   d.DatCode = CutAtFirstDot(file);
@@ -158,7 +161,8 @@ void RunEngine(Job& job) {
   }
   RunCycles(job, job.driver.stopRequested);
   if (job.driver.stopRequested != 0) return;
-  const char* words = " => The final report and the new control file are not written by this version of Corvinet";
+  const char* words =
+      " => The final report and the new control file are not written by this version of Corvinet";
   ConsoleLine(job, words);
   WriteReports(job, words);
 }
@@ -259,7 +263,8 @@ DateTimeStamp DateTime() {
   using namespace std::chrono;
   const auto now = system_clock::now();
   const std::time_t t = system_clock::to_time_t(now);
-  const int millis = static_cast<int>(duration_cast<milliseconds>(now.time_since_epoch()).count() % 1000);
+  const int millis =
+      static_cast<int>(duration_cast<milliseconds>(now.time_since_epoch()).count() % 1000);
   std::tm local{};
   localtime_r(&t, &local);
   DateTimeStamp s;
@@ -316,7 +321,8 @@ void RunCyclic(Job& job) {
   d.PcrCode = TrimmedCopy(*answer);
   const std::size_t shownLength = std::max<std::size_t>(d.PcrCode.size(), 17);
   ConsoleLine(job, "  ==> Give the code of data files (yy for yynnn.dat,uxd,acq)  ");
-  ConsoleLine(job, "                               (<cr> =" + FixedText(d.PcrCode, shownLength) + "): ");
+  ConsoleLine(job,
+              "                               (<cr> =" + FixedText(d.PcrCode, shownLength) + "): ");
   answer = ReadConsoleAnswer(job);
   d.DatCode = answer ? TrimmedCopy(*answer) : std::string();
   if (d.DatCode.empty()) d.DatCode = d.PcrCode;
@@ -365,8 +371,8 @@ void RunCyclic(Job& job) {
     if (!FileExists(d.DatCode + ".dat")) continue;
     RunOneJob(job);
     job.console.ConsoleUnit = Unit::Console;
-    ConsoleLine(job, Fmt("(A,A,A,F12.4,A)", " ##### ", d.DatCode, ": Chi2 = ", job.globalChi2,
-                         "  #####"));
+    ConsoleLine(
+        job, Fmt("(A,A,A,F12.4,A)", " ##### ", d.DatCode, ": Chi2 = ", job.globalChi2, "  #####"));
     job.console.ConsoleUnit = Unit::CyclicLog;
     // The run's report and summary are removed so that they do not pile up.
     std::error_code ignored;

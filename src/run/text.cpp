@@ -14,7 +14,9 @@ std::string_view Trim(std::string_view text) {
   return n == std::string_view::npos ? std::string_view() : text.substr(n);
 }
 
-std::string TrimmedCopy(std::string_view text) { return std::string(Trim(text)); }
+std::string TrimmedCopy(std::string_view text) {
+  return std::string(Trim(text));
+}
 
 std::string FixedText(std::string_view text, std::size_t n) {
   std::string out(text.substr(0, std::min(text.size(), n)));

@@ -6,7 +6,9 @@
 
 namespace corvinet {
 
-bool IsOpen(const TextUnit& unit) { return unit.file != nullptr; }
+bool IsOpen(const TextUnit& unit) {
+  return unit.file != nullptr;
+}
 
 bool FileExists(const std::string& path) {
   struct stat info {};

@@ -1,4 +1,5 @@
-// A logical unit: one text file opened for records, with the sequential semantics of the program's units.
+// A logical unit: one text file opened for records, with the sequential semantics of the program's
+// units.
 #pragma once
 
 #include <cstdio>

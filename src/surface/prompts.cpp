@@ -31,7 +31,8 @@ std::optional<std::string> ReadConsoleAnswer(Job& job) {
 
 bool AskYesNo(Job& job, std::string_view title, std::string_view question, bool yesPreset) {
   for (;;) {
-    Show(job, std::string(title) + ": " + std::string(question) + (yesPreset ? " [Y/n] " : " [y/N] "));
+    Show(job,
+         std::string(title) + ": " + std::string(question) + (yesPreset ? " [Y/n] " : " [y/N] "));
     std::optional<std::string> answer = ReadConsoleAnswer(job);
     if (!answer) {
       Show(job, "\n");
@@ -48,8 +49,8 @@ bool AskYesNo(Job& job, std::string_view title, std::string_view question, bool 
 std::optional<std::string> FileOpenDialog(Job& job, std::string_view filterName,
                                           std::string_view pattern, std::string_view title,
                                           std::string_view startDirectory) {
-  std::string prompt = std::string(title) + " [" + std::string(filterName) + ": " +
-                       std::string(pattern) + "]";
+  std::string prompt =
+      std::string(title) + " [" + std::string(filterName) + ": " + std::string(pattern) + "]";
   if (!startDirectory.empty()) prompt += " in " + std::string(startDirectory);
   Show(job, prompt + " ");
   std::optional<std::string> answer = ReadConsoleAnswer(job);

@@ -1,4 +1,5 @@
-// Tests of the pattern block: instrument and cycle lines, points, scattering entries, globals, closing lines and checks.
+// Tests of the pattern block: instrument and cycle lines, points, scattering entries, globals,
+// closing lines and checks.
 #include "control/pattern_block.h"
 
 #include <gtest/gtest.h>
@@ -93,7 +94,8 @@ TEST(PatternBlock, UnusedParameterNumberIsAHoleReportedAfterTheOthers) {
   ASSERT_NE(five, std::string::npos);
   EXPECT_LT(three, five);
   EXPECT_LT(five, console.find(" Hole(s) in the Normal Matrix"));
-  EXPECT_TRUE(HasLine(job.Out(), " => Hole in the matrix!, element    5in the Normal matrix is missing"));
+  EXPECT_TRUE(
+      HasLine(job.Out(), " => Hole in the matrix!, element    5in the Normal matrix is missing"));
 }
 
 TEST(PatternBlock, ZeroCountsAreFixedWithTheirMessages) {
@@ -115,7 +117,8 @@ TEST(PatternBlock, ZeroCountsAreFixedWithTheirMessages) {
   EXPECT_FLOAT_EQ(p.Variance[2], 1.0e6f);
   EXPECT_FLOAT_EQ(p.Ytotal[3], 1.0f);
   EXPECT_FLOAT_EQ(p.Variance[3], 1.0e6f);
-  EXPECT_TRUE(HasLine(job.Out(), " => Zero counts at step no.     2 at 2theta/TOF/E(KeV):      10.5000"));
+  EXPECT_TRUE(
+      HasLine(job.Out(), " => Zero counts at step no.     2 at 2theta/TOF/E(KeV):      10.5000"));
   const std::string console = job.job.Console();
   EXPECT_NE(console.find(" Zero counts al point no.      3"), std::string::npos);
   EXPECT_NE(console.find(" Program fix intensity at 1.0 and Variance at 1E6"), std::string::npos);
@@ -221,7 +224,9 @@ TEST(PatternBlock, SearchTakesItsParameterCountFromTheLimits) {
   EXPECT_EQ(job->run.Nsolu, 3);
   EXPECT_EQ(job->run.Num_Ref, 120);
   const std::string out = job.Out();
-  EXPECT_TRUE(HasLine(out, "  => A number of     5000 random configurations will be tested on    120 observations"));
+  EXPECT_TRUE(HasLine(
+      out,
+      "  => A number of     5000 random configurations will be tested on    120 observations"));
   EXPECT_TRUE(HasLine(out, "     The best    3 solutions will be printed"));
   EXPECT_TRUE(HasLine(out, "     The scale factor will be calculated automatically"));
 }

@@ -1,4 +1,5 @@
-// Tests of the pattern block read as part of whole control files: instrument, cycle and global lines, data and checks.
+// Tests of the pattern block read as part of whole control files: instrument, cycle and global
+// lines, data and checks.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -135,7 +136,8 @@ TEST(PatternBody, NegativeRatioAsksForWidthsOfTheSecondWavelength) {
   EXPECT_TRUE(job->patterns[1].separateUVW2);
   EXPECT_FLOAT_EQ(job->patterns[1].RATIO[2], 0.5f);
   EXPECT_FLOAT_EQ(job->phases[1].pat[1].PAR[45], 0.02f);
-  EXPECT_TRUE(HasLine(dir.Read("x.out"), " => Different U,V,W parameters for Lambda(2) will be read"));
+  EXPECT_TRUE(
+      HasLine(dir.Read("x.out"), " => Different U,V,W parameters for Lambda(2) will be read"));
 }
 
 TEST(PatternBody, TwentyThousandPointsPassAndOneMoreStops) {
@@ -302,7 +304,8 @@ TEST(PatternBody, TimeOfFlightConstantsComeFromTheGlobals) {
   EXPECT_FLOAT_EQ(p.GLBcode[26], 0.0f);
   const std::string out = dir.Read("x.out");
   EXPECT_TRUE(HasLine(out, " => Absorption correction type:  1"));
-  EXPECT_TRUE(HasLine(out, " => D-spacing to T.O.F. coefficient 1 and code:  5000.000000      0.00"));
+  EXPECT_TRUE(
+      HasLine(out, " => D-spacing to T.O.F. coefficient 1 and code:  5000.000000      0.00"));
 }
 
 TEST(PatternBody, ReflectionListIsWrittenWhenAsked) {

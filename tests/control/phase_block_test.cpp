@@ -1,4 +1,5 @@
-// Tests of the phase block and the profile lines: flags, contributions, normalisation, models and vectors.
+// Tests of the phase block and the profile lines: flags, contributions, normalisation, models and
+// vectors.
 #include "control/phase_block.h"
 
 #include <gtest/gtest.h>
@@ -45,7 +46,9 @@ bool HasLine(const std::string& text, const std::string& line) {
   return std::find(lines.begin(), lines.end(), testing::NormaliseLine(line)) != lines.end();
 }
 
-void ReadPhaseOne(Job& job) { ReadPhase(job, 1); }
+void ReadPhaseOne(Job& job) {
+  ReadPhase(job, 1);
+}
 void ReadPhaseAndProfile(Job& job) {
   ReadPhase(job, 1);
   ReadProfile(job, 1);
@@ -229,9 +232,10 @@ TEST(ProfileLines, TimeOfFlightReadsTheExtraWidthLines) {
 // extra lines were consumed.
 void ExpectExtraLines(const std::string& flags, const std::string& scaleLine,
                       const std::string& widthLine, const std::string& extra) {
-  std::string text = "T\n" + flags + "\nP 1\n" + scaleLine + "\n0 0 0 0 0 0\n" + widthLine +
-                     "\n0 0 0 0 0 0 0\n4.0 4.0 4.0 90 90 90\n0 0 0 0 0 0\n0 0 0 0 0 0\n0 0 0 0 0 0\n" +
-                     extra + "END\n";
+  std::string text =
+      "T\n" + flags + "\nP 1\n" + scaleLine + "\n0 0 0 0 0 0\n" + widthLine +
+      "\n0 0 0 0 0 0 0\n4.0 4.0 4.0 90 90 90\n0 0 0 0 0 0\n0 0 0 0 0 0\n0 0 0 0 0 0\n" + extra +
+      "END\n";
   PhaseJob job(text);
   ASSERT_TRUE(job.Runs(ReadPhaseAndProfile)) << flags << " / " << extra;
   std::string next;
@@ -267,8 +271,8 @@ TEST(ProfileLines, SizeModelsReadTheirLines) {
 }
 
 TEST(ProfileLines, HalfVectorWithMinusKIsZero) {
-  std::string text = std::string("T\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 -1 0 0\nP 1\n") + kCubicProfile +
-                     "0.5 0.0 0.0\n0 0 0\n";
+  std::string text = std::string("T\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 -1 0 0\nP 1\n") +
+                     kCubicProfile + "0.5 0.0 0.0\n0 0 0\n";
   PhaseJob job(text);
   ASSERT_TRUE(job.Runs(ReadPhaseAndProfile));
   const Phase& ph = job->phases[1];
@@ -280,8 +284,8 @@ TEST(ProfileLines, HalfVectorWithMinusKIsZero) {
 }
 
 TEST(ProfileLines, HalfVectorWithoutMinusKIsOne) {
-  std::string text = std::string("T\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 1 0 0\nP 1\n") + kCubicProfile +
-                     "0.5 0.0 0.0\n0 0 0\n";
+  std::string text = std::string("T\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 1 0 0\nP 1\n") +
+                     kCubicProfile + "0.5 0.0 0.0\n0 0 0\n";
   PhaseJob job(text);
   ASSERT_TRUE(job.Runs(ReadPhaseAndProfile));
   ASSERT_EQ(job->phases[1].Nvk, 1);
@@ -303,7 +307,8 @@ TEST(ProfileLines, CodeAboveTheCapacityStops) {
   PhaseJob job(text);
   EXPECT_FALSE(job.Runs(ReadPhaseAndProfile));
   const std::string console = job.job.Console();
-  EXPECT_NE(console.find("                        Error in a code:      3010.00"), std::string::npos);
+  EXPECT_NE(console.find("                        Error in a code:      3010.00"),
+            std::string::npos);
   EXPECT_NE(console.find("    The maximum number of parameters is:  300"), std::string::npos);
   EXPECT_NE(console.find(" Error in a code"), std::string::npos);
 }
@@ -319,8 +324,8 @@ TEST(ProfileLines, NegativeXYOfTchAreFixed) {
 }
 
 TEST(ProfileLines, FurtherParametersTakeTheirSlots) {
-  std::string text = std::string("T\n0 0 0 0.0 0.0 1.0 2 0 0 0 2 0.0 0 0 0\nP 1\n") + kCubicProfile +
-                     "Par1 0.25 0.0\nPar2 0.75 0.0\n";
+  std::string text = std::string("T\n0 0 0 0.0 0.0 1.0 2 0 0 0 2 0.0 0 0 0\nP 1\n") +
+                     kCubicProfile + "Par1 0.25 0.0\nPar2 0.75 0.0\n";
   PhaseJob job(text);
   ASSERT_TRUE(job.Runs(ReadPhaseAndProfile));
   EXPECT_EQ(job->phases[1].FurtherName[2], "Par2");

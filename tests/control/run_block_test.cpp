@@ -94,8 +94,9 @@ TEST(RunBlock, ProfileTypedTenIsStoredAsTen) {
 
 TEST(RunBlock, ProfileTypedEightReadsTheShapeFile) {
   ScratchDir dir;
-  dir.Write("global.shp", "shapes\n3 2 20.0 80.0\n-0.1 0.5 0.01 0.4 0.02\n0.0 1.0 0.01 0.9 0.02\n"
-                          "0.1 0.5 0.01 0.4 0.02\n");
+  dir.Write("global.shp",
+            "shapes\n3 2 20.0 80.0\n-0.1 0.5 0.01 0.4 0.02\n0.0 1.0 0.01 0.9 0.02\n"
+            "0.1 0.5 0.01 0.4 0.02\n");
   CapturedJob job;
   ASSERT_TRUE(ReadHead(dir, job, SingleHead("0 8 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0")));
   const NumericalProfile& s = job->numericalProfile;
@@ -131,7 +132,8 @@ TEST(RunBlock, ResolutionFunctionNeedsProfileSeven) {
   CapturedJob job;
   EXPECT_FALSE(ReadHead(dir, job, SingleHead("0 6 1 0 0 0 0 0 0 0 0 1 0 0 0 0 0")));
   const std::string console = job.Console();
-  EXPECT_NE(console.find(" Illegal use of resolution function for pattern:   1"), std::string::npos);
+  EXPECT_NE(console.find(" Illegal use of resolution function for pattern:   1"),
+            std::string::npos);
   EXPECT_NE(console.find(" ===>>> Illegal use of resolution function!!"), std::string::npos);
   EXPECT_NE(console.find("        NPROF must be equal to 7!"), std::string::npos);
 }
@@ -259,8 +261,7 @@ TEST(RunBlock, CyclicModeForcesTheOutputOptions) {
   EXPECT_EQ(job->run.JSY + job->run.MAT + job->run.IPL1, 0);
   EXPECT_EQ(job->run.NXT, 1);
   EXPECT_EQ(job->run.ISHOR, 1);
-  EXPECT_EQ(p.IOT + p.IPL + p.IPC + p.LST1 + p.LST2 + p.LST3 + p.IPL2 + p.JLKH + p.JFOU +
-                p.IANALY,
+  EXPECT_EQ(p.IOT + p.IPL + p.IPC + p.LST1 + p.LST2 + p.LST3 + p.IPL2 + p.JLKH + p.JFOU + p.IANALY,
             0);
   EXPECT_TRUE(dir.Exists("x.rpa"));
 }

@@ -41,18 +41,19 @@ TEST_P(HeadWords, AppearOnTheReportInOrder) {
 INSTANTIATE_TEST_SUITE_P(
     JobLines, HeadWords,
     ::testing::Values(
-        JobWords{"0 5 1 0 0 0 0 0 0 1 0 0 0 0 0 2 0",
-                 {" => Global Refinement of X-ray powder diffraction data",
-                  " => Energy Dispersive X-ray data", "    Flat plate with PSD",
-                  " => Abcisa variable is Energy in Kev", " => Pseudo-Voigt function (ETA variable)"}},
-        JobWords{"1 6 1 1 0 0 2 0 2 0 0 0 0 0 0 3 0",
-                 {" => Global Refinement of neutron powder data ",
-                  " => Abcisa variable is Q in recipr. Angstr",
-                  " => Pecharskii model for preferred orientation",
-                  " => Unit weights will be applied", " => Background read from file",
-                  " => Normalized Pearson VII (m exponent variable)",
-                  "                 X and Y parameters correspond to:",
-                  "                m=m0+100*X/2theta+10000*Y/2theta**2 "}},
+        JobWords{
+            "0 5 1 0 0 0 0 0 0 1 0 0 0 0 0 2 0",
+            {" => Global Refinement of X-ray powder diffraction data",
+             " => Energy Dispersive X-ray data", "    Flat plate with PSD",
+             " => Abcisa variable is Energy in Kev", " => Pseudo-Voigt function (ETA variable)"}},
+        JobWords{
+            "1 6 1 1 0 0 2 0 2 0 0 0 0 0 0 3 0",
+            {" => Global Refinement of neutron powder data ",
+             " => Abcisa variable is Q in recipr. Angstr",
+             " => Pecharskii model for preferred orientation", " => Unit weights will be applied",
+             " => Background read from file", " => Normalized Pearson VII (m exponent variable)",
+             "                 X and Y parameters correspond to:",
+             "                m=m0+100*X/2theta+10000*Y/2theta**2 "}},
         JobWords{"2 4 1 -1 0 0 0 0 0 2 0 0 0 0 0 4 0",
                  {" => Pattern calculation, X-ray", "    Transmission Geometry",
                   " => Abcisa variable is S in recipr. Angstr",
@@ -70,15 +71,13 @@ INSTANTIATE_TEST_SUITE_P(
                   "   L(x,H)=1/{1+4*(x/H)^2};  G(x,H)= exp{-4Ln2*(x/H)^2}",
                   "   N ={Hl*((pi-a)*ETAl+a)+Hr*((pi-a)*ETAr+a)}; a=sqrt(pi/Ln2)"}},
         JobWords{"-3 12 -1 -5 0 0 0 0 0 0 0 0 0 0 0 1 0",
-                 {" => Abcisa variable is T.O.F. in microsecs",
-                  " => Pattern calculation, Neutrons",
+                 {" => Abcisa variable is T.O.F. in microsecs", " => Pattern calculation, Neutrons",
                   " => Asymmetry correction as in J.Appl.Cryst. 15,615(1982)",
                   " => Background interpolated by cubic splines between the    5 points given",
                   " => Pseudo-Voigt function (ETA variable)",
                   "    This function is convoluted with asymmetry due to axial",
                   "    divergence as formulated by: "}},
-        JobWords{"0 5 1 0 0 0 0 0 0 3 0 0 0 0 0 0 0",
-                 {"    Synchrotron B-B/D-S geometry"}},
+        JobWords{"0 5 1 0 0 0 0 0 0 3 0 0 0 0 0 0 0", {"    Synchrotron B-B/D-S geometry"}},
         JobWords{"-2 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0",
                  {" ==> CONDITIONS OF THIS RUN FOR PATTERN No.:  1", " => Title:Words"}}),
     [](const ::testing::TestParamInfo<JobWords>& info) {
@@ -86,21 +85,20 @@ INSTANTIATE_TEST_SUITE_P(
     });
 
 TEST(HeadWordsOfFormats, EveryDataFormatHasItsWord) {
-  const char* words[] = {
-      " => Data supplied in free format for pattern:  1",
-      " => Data in D1A,D2B (ILL) format for pattern:  1",
-      " => Data in D1B(ILL) format, Step=0.2 in 2theta for pattern:  1",
-      " => Data in D1B,D20 format for pattern:  1",
-      " => Data in BNBL(Synchrotron) format for pattern:  1",
-      " => Data in GENERAL FORMAT for TWO AXIS instrument for pattern:  1",
-      " => Data in D1A,D2B format as prepared by D1A(D2B)SUM for pattern:  1",
-      " => Data in D4,D20L format for pattern:  1",
-      " => Data in DMC format at Wurenlingen for pattern:  1",
-      " => UXD data from Socabim Eva-2 Software for pattern:  1",
-      " => X-Y type of data: 2theta/TOF/E(Kev) Intens sigma for pattern:  1",
-      " => Variable time data collection (format as LHPM) for pattern:  1",
-      " => Data read from GSAS file for pattern:  1",
-      " => Invalid instr parameter for pattern:  1"};
+  const char* words[] = {" => Data supplied in free format for pattern:  1",
+                         " => Data in D1A,D2B (ILL) format for pattern:  1",
+                         " => Data in D1B(ILL) format, Step=0.2 in 2theta for pattern:  1",
+                         " => Data in D1B,D20 format for pattern:  1",
+                         " => Data in BNBL(Synchrotron) format for pattern:  1",
+                         " => Data in GENERAL FORMAT for TWO AXIS instrument for pattern:  1",
+                         " => Data in D1A,D2B format as prepared by D1A(D2B)SUM for pattern:  1",
+                         " => Data in D4,D20L format for pattern:  1",
+                         " => Data in DMC format at Wurenlingen for pattern:  1",
+                         " => UXD data from Socabim Eva-2 Software for pattern:  1",
+                         " => X-Y type of data: 2theta/TOF/E(Kev) Intens sigma for pattern:  1",
+                         " => Variable time data collection (format as LHPM) for pattern:  1",
+                         " => Data read from GSAS file for pattern:  1",
+                         " => Invalid instr parameter for pattern:  1"};
   ScratchDir dir;
   for (int instr = -4; instr <= 13; ++instr) {
     if (instr > -4 && instr < 0) continue;

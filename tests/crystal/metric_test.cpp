@@ -71,7 +71,8 @@ TEST(CellMetric, MonoclinicDSpacingsFollowTheDirectCell) {
   ASSERT_TRUE(BuildCellMetric(Cell(10.0f, 12.0f, 15.0f, 90.0f, 105.0f, 90.0f), m));
   const Table1<float, 6> A = ReciprocalCoefficients(m);
   const double sb = std::sin(105.0 * kDegree), cb = std::cos(105.0 * kDegree);
-  const double expected = (4.0 / 100.0 + 9.0 / 225.0 - 2.0 * 2 * 3 * cb / 150.0) / (sb * sb) + 1.0 / 144.0;
+  const double expected =
+      (4.0 / 100.0 + 9.0 / 225.0 - 2.0 * 2 * 3 * cb / 150.0) / (sb * sb) + 1.0 / 144.0;
   EXPECT_NEAR(FromCoefficients(A, 2, 1, 3), expected, 1e-6 * expected);
 }
 

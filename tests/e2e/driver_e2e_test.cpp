@@ -1,4 +1,5 @@
-// End-to-end runs of the driver: command line, dialogs, directory memory, cyclic mode and the template code.
+// End-to-end runs of the driver: command line, dialogs, directory memory, cyclic mode and the
+// template code.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -23,15 +24,16 @@ TEST(DriverEndToEnd, CommandLineWithOneWordTakesTheControlCodeForTheData) {
   ScratchDir dir;
   dir.Write("abc.pcr", TestData("head/calc.pcr"));
   RunBinary(dir.path, "abc");
-  EXPECT_TRUE(HasLine(dir.Read("abc.out"), " => DAT file code: abc -> Relative contribution:   1.00000"));
+  EXPECT_TRUE(
+      HasLine(dir.Read("abc.out"), " => DAT file code: abc -> Relative contribution:   1.00000"));
 }
 
 TEST(DriverEndToEnd, SecondWordOfTheCommandLineIsTheDataCode) {
   ScratchDir dir;
   dir.Write("abc.pcr", TestData("head/calc.pcr"));
   RunBinary(dir.path, "abc mydata");
-  EXPECT_TRUE(
-      HasLine(dir.Read("abc.out"), " => DAT file code: mydata -> Relative contribution:   1.00000"));
+  EXPECT_TRUE(HasLine(dir.Read("abc.out"),
+                      " => DAT file code: mydata -> Relative contribution:   1.00000"));
 }
 
 TEST(DriverEndToEnd, NoCommandLineOpensTheDialogsAndRemembersNothing) {
@@ -54,7 +56,8 @@ TEST(DriverEndToEnd, DataDialogOpensWhenNoDataFileHasTheControlCode) {
   auto run = RunBinary(dir.path, "", "abc.pcr\nother.xy\n");
   EXPECT_NE(run.output.find("Select data file: [Data files: *.dat; *.uxd; *.int; *.acq]"),
             std::string::npos);
-  EXPECT_TRUE(HasLine(dir.Read("abc.out"), " => DAT file code: other -> Relative contribution:   1.00000"));
+  EXPECT_TRUE(
+      HasLine(dir.Read("abc.out"), " => DAT file code: other -> Relative contribution:   1.00000"));
 }
 
 TEST(DriverEndToEnd, DialogInAnotherDirectoryRunsThere) {
@@ -82,8 +85,9 @@ TEST(DriverEndToEnd, MemoryFileInTheCurrentDirectoryGivesTheStartDirectory) {
   dir.Write("abc.dat", "d\n");
   dir.Write("corvinet.dir", "   " + dir.path.string() + "\nold\n");
   auto run = RunBinary(dir.path, "", "abc.pcr\n");
-  EXPECT_NE(run.output.find("Select input PCR file: [PCR files: *.PCR] in " + dir.path.string() + "/"),
-            std::string::npos);
+  EXPECT_NE(
+      run.output.find("Select input PCR file: [PCR files: *.PCR] in " + dir.path.string() + "/"),
+      std::string::npos);
   EXPECT_EQ(dir.Read("corvinet.dir"), dir.path.string() + "/\nabc\n");
 }
 

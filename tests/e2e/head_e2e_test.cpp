@@ -1,4 +1,5 @@
-// End-to-end runs of the program on control-file heads, compared line by line with hand-written reports.
+// End-to-end runs of the program on control-file heads, compared line by line with hand-written
+// reports.
 #include <gtest/gtest.h>
 
 #include "test_support.h"
@@ -80,23 +81,27 @@ TEST(HeadEndToEnd, TerminalShowsBannerStartEndAndTheContinueQuestions) {
   ASSERT_GE(lines.size(), banner.size());
   for (std::size_t i = 0; i < banner.size(); ++i) EXPECT_EQ(lines[i], banner[i]);
   EXPECT_NE(run.output.find(" => Reading control file *.PCR ..."), std::string::npos);
-  EXPECT_NE(NormaliseLines(SplitLines(run.output)).end(),
-            std::find(lines.begin(), lines.end(), " => START Date:dd/mm/yyyy  Time => hh:mm:ss.sss"));
+  EXPECT_NE(
+      NormaliseLines(SplitLines(run.output)).end(),
+      std::find(lines.begin(), lines.end(), " => START Date:dd/mm/yyyy  Time => hh:mm:ss.sss"));
   EXPECT_NE(run.output.find(" => END   Date:"), std::string::npos);
   EXPECT_NE(run.output.find(" => File : single"), std::string::npos);
-  EXPECT_NE(run.output.find("Corvinet Refinement: Continue with the same data?"), std::string::npos);
+  EXPECT_NE(run.output.find("Corvinet Refinement: Continue with the same data?"),
+            std::string::npos);
   EXPECT_NE(run.output.find("Corvinet Refinement: Continue with other data?"), std::string::npos);
   EXPECT_NE(run.output.find("=== Stop/Warning Box ===\n END"), std::string::npos);
 }
 
 TEST(HeadEndToEnd, BadFieldStopsWithCaretAndLineNumber) {
   ScratchDir dir;
-  dir.Write("bad.pcr", "Bad\n! job line follows\n0 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n"
-                       "0 0 1 0 1 0 0 0 x 1 0 0 0 0 0 0 0\n");
+  dir.Write("bad.pcr",
+            "Bad\n! job line follows\n0 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n"
+            "0 0 1 0 1 0 0 0 x 1 0 0 0 0 0 0 0\n");
   auto run = testing::RunBinary(dir.path, "bad");
   EXPECT_EQ(run.exitCode, 0);
   const auto lines = SplitLines(run.output);
-  auto at = std::find(lines.begin(), lines.end(), "FindFMT: invalid character in a numeric field !");
+  auto at =
+      std::find(lines.begin(), lines.end(), "FindFMT: invalid character in a numeric field !");
   ASSERT_NE(at, lines.end());
   ASSERT_LT(at + 2, lines.end());
   EXPECT_EQ(*(at + 1), "\"0 0 1 0 1 0 0 0 x 1 0 0 0 0 0 0 0\"");
@@ -108,8 +113,9 @@ TEST(HeadEndToEnd, BadFieldStopsWithCaretAndLineNumber) {
 
 TEST(HeadEndToEnd, ControlFileThatEndsEarlyEndsTheProcess) {
   ScratchDir dir;
-  dir.Write("short.pcr", "Short\n0 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n"
-                        "0 0 1 0 1 0 0 0 0 1 0 0 0 0 0 0 0\n1.54 1.54 0 40 8 0 0 0 0\n");
+  dir.Write("short.pcr",
+            "Short\n0 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n"
+            "0 0 1 0 1 0 0 0 0 1 0 0 0 0 0 0 0\n1.54 1.54 0 40 8 0 0 0 0\n");
   auto run = testing::RunBinary(dir.path, "short");
   EXPECT_NE(run.output.find(" => Not FATAL End of file !,  logical unit:   1"), std::string::npos);
   EXPECT_EQ(run.output.find("Continue with the same data?"), std::string::npos);

@@ -1,4 +1,5 @@
-// Tests of the cycle loop: no cycles, no refined parameters, one cycle, oscillation damping and divergence.
+// Tests of the cycle loop: no cycles, no refined parameters, one cycle, oscillation damping and
+// divergence.
 #include "refine/cycle_driver.h"
 
 #include <gtest/gtest.h>

@@ -108,8 +108,10 @@ TEST(EquationSolver, VeryDifferentDiagonalMagnitudesAreSolved) {
   s.normal->B[2] = 1.0f;
   SolveNormalEquations(*job, *s.normal, *s.work, 2);
   const auto x = CholeskySolve({{1.0e-10, 2.0e-6}, {2.0e-6, 1.0e3}}, {1.0e-10, 1.0});
-  EXPECT_NEAR(s.normal->B[1], static_cast<double>(x[0]), 1e-4 * std::fabs(static_cast<double>(x[0])));
-  EXPECT_NEAR(s.normal->B[2], static_cast<double>(x[1]), 1e-4 * std::fabs(static_cast<double>(x[1])));
+  EXPECT_NEAR(s.normal->B[1], static_cast<double>(x[0]),
+              1e-4 * std::fabs(static_cast<double>(x[0])));
+  EXPECT_NEAR(s.normal->B[2], static_cast<double>(x[1]),
+              1e-4 * std::fabs(static_cast<double>(x[1])));
 }
 
 class RandomSystems : public ::testing::TestWithParam<int> {};

@@ -1,4 +1,5 @@
-// Tests of the order table: the reflections reaching each point, excluded points, the overlap limit and checks.
+// Tests of the order table: the reflections reaching each point, excluded points, the overlap limit
+// and checks.
 #include "refine/order_reflections.h"
 
 #include <gtest/gtest.h>
@@ -41,7 +42,9 @@ struct OrderCase {
     t.count[1] = t.total;
   }
   int Code(int i) { return job->patterns[1].OrderCode[i]; }
-  bool Orders() { return testing::RunsWithoutStop(*job, [](Job& j) { OrderReflections(j, 1); }); }
+  bool Orders() {
+    return testing::RunsWithoutStop(*job, [](Job& j) { OrderReflections(j, 1); });
+  }
 };
 
 TEST(OrderReflections, PointsUnderAPeakGetItsNumber) {

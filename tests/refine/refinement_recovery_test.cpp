@@ -1,18 +1,19 @@
-// Profile-matching refinements of simulated patterns recover the parameters they were simulated with.
+// Profile-matching refinements of simulated patterns recover the parameters they were simulated
+// with.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <string>
 
-#include "observations/poisson.h"
+#include <memory>
 #include "crystal/reflection.h"
+#include "observations/poisson.h"
 #include "refine/cycle_driver.h"
 #include "refine/cycle_work.h"
 #include "refine/order_reflections.h"
 #include "refine/parameter_families.h"
 #include "refine/point_calculation.h"
 #include "refine/reflection_calculation.h"
-#include <memory>
 #include "run/fortran_format.h"
 #include "test_support.h"
 
@@ -27,7 +28,8 @@ struct Model {
   float a = 5.431f;
   float U = 0.01f, V = -0.006f, W = 0.008f;
   float background = 50.0f;
-  std::string zeroCode = "0.00", cellCode = "0.00 0.00 0.00", wCode = "0.00", backgroundCode = "0.00";
+  std::string zeroCode = "0.00", cellCode = "0.00 0.00 0.00", wCode = "0.00",
+              backgroundCode = "0.00";
   int refined = 0;
   int job = 2;  // 2 calculation, 0 refinement
   int cycles = 1;
@@ -38,10 +40,12 @@ std::string ControlText(const Model& m) {
          Fmt("(I4,A)", m.job, "   5   1   0   0   0   0   0   0   0   0   0   0   0   0   0   0") +
          "\n   0   0   1   0   0   0   0   0   0   0   0   0   0   0   0   1   0\n"
          " 1.540560 1.544330  0.50000   40.000 10.0000  0.9100  0.0000   10.00    0.0000\n" +
-         Fmt("(I3,A)", m.cycles, "  0.01  1.00  1.00  1.00  1.00     20.0000   0.0200    90.0000   0.000   0.000") +
+         Fmt("(I3,A)", m.cycles,
+             "  0.01  1.00  1.00  1.00  1.00     20.0000   0.0200    90.0000   0.000   0.000") +
          "\n" + Fmt("(I5)", m.refined) + "\n" +
-         Fmt("(F8.4,1X,A,A)", m.zero, m.zeroCode, "  0.0000 0.00  0.0000 0.00 0.000000 0.00   0") + "\n" +
-         Fmt("(F8.2,A)", m.background, "  0.0  0.0  0.0  0.0  0.0") + "\n" + m.backgroundCode +
+         Fmt("(F8.4,1X,A,A)", m.zero, m.zeroCode, "  0.0000 0.00  0.0000 0.00 0.000000 0.00   0") +
+         "\n" + Fmt("(F8.2,A)", m.background, "  0.0  0.0  0.0  0.0  0.0") + "\n" +
+         m.backgroundCode +
          " 0.00 0.00 0.00 0.00 0.00\n"
          "Phase\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 0 0 0\nF d 3 m\n"
          "1.0 0.0 0.0 0.0 0.0 0.0 0\n0 0 0 0 0 0\n" +
@@ -110,9 +114,10 @@ TEST(RefinementRecovery, CellZeroWidthAndBackgroundOfOnePhaseOneWavelengthPair) 
 std::string TwoPhaseText(const Model& m, float c, const std::string& hexCode) {
   std::string text = ControlText(m);
   text.replace(text.find("   5   1   0"), 12, "   5   2   0");
-  return text + "Hexagonal phase\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 0 0 0\nP 63/m m c\n"
-                "1.0 0.0 0.0 0.0 0.0 0.0 0\n0 0 0 0 0 0\n"
-                "0.01 -0.006 0.008 0.0 0.0 0.0 0.0 0\n0 0 0 0 0 0 0\n" +
+  return text +
+         "Hexagonal phase\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 0 0 0\nP 63/m m c\n"
+         "1.0 0.0 0.0 0.0 0.0 0.0 0\n0 0 0 0 0 0\n"
+         "0.01 -0.006 0.008 0.0 0.0 0.0 0.0 0\n0 0 0 0 0 0 0\n" +
          Fmt("(A,F10.5,A)", "3.2 3.2", c, " 90 90 120") + "\n0 0 " + hexCode + " 0 0 0\n" +
          "0 0 0 0 0 0\n0 0 0 0 0 0\n";
 }

@@ -112,8 +112,9 @@ TEST(Dimensions, ReportListsEveryCapacityInOrder) {
             "NPATT              5 Max.num. of powder diffraction patterns                    ");
   EXPECT_EQ(lines[5],
             "IDSZ           20000 Max.num. of points(+int. Inten.)/diffraction pattern       ");
-  EXPECT_EQ(lines[16],
-            "NEQV              48 Max.num. of user-supplied symmetry operators/propagation vectors");
+  EXPECT_EQ(
+      lines[16],
+      "NEQV              48 Max.num. of user-supplied symmetry operators/propagation vectors");
   EXPECT_EQ(lines[25],
             "NSOL              10 Max.num. of solutions to be stored in Montecarlo searchs   ");
 }

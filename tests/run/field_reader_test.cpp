@@ -252,28 +252,28 @@ TEST_P(FieldReaderErrors, StopWithTheirCode) {
   EXPECT_EQ(testing::SplitLines(job.Console()).at(0), FieldErrorText(bad.error));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Codes, FieldReaderErrors,
-    ::testing::Values(BadLine{"1 2", "   ", FieldError::EmptyMask},
-                      BadLine{"1.5", "i", FieldError::IntegerFoundReal},
-                      BadLine{".5", "i", FieldError::IntegerFoundReal},
-                      BadLine{"1..5", "f", FieldError::BeggedDot},
-                      BadLine{"1.5.", "f", FieldError::BeggedDot},
-                      BadLine{"1E+-5", "f", FieldError::BeggedDot},
-                      BadLine{"1EE5", "f", FieldError::BeggedDot},
-                      BadLine{"1e5", "i", FieldError::BadIntegerCharacter},
-                      BadLine{"e5", "i", FieldError::BadIntegerCharacter},
-                      BadLine{"1 2", "iz", FieldError::BadMaskLetter},
-                      BadLine{"1 2", "i0", FieldError::BadMaskLetter},
-                      BadLine{"abc", "f", FieldError::BadNumericCharacter},
-                      BadLine{"12x", "i", FieldError::BadNumericCharacter},
-                      BadLine{"1.5 e3", "ff", FieldError::IncompleteExponent},
-                      BadLine{"1.5E-E3", "f", FieldError::IncompleteExponent},
-                      BadLine{"- 5", "i", FieldError::IncompleteNumber},
-                      BadLine{"1 - 5", "ii", FieldError::IncompleteNumber}),
-    [](const ::testing::TestParamInfo<BadLine>& info) {
-      return "Code" + std::to_string(info.param.error) + "Case" + std::to_string(info.index);
-    });
+INSTANTIATE_TEST_SUITE_P(Codes, FieldReaderErrors,
+                         ::testing::Values(BadLine{"1 2", "   ", FieldError::EmptyMask},
+                                           BadLine{"1.5", "i", FieldError::IntegerFoundReal},
+                                           BadLine{".5", "i", FieldError::IntegerFoundReal},
+                                           BadLine{"1..5", "f", FieldError::BeggedDot},
+                                           BadLine{"1.5.", "f", FieldError::BeggedDot},
+                                           BadLine{"1E+-5", "f", FieldError::BeggedDot},
+                                           BadLine{"1EE5", "f", FieldError::BeggedDot},
+                                           BadLine{"1e5", "i", FieldError::BadIntegerCharacter},
+                                           BadLine{"e5", "i", FieldError::BadIntegerCharacter},
+                                           BadLine{"1 2", "iz", FieldError::BadMaskLetter},
+                                           BadLine{"1 2", "i0", FieldError::BadMaskLetter},
+                                           BadLine{"abc", "f", FieldError::BadNumericCharacter},
+                                           BadLine{"12x", "i", FieldError::BadNumericCharacter},
+                                           BadLine{"1.5 e3", "ff", FieldError::IncompleteExponent},
+                                           BadLine{"1.5E-E3", "f", FieldError::IncompleteExponent},
+                                           BadLine{"- 5", "i", FieldError::IncompleteNumber},
+                                           BadLine{"1 - 5", "ii", FieldError::IncompleteNumber}),
+                         [](const ::testing::TestParamInfo<BadLine>& info) {
+                           return "Code" + std::to_string(info.param.error) + "Case" +
+                                  std::to_string(info.index);
+                         });
 
 TEST(FieldReader, FormatLongerThanALineIsRefused) {
   CapturedJob job;

@@ -12,7 +12,9 @@ namespace {
 using testing::CapturedJob;
 using testing::ScratchDir;
 
-std::string NameOn(Job& job, int unit) { return job.files.units[unit].name; }
+std::string NameOn(Job& job, int unit) {
+  return job.files.units[unit].name;
+}
 
 TEST(FileSet, SinglePatternNamesHaveNoSuffix) {
   ScratchDir dir;
@@ -124,8 +126,9 @@ TEST(FileSet, MissingReflectionFilesStopWithTheThreeNames) {
   job->driver.PcrCode = "abc";
   job->patterns[1].DatCode = "dat";
   EXPECT_THROW(OpenFiles(*job, 6, 1, 1), ProcessStop);
-  EXPECT_NE(job.Console().find(" => Error opening a (hkl)-file: abc1.hkl,dat.int,hkl1.hkl Unit: 15"),
-            std::string::npos);
+  EXPECT_NE(
+      job.Console().find(" => Error opening a (hkl)-file: abc1.hkl,dat.int,hkl1.hkl Unit: 15"),
+      std::string::npos);
 }
 
 TEST(FileSet, DataFileIsLookedForAsDatThenUxdThenAcq) {

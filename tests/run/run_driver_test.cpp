@@ -1,4 +1,5 @@
-// Tests of the run driver's pieces: paths, numbered codes, dates, the continue dialogs and the directory memory.
+// Tests of the run driver's pieces: paths, numbered codes, dates, the continue dialogs and the
+// directory memory.
 #include "run/run_driver.h"
 
 #include <gtest/gtest.h>
@@ -55,8 +56,10 @@ TEST(RunDriver, ContinueDialogsGiveSameOtherOrStop) {
   AskContinue(*job);  // end of input answers No twice
   EXPECT_EQ(job->driver.answer, 'k');
   const std::string console = job.Console();
-  EXPECT_NE(console.find("Corvinet Refinement: Continue with the same data? [Y/n]"), std::string::npos);
-  EXPECT_NE(console.find("Corvinet Refinement: Continue with other data? [Y/n]"), std::string::npos);
+  EXPECT_NE(console.find("Corvinet Refinement: Continue with the same data? [Y/n]"),
+            std::string::npos);
+  EXPECT_NE(console.find("Corvinet Refinement: Continue with other data? [Y/n]"),
+            std::string::npos);
 }
 
 TEST(RunDriver, CpuTimerPrintsSecondsAndMinutes) {

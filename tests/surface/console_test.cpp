@@ -103,8 +103,10 @@ TEST(Prompts, FileDialogTakesRelativeAnswersInsideTheStartDirectory) {
             "/w/abc.pcr");
   EXPECT_EQ(FileOpenDialog(*job, "PCR files", "*.PCR", "Select input PCR file:", "/w/").value(),
             "/x/y.pcr");
-  EXPECT_FALSE(FileOpenDialog(*job, "PCR files", "*.PCR", "Select input PCR file:", "").has_value());
-  EXPECT_FALSE(FileOpenDialog(*job, "PCR files", "*.PCR", "Select input PCR file:", "").has_value());
+  EXPECT_FALSE(
+      FileOpenDialog(*job, "PCR files", "*.PCR", "Select input PCR file:", "").has_value());
+  EXPECT_FALSE(
+      FileOpenDialog(*job, "PCR files", "*.PCR", "Select input PCR file:", "").has_value());
   EXPECT_NE(job.Console().find("Select input PCR file: [PCR files: *.PCR] in /w/"),
             std::string::npos);
 }
