@@ -27,13 +27,13 @@ struct PointAsymmetryTerms {
 PointAsymmetryTerms AsymmetryAt(const RingEntry& e, const AsymmetryParameters& asy,
                                 const ProfilePoint& point) {
   PointAsymmetryTerms out;
-  out.terms = AsymmetryFactor(point.delta, point.H, e.tanTheta, e.tan2Theta, asy);
+  const float tanTheta = e.shape.tanTheta;
+  out.terms = AsymmetryFactor(point.delta, point.H, tanTheta, e.tan2Theta, asy);
+  // Fa = 2z exp(-z²) and Fb = (4z² - 3) Fa, differentiated in z.
   const float z = point.delta / point.H;
-  const float ez = std::exp(-z * z);
-  const float fa = 2.0f * z * ez;
-  const float dFa = 2.0f * ez * (1.0f - 2.0f * z * z);
-  const float dFb = 8.0f * z * fa + (4.0f * z * z - 3.0f) * dFa;
-  const float dAdz = -((asy.Asy1 * dFa + asy.Asy2 * dFb) / e.tanTheta +
+  const float dFa = 2.0f * std::exp(-z * z) * (1.0f - 2.0f * z * z);
+  const float dFb = 8.0f * z * out.terms.Fa + (4.0f * z * z - 3.0f) * dFa;
+  const float dAdz = -((asy.Asy1 * dFa + asy.Asy2 * dFb) / tanTheta +
                        (asy.Asy3 * dFa + asy.Asy4 * dFb) / e.tan2Theta);
   // Where the factor is held at its floor it does not move.
   const float a = out.terms.A;
@@ -44,28 +44,11 @@ PointAsymmetryTerms AsymmetryAt(const RingEntry& e, const AsymmetryParameters& a
   return out;
 }
 
-// Value of one reflection at the point, with the slopes of each family.
-float ReflectionAtPoint(const Job& job, const Pattern& p, int ip, const RingEntry& e, float x,
-                        float* slope) {
-  ProfilePoint point;
-  if (!PointInBase(e.shape, x, p.Wdt, point)) return 0.0f;
-  const PhasePattern& c = job.phases[e.phase].pat[ip];
-  ProfileSlopes sl;
-  float omega = 0.0f;
-  PointAsymmetryTerms asym;
-  const AsymmetryParameters asy = AsymmetryParametersOf(c);
-  const bool underLimit = e.asymmetric != 0;
-  if (underLimit && p.IASYM == 1) {
-    omega = BooleAverageProfileWithSlopes(e.shape, asy.Asy1, e.tan2Theta, point, sl);
-  } else {
-    omega = ProfileValueWithSlopes(e.shape, point, sl);
-    if (underLimit && p.IASYM == 0) asym = AsymmetryAt(e, asy, point);
-  }
-  // Far in a Gaussian tail the value underflows and its slopes are not finite:
-  // such a point takes nothing from the reflection.
-  if (!(omega > 1.0e-30f)) return 0.0f;
-  const float a = asym.terms.A;
+// The slope of ln(a Omega) with respect to the quantity of each family.
+void FamilySlopes(const RingEntry& e, const ProfilePoint& point, const ProfileSlopes& sl,
+                  const PointAsymmetryTerms& asym, bool asymmetryRows, float* slope) {
   const ShapeSlotSlopes shape = ShapeParameterSlopes(e.shape, sl);
+  const float tanTheta = e.shape.tanTheta;
   // The asymmetry factor moves with the width of the side the point is on;
   // through the TCH widths it moves with X and Y as well.
   const bool rightSide = e.shape.code == 12 && point.delta > 0.0f;
@@ -75,19 +58,50 @@ float ReflectionAtPoint(const Job& job, const Pattern& p, int ip, const RingEntr
   slope[kWidth] = sl.width + (rightSide ? 0.0f : asym.dlnAdH);
   slope[kGaussWidth] = sl.gaussian + asym.dlnAdH * e.shape.tch.dHdG;
   slope[kWidthRight] = sl.width2 + (rightSide ? asym.dlnAdH : 0.0f);
-  slope[kShapeX] = shape.X + lorentzScale * e.tanTheta;
+  slope[kShapeX] = shape.X + lorentzScale * tanTheta;
   slope[kShapeY] = shape.Y + lorentzScale / e.shape.cosTheta;
   slope[kShape1] = shape.Shape1;
   slope[kShp1] = shape.Shp1;
   slope[kShp2] = shape.Shp2;
   slope[kEtar] = shape.Etar;
   slope[kXr] = shape.Xr;
-  const bool rows = underLimit && p.IASYM == 0;
-  slope[kAsym1] = rows ? -asym.terms.FaOverA / e.tanTheta : (underLimit ? sl.asymmetry : 0.0f);
-  slope[kAsym2] = rows ? -asym.terms.FbOverA / e.tanTheta : 0.0f;
-  slope[kAsym3] = rows ? -asym.terms.FaOverA / e.tan2Theta : 0.0f;
-  slope[kAsym4] = rows ? -asym.terms.FbOverA / e.tan2Theta : 0.0f;
-  return e.intensity * a * omega;
+  const bool underLimit = e.asymmetric != 0;
+  slope[kAsym1] = asymmetryRows ? -asym.terms.FaOverA / tanTheta
+                                : (underLimit ? sl.asymmetry : 0.0f);
+  slope[kAsym2] = asymmetryRows ? -asym.terms.FbOverA / tanTheta : 0.0f;
+  slope[kAsym3] = asymmetryRows ? -asym.terms.FaOverA / e.tan2Theta : 0.0f;
+  slope[kAsym4] = asymmetryRows ? -asym.terms.FbOverA / e.tan2Theta : 0.0f;
+}
+
+// The peak of a reflection at the point, a Omega, without its integrated
+// intensity; with `slope` given, also the slope of each family.
+float PeakAtPoint(const Job& job, const Pattern& p, int ip, const RingEntry& e, float x,
+                  float* slope) {
+  ProfilePoint point;
+  if (!PointInBase(e.shape, x, p.Wdt, point)) return 0.0f;
+  const AsymmetryParameters asy = AsymmetryParametersOf(job.phases[e.phase].pat[ip]);
+  const bool underLimit = e.asymmetric != 0;
+  const bool averaged = underLimit && p.IASYM == 1;
+  const bool asymmetryRows = underLimit && p.IASYM == 0;
+  ProfileSlopes sl;
+  float omega = 0.0f;
+  if (averaged) {
+    omega = slope != nullptr
+                ? BooleAverageProfileWithSlopes(e.shape, asy.Asy1, e.tan2Theta, point, sl)
+                : BooleAverageProfile(e.shape, asy.Asy1, e.tan2Theta, point);
+  } else {
+    omega = slope != nullptr ? ProfileValueWithSlopes(e.shape, point, sl)
+                             : ProfileValue(e.shape, point);
+  }
+  // Far in a Gaussian tail the value underflows and its slopes are not finite:
+  // such a point takes nothing from the reflection.
+  if (!(omega > 1.0e-30f)) return 0.0f;
+  PointAsymmetryTerms asym;
+  if (asymmetryRows) {
+    asym = AsymmetryAt(e, asy, point);
+  }
+  if (slope != nullptr) FamilySlopes(e, point, sl, asym, asymmetryRows, slope);
+  return asym.terms.A * omega;
 }
 
 // Adds the point's weighted row to the normal equations (upper triangle).
@@ -105,22 +119,18 @@ void AccumulatePoint(NormalMatrix& normal, const float* derivative, float weight
 
 float PeakValueAt(const Job& job, const RingEntry& entry, int ip, float x) {
   if (!entry.active || entry.intensity == 0.0f) return 0.0f;
-  float slope[kFamilyCount] = {};
-  const RingEntry unit = [&] {
-    RingEntry e = entry;
-    e.intensity = 1.0f;
-    return e;
-  }();
-  return ReflectionAtPoint(job, job.patterns[ip], ip, unit, x, slope);
+  return PeakAtPoint(job, job.patterns[ip], ip, entry, x, nullptr);
 }
 
 void CalculatePoint(Job& job, CycleWork& work, int ip, int i) {
   Pattern& p = job.patterns[ip];
   RefinementState& state = job.refinement;
   const int fitted = std::min(job.run.MAXS, DimensionLimits::MSZ);
-  float* derivative = state.PointDerivative.ptr();
-  for (int L = 0; L < fitted; ++L) derivative[L] = 0.0f;
   const bool refine = std::abs(p.JOBTYP) < 2;
+  float* derivative = state.PointDerivative.ptr();
+  if (refine) {
+    for (int L = 0; L < fitted; ++L) derivative[L] = 0.0f;
+  }
   const int code = p.OrderCode[i];
   const int first = FirstReflection(code);
   const int last = LastReflection(code);
@@ -128,19 +138,21 @@ void CalculatePoint(Job& job, CycleWork& work, int ip, int i) {
   const std::uint8_t* family = state.family.ptr();
   float y = 0.0f;
   float slope[kFamilyCount] = {};
+  // A calculation needs the values only; a refinement also the slopes.
+  float* slopes = refine ? slope : nullptr;
   for (int k = first; first != 0 && k <= last; ++k) {
     const RingEntry& e = work.ring[RingSlot(k)];
     if (!e.active) continue;
-    const float contribution = ReflectionAtPoint(job, p, ip, e, x, slope);
+    const float contribution = e.intensity * PeakAtPoint(job, p, ip, e, x, slopes);
     if (contribution == 0.0f) continue;
     y += contribution;
     if (!refine) continue;
     const float* ring = &state.DerivativeRing(RingSlot(k), 1);
     for (int L = 0; L < fitted; ++L) derivative[L] += contribution * slope[family[L]] * ring[L];
   }
-  BackgroundDerivatives(p, i, 1.0f, state.PointDerivative);
   p.Ycalc[i] = y;
   if (!refine) return;
+  BackgroundDerivatives(p, i, 1.0f, state.PointDerivative);
   const float background = BackgroundAt(p, i);
   const float residual = p.Ytotal[i] - background - y;
   if (p.IWGT == 1) {

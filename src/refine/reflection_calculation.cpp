@@ -274,7 +274,6 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
           : IntensityFactors(job, ip, phase, ci, ReciprocalTensor(c.PAR), fitted > 0);
   r.Corr = corr.Corr;
   entry.intensity = c.PAR[1] * r.LpM * corr.intensity;
-  entry.tanTheta = r.tanTheta;
   entry.tan2Theta = Tan2ThetaFromSquares(static_cast<float>(g.sin2), static_cast<float>(g.cos2));
   entry.asymmetric = p.IXUNIT == 0 && r.position <= p.AsyLim ? 1 : 0;
   entry.phase = phase;
