@@ -134,7 +134,7 @@ Table1<float, 6> ReciprocalCoefficients(const CellMetric& m) {
   return k;
 }
 
-Table1<float, 6> CellFromCoefficients(const Table1<float, 6>& k) {
+Table2<double, 3, 3> ReciprocalTensor(const Table1<float, 6>& k) {
   Table2<double, 3, 3> gstar;
   gstar(1, 1) = k[1];
   gstar(2, 2) = k[2];
@@ -142,6 +142,16 @@ Table1<float, 6> CellFromCoefficients(const Table1<float, 6>& k) {
   gstar(2, 3) = gstar(3, 2) = 0.5 * k[4];
   gstar(1, 3) = gstar(3, 1) = 0.5 * k[5];
   gstar(1, 2) = gstar(2, 1) = 0.5 * k[6];
+  return gstar;
+}
+
+double InverseDSquared(const Table1<float, 6>& c, const std::array<double, 3>& v) {
+  const double h = v[0], k = v[1], l = v[2];
+  return c[1] * h * h + c[2] * k * k + c[3] * l * l + c[4] * k * l + c[5] * h * l + c[6] * h * k;
+}
+
+Table1<float, 6> CellFromCoefficients(const Table1<float, 6>& k) {
+  const Table2<double, 3, 3> gstar = ReciprocalTensor(k);
   Table2<double, 3, 3> g;
   Table1<float, 6> cell;
   if (!Invert(gstar, g)) return cell;

@@ -1,6 +1,8 @@
 // Cell metric of a phase: the cell forced to its Laue class, direct and reciprocal metric, volume.
 #pragma once
 
+#include <array>
+
 #include "run/table1.h"
 
 namespace corvinet {
@@ -27,6 +29,12 @@ bool BuildCellMetric(const Table1<float, 6>& cell, CellMetric& metric);
 // The six coefficients A = a*², B = b*², C = c*², D = 2b*c*cosα*,
 // E = 2a*c*cosβ*, F = 2a*b*cosγ* of 1/d² = Ah² + Bk² + Cl² + Dkl + Ehl + Fhk.
 Table1<float, 6> ReciprocalCoefficients(const CellMetric& metric);
+
+// The reciprocal metric tensor G* from the six coefficients.
+Table2<double, 3, 3> ReciprocalTensor(const Table1<float, 6>& coefficients);
+
+// 1/d² of the vector h = (h, k, l) from the six coefficients.
+double InverseDSquared(const Table1<float, 6>& coefficients, const std::array<double, 3>& h);
 
 // The cell back from the six coefficients.
 Table1<float, 6> CellFromCoefficients(const Table1<float, 6>& coefficients);

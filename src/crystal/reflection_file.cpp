@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "crystal/metric.h"
 #include "crystal/reflection_generation.h"
 #include "crystal/space_group_symbol.h"
 #include "run/file_set.h"

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 
+#include "crystal/metric.h"
 #include "crystal/reflection.h"
 #include "model/lorentz_polarisation.h"
 #include "run/fortran_format.h"
@@ -59,11 +60,6 @@ SlotContext MakeSlotContext(const Job& job, int k, int ip, const HklShift& shift
   context.wavelengths = WavelengthCount(p);
   context.shift = shift;
   return context;
-}
-
-double InverseDSquared(const Table1<float, 6>& c, const std::array<double, 3>& v) {
-  const double h = v[0], k = v[1], l = v[2];
-  return c[1] * h * h + c[2] * k * k + c[3] * l * l + c[4] * k * l + c[5] * h * l + c[6] * h * k;
 }
 
 bool InsideRange(const SlotContext& context, double q) {

@@ -39,8 +39,6 @@ struct SlotContext {
 // PAR[3..5], the range with its margin and the wavelengths.
 SlotContext MakeSlotContext(const Job& job, int k, int ip, const HklShift& shift);
 
-double InverseDSquared(const Table1<float, 6>& coefficients, const std::array<double, 3>& hkl);
-
 // Whether 1/d² = q lies inside the range of the context.
 bool InsideRange(const SlotContext& context, double q);
 

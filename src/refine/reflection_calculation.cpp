@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "crystal/metric.h"
 #include "crystal/reflection.h"
 #include "model/asymmetry_factor.h"
 #include "model/intensity_factors.h"
@@ -42,15 +43,11 @@ std::array<double, 3> WorkingVector(const Phase& ph, const Reflection& r) {
   return h;
 }
 
-Table2<double, 3, 3> ReciprocalTensor(const Table1<float, DimensionLimits::MPAR>& par) {
-  Table2<double, 3, 3> g;
-  g(1, 1) = par[6];
-  g(2, 2) = par[7];
-  g(3, 3) = par[8];
-  g(2, 3) = g(3, 2) = 0.5 * par[9];
-  g(1, 3) = g(3, 1) = 0.5 * par[10];
-  g(1, 2) = g(2, 1) = 0.5 * par[11];
-  return g;
+// The reciprocal coefficients A..F of the phase in this pattern, PAR[6..11].
+Table1<float, 6> CellCoefficients(const PhasePattern& c) {
+  Table1<float, 6> coefficients;
+  for (int i = 1; i <= 6; ++i) coefficients[i] = c.PAR[5 + i];
+  return coefficients;
 }
 
 // Energy-dispersive geometry: E = Dtt1 sqrt(Q); the corrected position adds
@@ -58,7 +55,7 @@ Table2<double, 3, 3> ReciprocalTensor(const Table1<float, DimensionLimits::MPAR>
 // geometry keeps tan(theta) and 2theta, so that the width law reads
 // U E² + V E + W + GauSiz.
 bool MakeEnergyGeometry(const Pattern& p, const PhasePattern& c, Geometry& g) {
-  g.Q = InverseDSquared(c.PAR, g.h[0], g.h[1], g.h[2]);
+  g.Q = InverseDSquared(CellCoefficients(c), g.h);
   if (!(g.Q > 0.0)) return false;
   const double s = std::sqrt(g.Q);
   g.twoTheta = p.GLB[8] * s;
@@ -72,7 +69,7 @@ bool MakeEnergyGeometry(const Pattern& p, const PhasePattern& c, Geometry& g) {
 
 bool MakeGeometry(const Pattern& p, const PhasePattern& c, int w, Geometry& g) {
   if (p.IXUNIT == 2) return MakeEnergyGeometry(p, c, g);
-  g.Q = InverseDSquared(c.PAR, g.h[0], g.h[1], g.h[2]);
+  g.Q = InverseDSquared(CellCoefficients(c), g.h);
   g.lambda = p.LAMBDA[w];
   g.sin2 = 0.25 * g.Q * g.lambda * g.lambda;
   if (!(g.sin2 > 0.0) || g.sin2 >= 1.0) return false;
@@ -89,7 +86,7 @@ bool MakeGeometry(const Pattern& p, const PhasePattern& c, int w, Geometry& g) {
 // Derivative of the family quantity of profile slot s for this reflection.
 double ProfileSlotDerivative(int s, int code, int w, const Pattern& p, const PhasePattern& c,
                              const Geometry& g, const PeakWidths& widths,
-                             const IntensityCorrections& corr, float intensityWithoutScale) {
+                             const IntensityCorrections& corr) {
   const double t = g.tanTheta;
   const bool second = w == 2 && p.separateUVW2;
   const double H = code == 8 ? widths.HG : widths.H;
@@ -97,7 +94,7 @@ double ProfileSlotDerivative(int s, int code, int w, const Pattern& p, const Pha
     case 1:
       return c.PAR[1] != 0.0f ? 1.0 / c.PAR[1] : 0.0;
     case 2:
-      return intensityWithoutScale != 0.0f ? corr.dBov / corr.intensity : 0.0;
+      return corr.intensity != 0.0f ? corr.dBov / corr.intensity : 0.0;
     case 12:
       return corr.intensity != 0.0f ? corr.dPref1 / corr.intensity : 0.0;
     case 13:
@@ -165,9 +162,28 @@ double GlobalSlotDerivative(int n, const Pattern& p, const Geometry& g,
     case 29:
       return corr.intensity != 0.0f ? corr.dTau / corr.intensity : 0.0;
     default:
-      (void)p;
       return 0.0;
   }
+}
+
+// The widths of reflection r at geometry g, stored in the reflection.
+PeakWidths StoreWidths(Job& job, int ip, int phase, int w, const Geometry& g, Reflection& r) {
+  const int code = job.phases[phase].pat[ip].Npr;
+  WidthInput in;
+  in.code = code;
+  in.phase = phase;
+  in.wavelengthIndex = w;
+  in.twoTheta = static_cast<float>(g.twoTheta);
+  in.tanTheta = static_cast<float>(g.tanTheta);
+  in.cos2Theta = static_cast<float>(g.cos2);
+  in.previousFwhm = r.Fwhm;
+  const PeakWidths widths = PeakWidth(job, ip, in);
+  r.Fwhm = widths.H;
+  r.FwhmRight = code == 12 ? widths.HL : widths.H;
+  r.HG = widths.HG;
+  r.HL = widths.HL;
+  r.eta = widths.eta;
+  return widths;
 }
 
 void AddToRow(float* row, const Codeword& w, double value, int fitted) {
@@ -190,29 +206,11 @@ void FillReflectionWidths(Job& job, int ip) {
     Geometry g;
     g.h = WorkingVector(job.phases[phase], r);
     if (!MakeGeometry(p, c, KeyWavelength(r.key), g)) continue;
-    WidthInput in;
-    in.code = c.Npr;
-    in.phase = phase;
-    in.wavelengthIndex = KeyWavelength(r.key);
-    in.twoTheta = static_cast<float>(g.twoTheta);
-    in.tanTheta = static_cast<float>(g.tanTheta);
-    in.cos2Theta = static_cast<float>(g.cos2);
-    const PeakWidths widths = PeakWidth(job, ip, in);
+    StoreWidths(job, ip, phase, KeyWavelength(r.key), g, r);
     // From here on the position is kept without the zero and displacements,
     // which the order table and the peaks add.
     r.position = static_cast<float>(g.twoTheta);
-    r.Fwhm = widths.H;
-    r.FwhmRight = c.Npr == 12 ? widths.HL : widths.H;
-    r.HG = widths.HG;
-    r.HL = widths.HL;
-    r.eta = widths.eta;
   }
-}
-
-double InverseDSquared(const Table1<float, DimensionLimits::MPAR>& par, double h, double k,
-                       double l) {
-  return par[6] * h * h + par[7] * k * k + par[8] * l * l + par[9] * k * l + par[10] * h * l +
-         par[11] * h * k;
 }
 
 void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
@@ -235,20 +233,7 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   if (!MakeGeometry(p, c, w, g)) return;
   r.tanTheta = static_cast<float>(g.tanTheta);
   r.position = static_cast<float>(g.twoTheta);
-  WidthInput in;
-  in.code = c.Npr;
-  in.phase = phase;
-  in.wavelengthIndex = w;
-  in.twoTheta = r.position;
-  in.tanTheta = r.tanTheta;
-  in.cos2Theta = static_cast<float>(g.cos2);
-  in.previousFwhm = r.Fwhm;
-  const PeakWidths widths = PeakWidth(job, ip, in);
-  r.Fwhm = widths.H;
-  r.FwhmRight = c.Npr == 12 ? widths.HL : widths.H;
-  r.HG = widths.HG;
-  r.HL = widths.HL;
-  r.eta = widths.eta;
+  const PeakWidths widths = StoreWidths(job, ip, phase, w, g, r);
   ReflectionShapeInput shapeIn;
   shapeIn.phase = phase;
   shapeIn.code = c.Npr;
@@ -270,8 +255,9 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   ci.F2 = r.F2;
   const IntensityCorrections corr =
       p.IXUNIT == 2
-          ? EnergyIntensityFactors(job, ip, phase, ci, ReciprocalTensor(c.PAR), fitted > 0)
-          : IntensityFactors(job, ip, phase, ci, ReciprocalTensor(c.PAR), fitted > 0);
+          ? EnergyIntensityFactors(job, ip, phase, ci, ReciprocalTensor(CellCoefficients(c)),
+                                   fitted > 0)
+          : IntensityFactors(job, ip, phase, ci, ReciprocalTensor(CellCoefficients(c)), fitted > 0);
   r.Corr = corr.Corr;
   entry.intensity = c.PAR[1] * r.LpM * corr.intensity;
   entry.tan2Theta = Tan2ThetaFromSquares(static_cast<float>(g.sin2), static_cast<float>(g.cos2));
@@ -281,8 +267,7 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   if (fitted == 0) return;
   for (int s = 1; s <= DimensionLimits::MPAR; ++s) {
     if (c.PAC[s].parameterNumber == 0) continue;
-    AddToRow(row, c.PAC[s],
-             ProfileSlotDerivative(s, c.Npr, w, p, c, g, widths, corr, corr.intensity), fitted);
+    AddToRow(row, c.PAC[s], ProfileSlotDerivative(s, c.Npr, w, p, c, g, widths, corr), fitted);
   }
   for (int n = 1; n <= DimensionLimits::NGL; ++n) {
     if (p.GLBword[n].parameterNumber == 0) continue;

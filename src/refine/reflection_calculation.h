@@ -18,8 +18,4 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k);
 // wavelength; the cycles recompute them).
 void FillReflectionWidths(Job& job, int ip);
 
-// 1/d² of indices h from the reciprocal coefficients A..F.
-double InverseDSquared(const Table1<float, DimensionLimits::MPAR>& par, double h, double k,
-                       double l);
-
 }  // namespace corvinet

@@ -22,7 +22,7 @@ Table1<float, 6> Cell(float a, float b, float c, float alpha, float beta, float 
 }
 
 // 1/d² from the direct cell by the general triclinic formula, in long double.
-long double InverseDSquared(const Table1<float, 6>& cell, int h, int k, int l) {
+long double TriclinicInverseDSquared(const Table1<float, 6>& cell, int h, int k, int l) {
   const long double a = cell[1], b = cell[2], c = cell[3];
   const long double ca = std::cos(cell[4] * kDegree), cb = std::cos(cell[5] * kDegree),
                     cg = std::cos(cell[6] * kDegree);
@@ -40,18 +40,25 @@ long double InverseDSquared(const Table1<float, 6>& cell, int h, int k, int l) {
 }
 
 double FromCoefficients(const Table1<float, 6>& A, int h, int k, int l) {
-  return A[1] * h * h + A[2] * k * k + A[3] * l * l + A[4] * k * l + A[5] * h * l + A[6] * h * k;
+  return InverseDSquared(A,
+                         {static_cast<double>(h), static_cast<double>(k), static_cast<double>(l)});
 }
 
 void ExpectDSpacings(const Table1<float, 6>& cell) {
   CellMetric m;
   ASSERT_TRUE(BuildCellMetric(cell, m));
   const Table1<float, 6> A = ReciprocalCoefficients(m);
+  const Table2<double, 3, 3> gstar = ReciprocalTensor(A);
+  for (int i = 1; i <= 3; ++i) {
+    for (int j = 1; j <= 3; ++j) {
+      EXPECT_NEAR(gstar(i, j), m.Gstar(i, j), 2e-6 * std::abs(m.Gstar(1, 1))) << i << j;
+    }
+  }
   for (int h = -3; h <= 3; ++h) {
     for (int k = -3; k <= 3; ++k) {
       for (int l = -3; l <= 3; ++l) {
         if (h == 0 && k == 0 && l == 0) continue;
-        const long double expected = InverseDSquared(cell, h, k, l);
+        const long double expected = TriclinicInverseDSquared(cell, h, k, l);
         EXPECT_NEAR(FromCoefficients(A, h, k, l), static_cast<double>(expected),
                     2e-6 * static_cast<double>(expected))
             << h << " " << k << " " << l;
