@@ -3,25 +3,11 @@
 
 #include <cmath>
 
+#include "run/bisection.h"
+
 namespace corvinet {
 
 namespace {
-
-// The largest j in 1..n with x[j] <= v, by bisection; 0 when v lies below x[1].
-template <typename Entry>
-int Bisect(const Entry& x, int n, float v) {
-  int lo = 0;
-  int hi = n + 1;
-  while (hi - lo > 1) {
-    const int mid = (lo + hi) / 2;
-    if (x(mid) <= v) {
-      lo = mid;
-    } else {
-      hi = mid;
-    }
-  }
-  return lo;
-}
 
 // Row i and the fraction r toward row i + 1 at the position; r is held in 0..1.
 struct RowBlend {
@@ -33,7 +19,7 @@ RowBlend BlendAt(const NumericalProfile& t, float pos) {
   RowBlend b;
   if (t.shapeCount < 2) return b;
   const auto angle = [&t](int i) { return t.shapeAngle[i]; };
-  int i = Bisect(angle, t.shapeCount, pos);
+  int i = LastAtOrBelow(t.shapeCount, angle, pos);
   if (i < 1) i = 1;
   if (i > t.shapeCount - 1) i = t.shapeCount - 1;
   b.row = i;
@@ -60,7 +46,7 @@ NumericalSample SampleRow(const NumericalProfile& t, int s, int j, float u) {
 
 NumericalSample NumericalShapeAt(const NumericalProfile& t, float pos, float u) {
   const auto abscissa = [&t](int i) { return t.shapeX[i]; };
-  const int j = Bisect(abscissa, t.shapePoints, u);
+  const int j = LastAtOrBelow(t.shapePoints, abscissa, u);
   if (j < 1 || j >= t.shapePoints) return {};
   const RowBlend b = BlendAt(t, pos);
   NumericalSample n = SampleRow(t, b.row, j, u);

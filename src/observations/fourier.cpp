@@ -5,6 +5,7 @@
 #include <cmath>
 #include <vector>
 
+#include "run/bisection.h"
 #include "run/fortran_format.h"
 #include "surface/console.h"
 
@@ -73,17 +74,8 @@ void ButterflyStage(std::span<float> d, int size, int mmax, int sign) {
 // Index of the last point at or below x (0 below the first, NPTS at or above
 // the last), by bisection of the ascending abscissa.
 int LocatePoint(const Pattern& p, float x) {
-  int lo = 0;
-  int hi = p.NPTS + 1;
-  while (hi - lo > 1) {
-    const int mid = (hi + lo) / 2;
-    if (x >= p.X[mid]) {
-      lo = mid;
-    } else {
-      hi = mid;
-    }
-  }
-  return lo;
+  return LastAtOrBelow(
+      p.NPTS, [&p](int i) { return p.X[i]; }, x);
 }
 
 // Point index of an edge of an excluded region, clamped to 1..NPTS.

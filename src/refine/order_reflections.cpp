@@ -8,6 +8,8 @@
 
 #include "crystal/reflection.h"
 #include "crystal/reflection_generation.h"
+#include "refine/excluded_points.h"
+#include "run/bisection.h"
 #include "run/fortran_format.h"
 #include "surface/console.h"
 
@@ -18,16 +20,9 @@ namespace {
 constexpr float kDegree = 0.017453292f;
 constexpr float kLog4 = 1.3862944f;
 
-// Point index of an abscissa value, at most npts.
-int PointIndex(const Pattern& p, float value) {
-  const double raw = p.equalStep == 1 ? std::trunc((value - p.THMIN) / p.STEP + 1.5f)
-                                      : static_cast<double>(Locate(p.NPTS, p.X, value));
-  return static_cast<int>(std::clamp(raw, -1.0, static_cast<double>(p.NPTS)));
-}
-
 // The first index of an interval: raised to 1 when below 2.
 int LowIndex(const Pattern& p, float value) {
-  return std::max(PointIndex(p, value), 1);
+  return std::max(PointIndexOf(p, value), 1);
 }
 
 }  // namespace
@@ -86,8 +81,7 @@ void MarkExcludedRegions(Pattern& p, Table1<int, DimensionLimits::IDSZ>& k11,
                          Table1<int, DimensionLimits::IDSZ>& k21) {
   for (int j = 1; j <= p.NEXCRG; ++j) {
     if (!(p.ExclHigh[j] > p.THMIN)) continue;
-    const int lo = LowIndex(p, p.ExclLow[j]);
-    const int hi = PointIndex(p, p.ExclHigh[j]);
+    const auto [lo, hi] = ExcludedPointRange(p, j);
     for (int i = lo; i <= hi; ++i) {
       k21[i] = 1;
       k11[i] = 0;
@@ -170,18 +164,8 @@ void CheckRefinedShapeCodes(Job& job, const Pattern& p, int ip, int firstValid) 
 }  // namespace
 
 int Locate(int n, const Table1<float, DimensionLimits::IDSZ>& x, float value) {
-  if (n < 1 || value < x[1]) return 0;
-  int lo = 1;
-  int hi = n + 1;
-  while (hi - lo > 1) {
-    const int mid = (lo + hi) / 2;
-    if (x[mid] <= value) {
-      lo = mid;
-    } else {
-      hi = mid;
-    }
-  }
-  return lo;
+  return LastAtOrBelow(
+      n, [&x](int i) { return x[i]; }, value);
 }
 
 void OrderReflections(Job& job, int ip) {
@@ -197,7 +181,7 @@ void OrderReflections(Job& job, int ip) {
   for (int k = 1; k <= table.total; ++k) {
     const PeakInterval base = PeakIntervalOf(job, ip, k);
     const int lo = LowIndex(p, base.position - base.left);
-    const int hi = PointIndex(p, base.position + base.right);
+    const int hi = PointIndexOf(p, base.position + base.right);
     for (int i = lo; i <= hi; ++i) {
       k21[i] = k;
       if (k11[i] == 0) k11[i] = k;
