@@ -1,5 +1,4 @@
-// The cycle loop of a refinement: point passes, the equations, damping, update and the convergence
-// tests.
+// The cycle loop of a refinement: point passes, the equations, damping, update and the stop tests.
 #include "refine/cycle_driver.h"
 
 #include <cmath>
@@ -7,10 +6,15 @@
 #include <memory>
 
 #include "observations/background.h"
+#include "refine/bragg_profile.h"
 #include "refine/cycle_work.h"
+#include "refine/equation_solver.h"
 #include "refine/order_reflections.h"
+#include "refine/parameter_families.h"
+#include "refine/parameter_update.h"
 #include "refine/point_calculation.h"
 #include "refine/reflection_calculation.h"
+#include "refine/reliability.h"
 #include "run/fortran_format.h"
 #include "surface/console.h"
 
@@ -18,8 +22,12 @@ namespace corvinet {
 
 namespace {
 
+// Backgrounds in closed form are filled before the pass; only with them are
+// points without reflections calculated as well.
 bool PolynomialBackground(const Pattern& p) {
-  return p.NBCKGD == 0 || (p.backgroundSign < 0 && (p.NBCKGD == 1 || p.NBCKGD == 3));
+  const BackgroundModel model = BackgroundModelOf(p);
+  return model == BackgroundModel::Polynomial || model == BackgroundModel::Debye ||
+         model == BackgroundModel::Polynomial12;
 }
 
 // Walks the points of pattern ip; each reflection is computed just before the
@@ -47,6 +55,105 @@ void CalculatePattern(Job& job, CycleWork& work, int ip) {
     for (; next <= last; ++next) ComputeReflectionProfile(job, work, ip, next);
     CalculatePoint(job, work, ip, i);
   }
+}
+
+void ShowCycleHead(Job& job, int cycle) {
+  ConsoleLine(job, "   ");
+  ConsoleLineWithNumber(job, " ===================>>> CYCLE:", cycle, 0.0f, 1);
+  ConsoleLine(job, "   ");
+  ConsoleLine(job, " Control file *.pcr: " + job.driver.PcrCode);
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) {
+    ConsoleLine(job, Fmt("(A,I3,1X,A)", " Pattern: ", ip, job.patterns[ip].DatCode));
+  }
+}
+
+void ClearEquations(Job& job) {
+  NormalMatrix& n = job.refinement.normal;
+  const int fitted = std::min(job.run.MAXS, DimensionLimits::MSZ);
+  for (int i = 1; i <= fitted; ++i) {
+    n.B[i] = 0.0f;
+    for (int j = 1; j <= fitted; ++j) n.A(i, j) = 0.0f;
+  }
+}
+
+// Global chi-square and residual sum of the patterns, from their statistics.
+void SumPatterns(Job& job, int cycle, int endMarker) {
+  RefinementState& s = job.refinement;
+  const int fitted = job.run.MAXS;
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) {
+    ResidualStatistics(job, ip, cycle, endMarker);
+    const float S = job.reliability.pattern[ip].all.Residual;
+    const float weight = job.patterns[ip].W_PAT;
+    s.globalResidualSum += weight * S;
+    // The divisor is the count of Bragg points although S runs over all points.
+    s.GlobalChi2 += weight * S * (1.0f / static_cast<float>(s.braggPoints[ip] - fitted));
+  }
+}
+
+void Symmetrise(NormalMatrix& n, int fitted) {
+  for (int i = 1; i <= fitted; ++i) {
+    for (int j = i + 1; j <= fitted; ++j) n.A(j, i) = n.A(i, j);
+  }
+}
+
+void WriteDiagonal(Job& job, int cycle, int fitted) {
+  WriteLine(job, Unit::Out,
+            Fmt("(A,I4)", " => Diagonal of LSQ matrix before inversion at cycle:", cycle));
+  for (int i = 1; i <= fitted; ++i) {
+    WriteLine(job, Unit::Out, Fmt("(I5,A,E14.6)", i, ":", job.refinement.normal.A(i, i)));
+  }
+}
+
+void CheckDiagonal(Job& job, int fitted) {
+  for (int i = 1; i <= fitted; ++i) {
+    if (job.refinement.normal.A(i, i) >= 1.0e-30f) continue;
+    const std::string words =
+        Fmt("(A,I4)", " ==> Singular matrix!!, problem with parameter no.:", i);
+    WriteLine(job, Unit::Out, words);
+    ConsoleLine(job, words);
+    StopBox(job, " Singular Matrix!! ");
+  }
+}
+
+// The first parameter whose damped shift exceeds EPS sigma, or 0.
+int FirstUnconverged(Job& job, int cycle, int fitted) {
+  const NormalMatrix& n = job.refinement.normal;
+  for (int i = 1; i <= fitted; ++i) {
+    float t = job.run.EPS * std::sqrt(std::fabs(n.A(i, i)));
+    if (t <= 1.0e-7f) t = 1.0e-7f;
+    const float shift = n.B[i];
+    if (cycle == job.run.NCY || std::fabs(shift) > t) {
+      const std::string line = Fmt("(A,I3,A,F8.2,A)", " Convergence not reached because Shift-Par(",
+                                   i, ")/(eps*Sigma)=", shift / t, " abs> 1");
+      if (cycle != job.run.NCY) ConsoleLine(job, line);
+      return i;
+    }
+  }
+  return 0;
+}
+
+// The extra pass after convergence: zero shifts, statistics again, results.
+void FinalPass(Job& job, int cycle, const BraggProfile& profile) {
+  RefinementState& s = job.refinement;
+  s.EndMarker = kConvergedEndMarker;
+  for (int i = 1; i <= DimensionLimits::MSZ; ++i) s.normal.B[i] = 0.0f;
+  s.DisplayedCycle = job.run.NCY;
+  if (job.run.ICRYG == 0) {
+    s.GlobalChi2 = 0.0f;
+    s.globalResidualSum = 0.0f;
+    SumPatterns(job, cycle, s.EndMarker);
+  }
+  WriteCycleResults(job, cycle, s.EndMarker, profile);
+}
+
+void EndingSteps(Job& job) {
+  if (job.run.ICRYG == 0) {
+    for (int ip = 1; ip <= job.run.NPATT; ++ip) {
+      Pattern& p = job.patterns[ip];
+      for (int i = 1; i <= p.NPTS; ++i) p.CountNorm[i] = static_cast<float>(p.OrderCode[i]);
+    }
+  }
+  ConsoleLine(job, " Normal end, final calculations and writing...");
 }
 
 }  // namespace
@@ -77,6 +184,56 @@ void DampOscillations(Job& job, int fitted) {
       s.LastShift[i] = shift;
     }
   }
+}
+
+void RunCycles(Job& job, int& stopFlag) {
+  RefinementState& s = job.refinement;
+  const int fitted = std::min(job.run.MAXS, DimensionLimits::MSZ);
+  stopFlag = 0;
+  s.EndMarker = 0;
+  s.PreviousChi2 = 1.0e38f;
+  s.LastShift.Fill(0.0f);
+  BuildParameterFamilies(job);
+  auto work = std::make_unique<CycleWork>();
+  const BraggProfile profile = PointLoopProfile(job, *work);
+  for (int cycle = 1; cycle <= job.run.NCY; ++cycle) {
+    s.CycleNumber = cycle;
+    s.DisplayedCycle = cycle;
+    ShowCycleHead(job, cycle);
+    ClearEquations(job);
+    CalculatePatterns(job, *work, cycle);
+    if (std::abs(job.patterns[1].JOBTYP) > 1) break;
+    ConsoleLine(job, " Solving L.S. equations...");
+    s.GlobalChi2 = 0.0f;
+    s.globalResidualSum = 0.0f;
+    if (job.run.ICRYG == 0) SumPatterns(job, cycle, s.EndMarker);
+    Symmetrise(s.normal, fitted);
+    if (job.run.MAT == 2) WriteDiagonal(job, cycle, fitted);
+    CheckDiagonal(job, fitted);
+    if (fitted > 0) SolveNormalEquations(job, s.normal, s.solver, fitted);
+    for (int i = 1; i <= fitted; ++i) {
+      for (int j = 1; j <= fitted; ++j) s.normal.A(i, j) *= s.GlobalChi2;
+    }
+    DampOscillations(job, fitted);
+    ConsoleLineWithNumber(job, " Writing results for cycle", cycle, 0.0f, 1);
+    WriteCycleResults(job, cycle, s.EndMarker, profile);
+    if (job.run.IDUM == 2) {
+      if (s.PreviousChi2 - s.GlobalChi2 <= 0.0f) {
+        ConsoleLineWithNumber(job, " STOP at cycle", cycle, 0.0f, 1);
+        ConsoleLine(job, " because of divergence");
+        StopBox(job, " STOP because of divergence");
+        stopFlag = 1;
+        return;
+      }
+      s.PreviousChi2 = s.GlobalChi2;
+    }
+    const bool tested = job.run.ConvergenceTestActive;
+    if (tested && FirstUnconverged(job, cycle, fitted) != 0) continue;
+    if (cycle <= job.run.NCY && job.run.IDUM == 1 && !tested) continue;
+    FinalPass(job, cycle, profile);
+    break;
+  }
+  EndingSteps(job);
 }
 
 }  // namespace corvinet
