@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "control/pattern_block.h"
+#include "control/run_block.h"
 #include "run/field_reader.h"
 #include "run/fortran_format.h"
 #include "surface/console.h"
@@ -46,24 +47,15 @@ void ReadMonteCarloLine(Job& job) {
 }
 
 void ReadEndLines(Job& job) {
-  TextUnit& unit = job.files.units[Unit::Control];
-  // Reads the next line that is not a comment; false at the end of the file.
-  auto nextLine = [&](std::string& line) {
-    do {
-      if (ReadRecord(unit, line) != RecordRead::Ok) return false;
-      ++job.LINE;
-    } while (!line.empty() && line[0] == '!');
-    return true;
-  };
   std::string line;
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
     Pattern& p = job.patterns[ip];
     if (p.IPL != 1) continue;
     p.Iscale = p.Idif = 100;
-    if (!nextLine(line)) return;
+    if (!ReadNonCommentRecord(job, line)) return;
     ReadListLine(line, {{ReadTarget(&p.Iscale), ReadTarget(&p.Idif)}});
   }
-  if (job.run.JCIL == 2 && nextLine(line)) {
+  if (job.run.JCIL == 2 && ReadNonCommentRecord(job, line)) {
     ReadListLine(line, {{ReadTarget(&job.run.rpaRangeLow), ReadTarget(&job.run.rpaRangeHigh)}});
   }
 }

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "control/run_block.h"
 #include "crystal/phase_symmetry.h"
 #include "run/field_reader.h"
 #include "run/fortran_format.h"
@@ -14,15 +15,6 @@
 namespace corvinet {
 
 namespace {
-
-// Reads the next record of the control file that is not a comment; false at the end.
-bool ReadNonCommentRecord(Job& job, std::string& record, std::size_t length) {
-  do {
-    if (ReadRecord(job.files.units[Unit::Control], record, length) != RecordRead::Ok) return false;
-    ++job.LINE;
-  } while (!record.empty() && record[0] == '!');
-  return true;
-}
 
 void ReadPhaseTitle(Job& job, int k) {
   Phase& ph = job.phases[k];

@@ -45,7 +45,8 @@ void Echo(Job& job, const char* words, const PhasePattern& c, std::initializer_l
   WriteLine(job, Unit::Out, words + Row(c, slots, false));
 }
 
-void EchoParameters(Job& job, const Phase& ph, const PhasePattern& c, const Pattern& p) {
+// Echoes the profile parameters read, by the kind of phase and profile.
+void EchoParameters(Job& job, const PhasePattern& c, const Pattern& p) {
   if (std::abs(c.Irf) == 4) {
     Echo(job, " => Scale factors Sc1..Sc5 and Sc6:", c, {1, 2, 3, 4, 5, 12});
     Echo(job, " => Extinction parameters:", c, {13, 14, 15, 16, 17, 18, 19});
@@ -74,7 +75,6 @@ void EchoParameters(Job& job, const Phase& ph, const PhasePattern& c, const Patt
     WriteLine(job, Unit::Out, "    S_L is source width/detector distance");
     WriteLine(job, Unit::Out, "    D_L is detector width/detector distance");
   }
-  (void)ph;
 }
 
 void ReadSizeModel(Job& job, Phase& ph, PhasePattern& c) {
@@ -244,7 +244,7 @@ void ReadProfileForPattern(Job& job, int k, int ip) {
     ConsoleLine(job, Fmt("(A,I2)", " Scale factor fixed for phase:", k));
     c.PACtyped[1] = 0.0f;
   }
-  EchoParameters(job, ph, c, p);
+  EchoParameters(job, c, p);
   if (c.Npr == 8 && !intensities && (c.PAR[15] < 0.0f || c.PAR[16] < 0.0f)) {
     ConsoleLine(job, " Input X and/or Y parameters negative!");
     ConsoleLine(job, "                (value fixed at 0.001)");

@@ -174,13 +174,10 @@ void ApplyJobRules(Job& job) {
 
 std::string ReadResolutionName(Job& job) {
   std::string record;
-  for (;;) {
-    if (ReadRecord(job.files.units[Unit::Control], record, 255) != RecordRead::Ok) {
-      StopBox(job, " Error reading the name of resolution file");
-    }
-    ++job.LINE;
-    if (record.empty() || record[0] != '!') return TrimmedCopy(record);
+  if (!ReadNonCommentRecord(job, record, 255)) {
+    StopBox(job, " Error reading the name of resolution file");
   }
+  return TrimmedCopy(record);
 }
 
 // The side files, the limits and the stored profile number of one pattern.
@@ -266,6 +263,14 @@ void ApplyOutputRules(Job& job) {
 }
 
 }  // namespace
+
+bool ReadNonCommentRecord(Job& job, std::string& record, std::size_t length) {
+  do {
+    if (ReadRecord(job.files.units[Unit::Control], record, length) != RecordRead::Ok) return false;
+    ++job.LINE;
+  } while (!record.empty() && record[0] == '!');
+  return true;
+}
 
 void ReadControlFile(Job& job) {
   ReadControlHead(job);

@@ -1,6 +1,9 @@
 // Reading of the head of the control file: title, form, job lines, file names and output lines.
 #pragma once
 
+#include <cstddef>
+#include <string>
+
 #include "run/job.h"
 
 namespace corvinet {
@@ -12,6 +15,10 @@ void ReadControlFile(Job& job);
 // Reads the head of the control file (title to output lines) and writes the
 // conditions of the run on the report and the summary.
 void ReadControlHead(Job& job);
+
+// Reads the next record of the control file that is not a comment ('!' in
+// column 1), counting every record read in LINE; false at the end of the file.
+bool ReadNonCommentRecord(Job& job, std::string& record, std::size_t length = 132);
 
 // Reads the numerical peak shapes of the open shape file (unit 24).
 void ReadShapeFile(Job& job);

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "control/profile_lines.h"
+#include "control/run_block.h"
 #include "run/defaults.h"
 #include "run/file_set.h"
 #include "surface/console.h"
@@ -214,6 +215,28 @@ TEST(ProfileLines, ShapeLineOfStep7ForTheRightProfiles) {
       EXPECT_FLOAT_EQ(job->phases[1].pat[1].PAR[42], 0.7f) << typed;
     }
   }
+}
+
+TEST(ControlRecords, CommentsAreSkippedAndEveryRecordIsCounted) {
+  PhaseJob job("! one\n!two\nfirst\n\n! three\nsecond\n");
+  job->LINE = 10;
+  std::string record;
+  ASSERT_TRUE(ReadNonCommentRecord(*job, record));
+  EXPECT_EQ(record, "first");
+  EXPECT_EQ(job->LINE, 13);
+  ASSERT_TRUE(ReadNonCommentRecord(*job, record));
+  EXPECT_EQ(record, "") << "an empty record is not a comment";
+  ASSERT_TRUE(ReadNonCommentRecord(*job, record));
+  EXPECT_EQ(record, "second");
+  EXPECT_EQ(job->LINE, 16);
+  EXPECT_FALSE(ReadNonCommentRecord(*job, record)) << "end of the control file";
+}
+
+TEST(ControlRecords, RecordsAreCutToTheLengthAsked) {
+  PhaseJob job("!x\nabcdefghij\n");
+  std::string record;
+  ASSERT_TRUE(ReadNonCommentRecord(*job, record, 4));
+  EXPECT_EQ(record, "abcd");
 }
 
 TEST(ProfileLines, TimeOfFlightReadsTheExtraWidthLines) {
