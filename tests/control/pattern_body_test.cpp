@@ -308,6 +308,97 @@ TEST(PatternBody, TimeOfFlightConstantsComeFromTheGlobals) {
       HasLine(out, " => D-spacing to T.O.F. coefficient 1 and code:  5000.000000      0.00"));
 }
 
+TEST(PatternBody, LowAngleScaleCorrectionIsAnnouncedForXrays) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.cycle = "1 0.1 1 1 1 1 10.0 0.5 20.0 0 12.0";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_FLOAT_EQ(job->patterns[1].Sent0, 12.0f);
+  EXPECT_TRUE(
+      HasLine(dir.Read("x.out"),
+              " => Low angle scale factor multiplied by sin(theta)/sin(t0), where t0=  12.000"));
+}
+
+TEST(PatternBody, LowAngleScaleCorrectionIsSilentForOtherLorentzFactors) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.job = "2 5 1 0 0 0 0 0 0 1 0 0 0 0 0 0 0";
+  parts.cycle = "1 0.1 1 1 1 1 10.0 0.5 20.0 0 12.0";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_EQ(dir.Read("x.out").find(" => Low angle scale factor"), std::string::npos);
+}
+
+TEST(PatternBody, PolarizationIsWrittenForTheSynchrotronFormat) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.output = "0 0 1 0 1 0 0 0 0 1 4 0 0 0 0 0 0";
+  parts.instrument = "1.5406 1.5444 0.5 40.0 8.0 0.8 0.0 30.0 0.95";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_EQ(job->patterns[1].INSTR, 4);
+  EXPECT_TRUE(HasLine(dir.Read("x.out"), " => Polarization=   0.9500"));
+}
+
+TEST(PatternBody, PolarizationIsNotWrittenForOtherFormats) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.instrument = "1.5406 1.5444 0.5 40.0 8.0 0.8 0.0 30.0 0.95";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_EQ(dir.Read("x.out").find(" => Polarization="), std::string::npos);
+}
+
+TEST(PatternBody, EnergyDispersiveShiftWordsNameTheEnergyCoefficients) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.job = "2 5 1 0 0 0 0 0 0 0 0 0 0 0 0 2 0";
+  parts.instrument = "40.0 8.0 0";
+  parts.cycle = "1 0.1 1 1 1 1 10.0 0.5 20.0 0 0";
+  parts.globals = "0.0 0.0 30.0 0.0 0.5 0.0 8.0 0.0 0";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text())) << job.Console();
+  const std::string out = dir.Read("x.out");
+  EXPECT_TRUE(
+      HasLine(out, " =>    s=1/d to Energy(Kev) coefficient 1 and code:    30.000000      0.00"))
+      << out;
+  EXPECT_TRUE(
+      HasLine(out, " =>    s=1/d to Energy(Kev) coefficient 2 and code:     0.500000      0.00"));
+  EXPECT_TRUE(
+      HasLine(out, " => X-rays Energy Dispersive 2theta detector angle:     8.000000      0.00"));
+}
+
+TEST(PatternBody, BackgroundFromFileShowsItsTransform) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.job = "2 5 1 1 0 0 0 0 0 0 0 0 0 0 0 0 0";
+  parts.background = "2.0 5.0 0.1 -0.5\n0.0 0.0 0.0 0.0";
+  // A title, then one point for each of the 21 points of the pattern.
+  std::string bac = "Simulated flat background\n";
+  for (int i = 0; i <= 20; ++i) bac += std::to_string(10.0 + 0.5 * i) + " 100.0\n";
+  dir.Write("x.bac", bac);
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text())) << job.Console();
+  const std::string out = dir.Read("x.out");
+  EXPECT_TRUE(HasLine(out, " => Background read from file and transformed according to:")) << out;
+  EXPECT_TRUE(HasLine(out, "    Back(2q) = a * BackRead[ (1+c)*2q+d ] + b"));
+  EXPECT_TRUE(HasLine(out, " => Background coefficients a,b,c,d and codes ==>"));
+  EXPECT_TRUE(HasLine(out, "       2.00000       5.00000       0.10000      -0.50000"));
+  EXPECT_TRUE(HasLine(out, "       0.00000       0.00000       0.00000       0.00000"));
+  EXPECT_FLOAT_EQ(job->patterns[1].Backg[1], 2.0f * 100.0f + 5.0f);
+}
+
+TEST(PatternBody, MissingResolutionFileNameStops) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.job = "2 7 1 0 0 0 0 0 0 0 0 1 0 0 0 0 0";
+  EXPECT_FALSE(ReadWhole(dir, job, "Title\n" + parts.job + "\n! no name follows\n"));
+  EXPECT_NE(job.Console().find(" Error reading the name of resolution file"), std::string::npos)
+      << job.Console();
+}
+
 TEST(PatternBody, ReflectionListIsWrittenWhenAsked) {
   ScratchDir dir;
   CapturedJob job;

@@ -161,6 +161,124 @@ TEST(PhaseBlock, MoreLineGivesViewWordAndJob) {
   EXPECT_TRUE(HasLine(out, "    Neutron diffraction data"));
 }
 
+std::string Summary(PhaseJob& job) {
+  std::fflush(job->files.units[Unit::Sum].file);
+  return job.dir.Read("x.sum");
+}
+
+// The flags line of a single-pattern phase with the given Jbt, Irf, Npr and More.
+std::string Flags(int jbt, int irf, int npr = 0, int more = 0) {
+  return "T\n0 0 0 0.0 0.0 1.0 " + std::to_string(jbt) + " " + std::to_string(irf) +
+         " 0 0 0 0.0 0 " + std::to_string(npr) + " " + std::to_string(more) + "\n";
+}
+
+TEST(PhaseBlock, EveryPhaseKindHasItsWord) {
+  const std::pair<int, const char*> words[] = {
+      {0, " => Crystal Structure Refinement"},
+      {1, " => Magnetic Structure Refinement"},
+      {-1, " => Magnetic Structure Refinement (Spherical)"},
+      {2, " => Pattern Matching (fixed scale)"},
+      {-2, " => Pattern Matching (fixed scale)"},
+      {3, " => Pattern Matching (variable scale)"},
+      {-3, " => Pattern Matching (variable scale)"},
+      {4, " => Structural model provided by user"},
+      {-4, " => Structural model provided by user"},
+      {5, " => Magnetic model provided by user"},
+      {-5, " => Magnetic model provided by user"},
+      {10, " => Crystal+Magnetic Structure Refinement"},
+      {-10, " => Crystal+Magnetic(Spherical) Structure Refinement"},
+  };
+  for (const auto& [jbt, word] : words) EXPECT_STREQ(PhaseTypeWord(jbt), word) << jbt;
+  EXPECT_STREQ(PhaseTypeWord(6), "");
+  EXPECT_STREQ(PhaseTypeWord(-7), "");
+}
+
+TEST(PhaseBlock, PhaseWordGoesToTheSummaryWithThePhaseNumber) {
+  PhaseJob job(Flags(-10, 0) + "P 1\n");
+  ASSERT_TRUE(job.Runs(ReadPhaseOne));
+  EXPECT_TRUE(HasLine(job.Out(), " => Crystal+Magnetic(Spherical) Structure Refinement"));
+  EXPECT_TRUE(
+      HasLine(Summary(job), " => Crystal+Magnetic(Spherical) Structure Refinement for phase: 1"));
+}
+
+TEST(PhaseBlock, PhaseKindWithoutAWordWritesNoWord) {
+  PhaseJob job(Flags(7, 0) + "P 1\n");
+  ASSERT_TRUE(job.Runs(ReadPhaseOne));
+  const std::string sum = Summary(job);
+  EXPECT_EQ(sum.find(" for phase:"), std::string::npos) << sum;
+}
+
+TEST(PhaseBlock, MatchingOnSquaredStructureFactorsSaysSo) {
+  PhaseJob job(Flags(-2, 0) + "P 1\n");
+  job->run.ConvergenceTestActive = true;  // as the head of the control file leaves it
+  ASSERT_TRUE(job.Runs(ReadPhaseOne));
+  const std::string out = job.Out();
+  EXPECT_TRUE(HasLine(out, " => Pattern Matching (fixed scale)"));
+  EXPECT_TRUE(HasLine(out, " => Input data if irf=2: F(H)^2"));
+  EXPECT_FALSE(job->run.ConvergenceTestActive);
+}
+
+TEST(PhaseBlock, VariableScaleMatchingKeepsTheConvergenceTest) {
+  PhaseJob job(Flags(3, 2) + "P 1\n");
+  job->run.ConvergenceTestActive = true;  // as the head of the control file leaves it
+  ASSERT_TRUE(job.Runs(ReadPhaseOne));
+  EXPECT_TRUE(HasLine(job.Out(), " => Input data if irf=2: Integrated Intensities"));
+  EXPECT_TRUE(job->run.ConvergenceTestActive);
+  EXPECT_EQ(job->phases[1].Nat, 0);
+}
+
+TEST(PhaseBlock, ReflectionListFromFileIsAnnounced) {
+  PhaseJob job(Flags(0, 3) + "P 1\n");
+  ASSERT_TRUE(job.Runs(ReadPhaseOne));
+  EXPECT_TRUE(HasLine(job.Out(), " => Reflection list & partial structure factors read from file"));
+}
+
+TEST(PhaseBlock, OwnProfileOfAPhaseIsAnnouncedWithItsTypedNumber) {
+  PhaseJob job(Flags(0, 0, 7) + "P 1\n");
+  ASSERT_TRUE(job.Runs(ReadPhaseOne));
+  EXPECT_EQ(job->phases[1].pat[1].Npr, 8);
+  EXPECT_TRUE(HasLine(job.Out(), " => The  7th profile function was selected for phase no.  1"));
+}
+
+TEST(PhaseBlock, IntegratedIntensitiesDoNotAnnounceTheirProfile) {
+  PhaseJob job(Flags(0, 4, 7) + "P 1\n");
+  ASSERT_TRUE(job.Runs(ReadPhaseOne));
+  EXPECT_EQ(job.Out().find("th profile function was selected"), std::string::npos);
+}
+
+TEST(PhaseBlock, ViewWordsOfStruploAndClusters) {
+  const std::pair<int, const char*> words[] = {
+      {2, " => STRUPLO File (*.sch) is output for phase: 1"},
+      {11, " => Clusters of overlaped reflections is output for phase: 1"},
+  };
+  for (const auto& [jvi, word] : words) {
+    PhaseJob job(Flags(0, 0, 0, 1) + std::to_string(jvi) + " 0 0 0 0 0 1.0 0 0 0 0\nP 1\n");
+    ASSERT_TRUE(job.Runs(ReadPhaseOne)) << jvi;
+    EXPECT_TRUE(HasLine(job.Out(), word)) << jvi;
+  }
+}
+
+TEST(PhaseBlock, UnknownViewCodeWritesNoWord) {
+  PhaseJob job(Flags(0, 0, 0, 1) + "5 0 0 0 0 0 1.0 0 0 0 0\nP 1\n");
+  ASSERT_TRUE(job.Runs(ReadPhaseOne));
+  EXPECT_EQ(job.Out().find("is output for phase"), std::string::npos);
+}
+
+TEST(PhaseBlock, TimeOfFlightJobOfAPhaseIsNamed) {
+  PhaseJob job(Flags(0, 0, 0, 1) + "0 0 0 0 0 0 1.0 0 0 0 -1\nP 1\n");
+  ASSERT_TRUE(job.Runs(ReadPhaseOne));
+  const std::string out = job.Out();
+  EXPECT_TRUE(HasLine(out, " => Different job for phase:  1"));
+  EXPECT_TRUE(HasLine(out, "    Neutron T.O.F. diffraction data"));
+}
+
+TEST(PhaseBlock, XrayJobOfAPhaseInANeutronPatternIsNamed) {
+  PhaseJob job(Flags(0, 0, 0, 1) + "0 0 0 0 0 0 1.0 0 0 0 0\nP 1\n");
+  job->patterns[1].JOBTYP = 1;
+  ASSERT_TRUE(job.Runs(ReadPhaseOne));
+  EXPECT_TRUE(HasLine(job.Out(), "    X-ray diffraction data"));
+}
+
 TEST(ProfileLines, CellBecomesTheReciprocalCoefficients) {
   PhaseJob job(std::string("T\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 0 0 0\nP 1\n") + kCubicProfile);
   ASSERT_TRUE(job.Runs(ReadPhaseAndProfile));
