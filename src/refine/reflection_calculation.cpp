@@ -83,6 +83,11 @@ bool MakeGeometry(const Pattern& p, const PhasePattern& c, int w, Geometry& g) {
   return true;
 }
 
+// A derivative of the intensity factors relative to the factors themselves.
+double PerIntensity(const IntensityCorrections& corr, float derivative) {
+  return corr.intensity != 0.0f ? derivative / corr.intensity : 0.0;
+}
+
 // Derivative of the family quantity of profile slot s for this reflection.
 double ProfileSlotDerivative(int s, int code, int w, const Pattern& p, const PhasePattern& c,
                              const Geometry& g, const PeakWidths& widths,
@@ -94,11 +99,11 @@ double ProfileSlotDerivative(int s, int code, int w, const Pattern& p, const Pha
     case 1:
       return c.PAR[1] != 0.0f ? 1.0 / c.PAR[1] : 0.0;
     case 2:
-      return corr.intensity != 0.0f ? corr.dBov / corr.intensity : 0.0;
+      return PerIntensity(corr, corr.dBov);
     case 12:
-      return corr.intensity != 0.0f ? corr.dPref1 / corr.intensity : 0.0;
+      return PerIntensity(corr, corr.dPref1);
     case 13:
-      return corr.intensity != 0.0f ? corr.dPref2 / corr.intensity : 0.0;
+      return PerIntensity(corr, corr.dPref2);
     case 3:
       return second ? 0.0 : t * t / (2.0 * H);
     case 4:
@@ -156,11 +161,11 @@ double GlobalSlotDerivative(int n, const Pattern& p, const Geometry& g,
     case 26:
       return g.dTdTwoTheta * 2.0 * kRadian * g.tanTheta / g.lambda;
     case 27:
-      return corr.intensity != 0.0f ? corr.dP0 / corr.intensity : 0.0;
+      return PerIntensity(corr, corr.dP0);
     case 28:
-      return corr.intensity != 0.0f ? corr.dCp / corr.intensity : 0.0;
+      return PerIntensity(corr, corr.dCp);
     case 29:
-      return corr.intensity != 0.0f ? corr.dTau / corr.intensity : 0.0;
+      return PerIntensity(corr, corr.dTau);
     default:
       return 0.0;
   }
