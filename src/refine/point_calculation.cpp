@@ -66,8 +66,8 @@ void FamilySlopes(const RingEntry& e, const ProfilePoint& point, const ProfileSl
   slope[kEtar] = shape.Etar;
   slope[kXr] = shape.Xr;
   const bool underLimit = e.asymmetric != 0;
-  slope[kAsym1] = asymmetryRows ? -asym.terms.FaOverA / tanTheta
-                                : (underLimit ? sl.asymmetry : 0.0f);
+  slope[kAsym1] =
+      asymmetryRows ? -asym.terms.FaOverA / tanTheta : (underLimit ? sl.asymmetry : 0.0f);
   slope[kAsym2] = asymmetryRows ? -asym.terms.FbOverA / tanTheta : 0.0f;
   slope[kAsym3] = asymmetryRows ? -asym.terms.FaOverA / e.tan2Theta : 0.0f;
   slope[kAsym4] = asymmetryRows ? -asym.terms.FbOverA / e.tan2Theta : 0.0f;
