@@ -138,15 +138,15 @@ void CalculatePoint(Job& job, CycleWork& work, int ip, int i) {
   const std::uint8_t* family = state.family.ptr();
   float y = 0.0f;
   float slope[kFamilyCount] = {};
-  // A calculation needs the values only; a refinement also the slopes.
-  float* slopes = refine ? slope : nullptr;
+  // A calculation, or a refinement with nothing refined, needs the values only.
+  float* slopes = refine && fitted > 0 ? slope : nullptr;
   for (int k = first; first != 0 && k <= last; ++k) {
     const RingEntry& e = work.ring[RingSlot(k)];
     if (!e.active) continue;
     const float contribution = e.intensity * PeakAtPoint(job, p, ip, e, x, slopes);
     if (contribution == 0.0f) continue;
     y += contribution;
-    if (!refine) continue;
+    if (slopes == nullptr) continue;
     const float* ring = &state.DerivativeRing(RingSlot(k), 1);
     for (int L = 0; L < fitted; ++L) derivative[L] += contribution * slope[family[L]] * ring[L];
   }
