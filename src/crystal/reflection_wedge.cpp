@@ -179,25 +179,6 @@ WedgeLoops SetUpWedge(const SpaceGroup& group, int hMax, int kMax, int lMax) {
   return w;
 }
 
-bool LatticeAllows(LatticeRule rule, int h, int k, int l) {
-  switch (rule) {
-    case LatticeRule::kA:
-      return Mod(k + l, 2) == 0;
-    case LatticeRule::kB:
-      return Mod(h + l, 2) == 0;
-    case LatticeRule::kC:
-      return Mod(h + k, 2) == 0;
-    case LatticeRule::kI:
-      return Mod(h + k + l, 2) == 0;
-    case LatticeRule::kF:
-      return Mod(h + k, 2) == 0 && Mod(h + l, 2) == 0;
-    case LatticeRule::kObverseR:
-      return Mod(-h + k + l, 3) == 0;
-    default:
-      return true;
-  }
-}
-
 int WedgeKStart(const WedgeLoops& w, int h) {
   return RaiseTo(RawKStart(w, h), KResidue(w.lattice, h), w.kStep);
 }

@@ -37,9 +37,6 @@ LatticeRule LatticeRuleOfWords(const SpaceGroup& group);
 // Loop class, steps and limits for a group and the index limits of a range.
 WedgeLoops SetUpWedge(const SpaceGroup& group, int hMax, int kMax, int lMax);
 
-// Whether the centring allows (h, k, l).
-bool LatticeAllows(LatticeRule rule, int h, int k, int l);
-
 // Start and last value of the k loop for h, of the l loop for h and k; the
 // starts already obey the lattice rule.
 int WedgeKStart(const WedgeLoops& w, int h);
