@@ -37,7 +37,7 @@ struct CycleRun {
   bool finished = false;
   // `forceTest` switches the convergence test on after reading, as a phase
   // with a structure would leave it (profile matching switches it off).
-  CycleRun(int cycles, int refined, int idum = 0, bool forceTest = false) {
+  CycleRun(int cycles, int refined, int idum = 0, bool forceTest = false, float eps = -1.0f) {
     std::string data = "20.0 0.02 60.0\n";
     for (int i = 1; i <= 2001; ++i) data += i % 10 == 0 ? "100\n" : "100 ";
     dir.Write("x.dat", data + "\n");
@@ -49,6 +49,7 @@ struct CycleRun {
       job->run.ConvergenceTestActive = true;
       job->run.IDUM = idum;
     }
+    if (eps >= 0.0f) job->run.EPS = eps;
     finished = testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j, stop); });
   }
   int Count(const std::string& line) {
@@ -86,6 +87,17 @@ TEST(CycleDriver, OneCycleWithTheTestActiveNeverReportsConvergence) {
   EXPECT_TRUE(run.finished) << run.job.Console();
   EXPECT_EQ(run.job->refinement.EndMarker, 0);
   EXPECT_EQ(run.job.Console().find("Convergence not reached"), std::string::npos);
+}
+
+TEST(CycleDriver, ChiSquaredThatDoesNotFallStopsTheRunForDivergence) {
+  // A vanishing tolerance keeps the run cycling until chi2 stops falling.
+  CycleRun run(30, 2, 2, true, 0.0f);
+  EXPECT_FALSE(run.finished) << run.job.Console();
+  EXPECT_EQ(run.Count(" because of divergence"), 1);
+  EXPECT_EQ(run.Count(" STOP because of divergence"), 1) << run.job.Console();
+  // The first cycle compares with 1.0E+38 and always passes.
+  EXPECT_EQ(run.Count("    ===================>>> CYCLE:       2"), 1);
+  EXPECT_EQ(run.Count(" Normal end, final calculations and writing..."), 0);
 }
 
 TEST(CycleDriver, ShiftOfOnePointTwoTimesTheLastWithTheOtherSignIsHalved) {
