@@ -6,6 +6,7 @@
 #include "control/codeword.h"
 #include "crystal/metric.h"
 #include "crystal/space_group.h"
+#include "model/chemical_species.h"
 #include "run/dimension_limits.h"
 #include "run/table1.h"
 
@@ -31,6 +32,8 @@ struct PhasePattern {
   float prefLength2 = 0.0f;  // quadratic form of PREF with the metric
   int laueWidthFlag = 0;     // 1 or 2 by the Laue class of a generated list
   CellMetric metric;         // metric of the cell as read
+  Table1<ChemicalSpecies, DimensionLimits::N_SPE> species;  // species of the phase's atoms
+  int speciesCount = 0;
 };
 
 // A propagation vector with its codes.
