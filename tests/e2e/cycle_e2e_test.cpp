@@ -64,5 +64,12 @@ TEST(CycleEndToEnd, ThreeCyclesCarryExtractedIntensitiesAndShifts) {
   ExpectCycleReports("cycle3");
 }
 
+// Profile matching with the divergence test: the run stops after the first
+// cycle with a results pass that reports convergence and zero shifts, and
+// extracts the intensities once more.
+TEST(CycleEndToEnd, DivergenceTestEndsProfileMatchingWithAConvergedPass) {
+  ExpectCycleReports("stop");
+}
+
 }  // namespace
 }  // namespace corvinet

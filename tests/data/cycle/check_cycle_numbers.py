@@ -12,6 +12,8 @@ reflections, the calculated pattern of each cycle, the normal equations and
 their solution, the residual sums of both point sets and every derived value,
 the correlated-residuals factor and the Bragg factors of the Rietveld
 partition, which also give the intensities the next cycle starts from.
+With the divergence test switched on (IDUM 2) profile matching stops after
+the first cycle with a results pass of zero shifts, recalculated as well.
 
 Every number printed in the expected files must agree with the recalculation
 within half a unit of its last printed digit, widened only by what 32-bit
@@ -55,7 +57,7 @@ def control_values(path):
     lam = nums(3)
     run = nums(4)
     c = {
-        "JOBTYP": int(job[0]), "NPROF": int(job[1]), "NPHASE": int(job[2]),
+        "JOBTYP": int(job[0]), "NPROF": int(job[1]), "NPHASE": int(job[2]), "IDUM": int(job[7]),
         "NBCKGD": int(job[3]), "NEXCRG": int(job[4]), "NORI": int(job[6]),
         "IWGT": int(job[8]), "ILOR": int(job[9]),
         "LAMBDA1": lam[0], "LAMBDA2": lam[1], "RATIO": lam[2], "BKPOS": lam[3],
@@ -424,12 +426,32 @@ def run_job(c, data):
             back[j] = f32(back[j] + f32(cy.shift[L]) * c["R_GL"])
         cy.before, cy.after = before, list(back)
         cy.setA, cy.setB = cy.derived(False), cy.derived(True)
-        cy.scor = scor(cy) if cycle == c["NCY"] else None
+        # Profile matching switches the convergence test off; with the
+        # divergence test (IDUM 2) the run then ends after this cycle with a
+        # final pass: zero shifts, the sums of the same calculated pattern.
+        final = c["IDUM"] == 2
+        cy.scor = scor(cy) if cycle == c["NCY"] or final else None
         cy.rb, cy.rf, new_f2 = bragg_factors(cy, thmin, step)
         for r, f2 in zip(refl, new_f2):
             r["F2"] = f2
         out.append(cy)
+        if final:
+            out.append(final_pass(cy, thmin, step))
+            break
     return out
+
+
+def final_pass(cy, thmin, step):
+    """The results pass after the stop: same pattern and sums, no shift, and
+    the Bragg factors once more with the intensities just extracted."""
+    last = Cycle.__new__(Cycle)
+    last.__dict__.update(cy.__dict__)
+    last.shift = [0.0] * len(cy.shift)
+    last.bound = [0.0] * len(cy.shift)
+    last.before = last.after = cy.after
+    last.rb, last.rf, _ = bragg_factors(last, thmin, step)
+    last.final = True
+    return last
 
 
 # ---------------------------------------------------------------- comparison
@@ -483,7 +505,13 @@ def line_rules(c, cycles):
 
     def cycle_line(m, n, ck, st):
         st["cycle"] += 1
-        ck.exact(m.group(1), st["cycle"], "cycle", n)
+        # The results pass after a stop reports the cycle it follows.
+        ck.exact(m.group(1), st["cycle"] - (1 if getattr(cy(st), "final", False) else 0), "cycle", n)
+
+    def converged(m, n, ck, st):
+        if not getattr(cy(st), "final", False):
+            ck.failures += 1
+            print("line %d: convergence reported outside a final pass" % n)
 
     def ones(m, n, ck, st):
         for g in m.groups():
@@ -549,7 +577,7 @@ def line_rules(c, cycles):
         ck.exact(m.group(1), c["MAXS"], "fitted parameters", n)
 
     def sum_cycle(m, n, ck, st):
-        ck.exact(m.group(1), len(cycles), "cycle", n)
+        ck.exact(m.group(1), len([cy for cy in cycles if not getattr(cy, "final", False)]), "cycle", n)
         ck.exact(m.group(2), c["NCY"], "max cycle", n)
 
     def results(m, n, ck, st):
@@ -558,6 +586,7 @@ def line_rules(c, cycles):
     sp = r"\s*"
     return [
         (r" => CYCLE No\.:\s+(\d+)$", cycle_line),
+        (r" =>  Convergence reached at this CYCLE !!!!$", converged),
         (r" => Phase No\.\s+(\d+)\s+Cubic phase$", ones),
         (r" => Profile parameters of phase\s+(\d+) in pattern\s+(\d+)$", ones),
         (r"\s+(Scale|U|V|W|a|b|c|alpha|beta|gamma|Bk_a|Bck\d)\s+" + NUM + sp + NUM + sp + NUM + sp + "$", param),
