@@ -134,3 +134,20 @@ TEST(PlotPairFiles, MultiPatternFilesCarryThePatternNumber) {
 
 }  // namespace
 }  // namespace corvinet::testing
+
+namespace corvinet::testing {
+namespace {
+
+TEST(PlotPairFiles, FileThatCannotBeOpenedStopsWithItsName) {
+  ScratchDir dir;
+  CapturedJob job;
+  FillPlotCase(*job);
+  std::filesystem::create_directory(dir.path / "x.pl1");
+  EXPECT_FALSE(
+      RunsWithoutStop(*job, [](Job& j) { WriteOffsetPlotFiles(j, 1, PlotCaseExtremes()); }));
+  EXPECT_NE(job.Console().find(" => Error opening file: x.pl1 Unit: 17"), std::string::npos)
+      << job.Console();
+}
+
+}  // namespace
+}  // namespace corvinet::testing
