@@ -62,8 +62,8 @@ struct Phase {
   std::string SpaceGroupRemark;   // text behind the symbol, at most 10 characters
   int magneticSymmetry = 0;       // "Mag" in the remark of a |Jbt| 10 phase
   int refinedAtomParameters = 0;  // parameter numbers found among the atom codes
-  int atomOffset = 0;              // atoms of the phases before this one
-  int phaseAtomKind = 0;           // 0 plain, 1 anisotropic, 2 imaginary moments, 3 form factors
+  int atomOffset = 0;             // atoms of the phases before this one
+  int phaseAtomKind = 0;          // 0 plain, 1 anisotropic, 2 imaginary moments, 3 form factors
   Table1<PhasePattern, DimensionLimits::NPATT> pat;
   SpaceGroup group;   // symmetry of the phase
   int hasSymbol = 0;  // the group was built from SpaceGroupSymbol
@@ -77,12 +77,12 @@ struct Phase {
 };
 
 struct AtomSite {
-  std::string label;    // atom label (Atom)
-  std::string species;  // scattering species label (Typ)
-  int Mag = 0;          // magnetic flag, or the form-factor set
-  int Vek = 0;          // propagation vector of the atom
-  int In = 0, Fin = 0;  // first and last operator of the structure factor
-  int N_t = 0;          // kind of atom: anisotropic, magnetic, form factor
+  std::string label;        // atom label (Atom)
+  std::string species;      // scattering species label (Typ)
+  int Mag = 0;              // magnetic flag, or the form-factor set
+  int Vek = 0;              // propagation vector of the atom
+  int In = 0, Fin = 0;      // first and last operator of the structure factor
+  int N_t = 0;              // kind of atom: anisotropic, magnetic, form factor
   int nuclearSpecies = 0;   // species number (negative: a form-factor object)
   int magneticSpecies = 0;  // species number of the magnetic form factor
   Table1<float, DimensionLimits::NAT_P> ATP;

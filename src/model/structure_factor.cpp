@@ -83,8 +83,8 @@ void AddDerivative(float* dF2, int fitted, const Codeword& w, float value) {
 }
 
 // Derivatives of F^2 with respect to the parameters of one atom.
-void AtomDerivatives(const AtomSite& a, const AtomSums& s, float A, float B, float App,
-                     float Bpp, float s2, float* dF2, int fitted) {
+void AtomDerivatives(const AtomSite& a, const AtomSums& s, float A, float B, float App, float Bpp,
+                     float s2, float* dF2, int fitted) {
   const float wc = A * s.w + App * s.wpp;  // multiplies the cosine sums
   const float ws = B * s.w + Bpp * s.wpp;  // multiplies the sine sums
   for (int j = 0; j < 3; ++j) {

@@ -10,10 +10,10 @@ namespace corvinet {
 
 // Per-atom sums kept between the operator loop and the derivative stage.
 struct AtomSums {
-  float w = 0.0f;    // f Occ E
-  float wpp = 0.0f;  // f'' Occ E
-  float A = 0.0f;    // sum of T cos(phi) over the operators
-  float B = 0.0f;    // sum of T sin(phi)
+  float w = 0.0f;                // f Occ E
+  float wpp = 0.0f;              // f'' Occ E
+  float A = 0.0f;                // sum of T cos(phi) over the operators
+  float B = 0.0f;                // sum of T sin(phi)
   std::array<float, 3> posS{};   // sum of h'_j T sin(phi)
   std::array<float, 3> posC{};   // sum of h'_j T cos(phi)
   std::array<float, 6> betaC{};  // sums of h'_a h'_b T cos(phi): 11 22 33 12 13 23
@@ -30,10 +30,10 @@ struct StructureFactorScratch {
 struct StructureFactorRequest {
   int pattern = 1;
   int phase = 1;
-  int nSym = 1;        // operators used: no centre, no centring translations
-  int nAtoms = 0;      // atoms of the phase
-  int atomOffset = 0;  // atoms of the phases before it
-  int acentric = 1;    // 1 when the phase has no inversion at the origin
+  int nSym = 1;              // operators used: no centre, no centring translations
+  int nAtoms = 0;            // atoms of the phase
+  int atomOffset = 0;        // atoms of the phases before it
+  int acentric = 1;          // 1 when the phase has no inversion at the origin
   std::array<float, 3> h{};  // indices, shifted by the propagation vector if any
   float s2 = 0.0f;           // (sin(theta)/lambda)^2
 };
