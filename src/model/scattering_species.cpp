@@ -286,16 +286,18 @@ void ResolveScatteringSpecies(Job& job, int ip, int k, int atomCount, int specie
   w.table.speciesCount = w.count;
 }
 
-void SetUpPhaseSpecies(Job& job, int k) {
+void SetUpPhaseSpecies(Job& job, int k, int ip) {
   const Phase& ph = job.phases[k];
   if (std::abs(ph.Jbt) == 2 || std::abs(ph.Jbt) == 3) return;
-  for (int ip = 1; ip <= job.run.NPATT; ++ip) {
-    if (ph.pat[ip].Contribution == 0) continue;
-    const Pattern& p = job.patterns[ip];
-    const int radiation = std::abs(p.JOBTYP);
-    const int column = IsNeutronRadiation(radiation) ? 0 : AnomalousColumn(p.LAMBDA[1]);
-    ResolveScatteringSpecies(job, ip, k, ph.Nat, p.scatteringCount, column, radiation);
-  }
+  if (ph.pat[ip].Contribution == 0) return;
+  const Pattern& p = job.patterns[ip];
+  const int radiation = std::abs(p.JOBTYP);
+  const int column = IsNeutronRadiation(radiation) ? 0 : AnomalousColumn(p.LAMBDA[1]);
+  ResolveScatteringSpecies(job, ip, k, ph.Nat, p.scatteringCount, column, radiation);
+}
+
+void SetUpPhaseSpecies(Job& job, int k) {
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) SetUpPhaseSpecies(job, k, ip);
 }
 
 namespace {

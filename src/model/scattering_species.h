@@ -36,6 +36,9 @@ void ResolveScatteringSpecies(Job& job, int ip, int k, int atomCount, int specie
 // are read; does nothing for profile-matching phases (|Jbt| 2 or 3).
 void SetUpPhaseSpecies(Job& job, int k);
 
+// The same for pattern ip alone (nothing when the phase does not contribute to it).
+void SetUpPhaseSpecies(Job& job, int k, int ip);
+
 // Fills an entry's nine coefficients from the X-ray table by its name, folded
 // to lower case (the folded name is kept). Stops the run when no key matches.
 void LookupScatteringByLabel(Job& job, ScatteringEntry& entry);
