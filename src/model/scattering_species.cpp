@@ -46,7 +46,7 @@ void Out(Job& job, std::string_view text) {
   Out(job, text);
   ConsoleLine(job, text);
   StopBox(job, stop);
-  throw ProcessStop{1};
+  throw ProcessStop{0};
 }
 
 int FindSpecies(const SpeciesWork& w, const std::string& label4) {
@@ -65,7 +65,7 @@ ChemicalSpecies& NewSpecies(SpeciesWork& w, const std::string& label4) {
     Out(w.job, text);
     ConsoleLine(w.job, text);
     StopBox(w.job, " Too many chemical species");
-    throw ProcessStop{1};
+    throw ProcessStop{0};
   }
   ChemicalSpecies& sp = w.table.species[w.count];
   sp = ChemicalSpecies{};

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -240,7 +242,9 @@ TEST(ScatteringTablesReference, AnomalousRowsToThreeDecimals) {
   for (int i = 1; i <= 97; ++i) {
     const auto& r = rows[i - 1];
     EXPECT_EQ(std::stoi(r[0]), i);
-    if (i > 1) EXPECT_EQ(std::stoi(r[1]), i + 1);  // row n is the element n+1
+    if (i > 1) {
+      EXPECT_EQ(std::stoi(r[1]), i + 1);  // row n is the element n+1
+    }
     for (int j = 1; j <= 10; ++j) {
       EXPECT_NEAR(T().anomalous(i, j), std::stof(r[2 + j]), 5e-4f) << r[2] << " column " << j;
     }
