@@ -10,6 +10,7 @@
 #include "control/profile_lines.h"
 #include "crystal/reflection_generation.h"
 #include "crystal/reflection_list.h"
+#include "model/scattering_species.h"
 #include "observations/background.h"
 #include "observations/powder_data.h"
 #include "refine/reflection_calculation.h"
@@ -106,12 +107,13 @@ bool StopReadingAt(Job& job, const std::string& what) {
 }
 
 // The reflections of phase k in pattern ip, with the width flag of generated
-// and integrated lists and the listing the pattern asks for.
+// and integrated lists, the species of the phase and the listing the pattern asks for.
 void MakeContributionReflections(Job& job, int k, int ip) {
   Phase& ph = job.phases[k];
   PhasePattern& c = ph.pat[ip];
   MakeReflections(job, k, ip);
   if (c.Irf <= 0 || std::abs(c.Irf) == 4) c.laueWidthFlag = LaueWidthFlag(ph.group.LAUE);
+  SetUpPhaseSpecies(job, k, ip);
   if (job.patterns[ip].LST1 == 1) WriteReflectionList(job, k, ip);
 }
 

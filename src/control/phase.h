@@ -32,8 +32,10 @@ struct PhasePattern {
   float prefLength2 = 0.0f;  // quadratic form of PREF with the metric
   int laueWidthFlag = 0;     // 1 or 2 by the Laue class of a generated list
   CellMetric metric;         // metric of the cell as read
-  Table1<ChemicalSpecies, DimensionLimits::N_SPE> species;  // species of the phase's atoms
-  int speciesCount = 0;
+  // Species of the phase in this pattern; numbers continue those of earlier phases.
+  Table1<ChemicalSpecies, DimensionLimits::N_SPE> species;
+  int speciesCount = 0;  // species in use, counted from the first of the pattern
+  int objectCount = 0;   // species that are form-factor objects
 };
 
 // A propagation vector with its codes.

@@ -4,6 +4,8 @@
 #include <cstdlib>
 
 #include "control/pattern_block.h"
+#include "model/form_factor_fit.h"
+#include "model/scattering_species.h"
 #include "run/field_reader.h"
 #include "run/fortran_format.h"
 #include "run/text.h"
@@ -36,8 +38,10 @@ void ReadCoefficientLines(Job& job, ScatteringEntry& e) {
     ReadMaskedLine(job, Unit::Control, "fffffffff", job.LINE,
                    {&c[1], &c[2], &c[3], &c[4], &c[5], &c[6], &c[7], &c[8], &c[9]});
     if (100.0f + c[1] < 0.0001f) {
-      ConsoleLine(job, " => Fitting a table of form-factor points needs the scattering tables,");
-      StopBox(job, " => which this version of Corvinet does not hold");
+      // The mark line: the points so far become coefficients. A fitted a2
+      // that is not positive is kept as -1.0E-6, which still ends the entry.
+      FitGaussianFormFactor(e);
+      return;
     }
     if (std::fabs(c[3]) > 1.0e-6f) return;
     if (e.tablePoints >= kTablePoints) TooManyPoints(job);
@@ -69,9 +73,8 @@ void ReadEntry(Job& job, Pattern& p, ScatteringEntry& e) {
     ToLower(e.NAM);
   }
   if (e.ITAB == 2) {
-    // The coefficients come from the X-ray table by name.
-    ConsoleLine(job, " => Form-factor coefficients by name (ITAB 2) need the scattering tables,");
-    StopBox(job, " => which this version of Corvinet does not hold");
+    LookupScatteringByLabel(job, e);
+    return;
   }
   if (p.NSCAT > 0) {
     ReadCoefficientLines(job, e);

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "crystal/rotation_table.h"
+#include "model/form_factor_fit.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -1,0 +1,47 @@
+// Species tables of the phases: atom labels resolved against the fixed scattering tables and the
+// scattering entries of the control file.
+#pragma once
+
+#include <string_view>
+
+#include "model/chemical_species.h"
+#include "run/job.h"
+
+namespace corvinet {
+
+// The ten labels of form-factor objects, in their order.
+inline constexpr std::string_view kObjectLabels[10] = {"SPHS", "PARA", "ELLI", "CYLI", "SASH",
+                                                       "TORE", "SPHE", "FUD2", "FUD3", "FUD4"};
+
+// Column of the anomalous table for an X-ray pattern: the first reference
+// wavelength below lambda1 + 0.1, or 6 when none is (lambda1 below 0.4564 A).
+int AnomalousColumn(float lambda1);
+
+// f' and f'' of anomalous row `row` at `column`. Column 6 takes f' from the
+// first f'' column, as the program reads it, and gives f'' 0 instead of reading
+// beyond the table; column 0 (no X-ray column) gives 0 and 0.
+void AnomalousTerms(int row, int column, float& fp, float& fpp);
+
+// Walks the atoms of phase k and gives each its species number in pattern ip,
+// extending the species table of the phase. The table starts with the
+// `speciesGiven` scattering entries of the pattern and with the species of the
+// earlier phases of the pattern. `radiation` is |JOBTYP|: 1 and 3 neutron,
+// any other X-ray. Stops the run on a label that no table holds or beyond
+// N_SPE species.
+void ResolveScatteringSpecies(Job& job, int ip, int k, int atomCount, int speciesGiven,
+                              int anomalousColumn, int radiation);
+
+// Sets up the species of phase k in every pattern it contributes to, with that
+// pattern's radiation and anomalous column. Called after the atoms of the phase
+// are read; does nothing for profile-matching phases (|Jbt| 2 or 3).
+void SetUpPhaseSpecies(Job& job, int k);
+
+// The same for pattern ip alone (nothing when the phase does not contribute to it).
+void SetUpPhaseSpecies(Job& job, int k, int ip);
+
+// Fills an entry's nine coefficients from the X-ray table by its name, folded
+// to lower case (the folded name is kept). Stops the run when no key matches.
+void LookupScatteringByLabel(Job& job, ScatteringEntry& entry);
+void LookupScatteringByLabel(Job& job, ChemicalSpecies& species);
+
+}  // namespace corvinet
