@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <ctime>
 
+#include "control/atom_lines.h"
 #include "control/pattern_block.h"
 #include "control/phase_block.h"
 #include "control/profile_lines.h"
@@ -119,10 +120,10 @@ bool ReadPhases(Job& job) {
     ConsoleLine(job, Fmt("(A,I2)", " Reading parameters for phase:", k));
     ReadPhase(job, k);
     const Phase& ph = job.phases[k];
-    if (std::abs(ph.Jbt) != 2 && std::abs(ph.Jbt) != 3) {
-      return StopReadingAt(job, Fmt("(A,I2)", "the atoms of phase", k));
-    }
+    const bool structure = std::abs(ph.Jbt) != 2 && std::abs(ph.Jbt) != 3;
+    if (structure) ReadAtoms(job, k);
     ReadProfile(job, k);
+    DecodeAtomCodes(job, k);
     DecodeProfileCodes(job, k);
     if (ph.Dis != 0 || ph.Mom != 0) {
       return StopReadingAt(job, Fmt("(A,I2)", "the restraints of phase", k));

@@ -6,6 +6,7 @@
 #include "control/codeword.h"
 #include "crystal/metric.h"
 #include "crystal/space_group.h"
+#include "model/chemical_species.h"
 #include "run/dimension_limits.h"
 #include "run/table1.h"
 
@@ -31,6 +32,8 @@ struct PhasePattern {
   float prefLength2 = 0.0f;  // quadratic form of PREF with the metric
   int laueWidthFlag = 0;     // 1 or 2 by the Laue class of a generated list
   CellMetric metric;         // metric of the cell as read
+  Table1<ChemicalSpecies, DimensionLimits::N_SPE> species;  // species of the phase's atoms
+  int speciesCount = 0;
 };
 
 // A propagation vector with its codes.
@@ -59,8 +62,8 @@ struct Phase {
   std::string SpaceGroupRemark;   // text behind the symbol, at most 10 characters
   int magneticSymmetry = 0;       // "Mag" in the remark of a |Jbt| 10 phase
   int refinedAtomParameters = 0;  // parameter numbers found among the atom codes
-  int atomOffset = 0;              // atoms of the phases before this one
-  int phaseAtomKind = 0;           // 0 plain, 1 anisotropic, 2 imaginary moments, 3 form factors
+  int atomOffset = 0;             // atoms of the phases before this one
+  int phaseAtomKind = 0;          // 0 plain, 1 anisotropic, 2 imaginary moments, 3 form factors
   Table1<PhasePattern, DimensionLimits::NPATT> pat;
   SpaceGroup group;   // symmetry of the phase
   int hasSymbol = 0;  // the group was built from SpaceGroupSymbol
@@ -74,12 +77,12 @@ struct Phase {
 };
 
 struct AtomSite {
-  std::string label;    // atom label (Atom)
-  std::string species;  // scattering species label (Typ)
-  int Mag = 0;          // magnetic flag, or the form-factor set
-  int Vek = 0;          // propagation vector of the atom
-  int In = 0, Fin = 0;  // first and last operator of the structure factor
-  int N_t = 0;          // kind of atom: anisotropic, magnetic, form factor
+  std::string label;        // atom label (Atom)
+  std::string species;      // scattering species label (Typ)
+  int Mag = 0;              // magnetic flag, or the form-factor set
+  int Vek = 0;              // propagation vector of the atom
+  int In = 0, Fin = 0;      // first and last operator of the structure factor
+  int N_t = 0;              // kind of atom: anisotropic, magnetic, form factor
   int nuclearSpecies = 0;   // species number (negative: a form-factor object)
   int magneticSpecies = 0;  // species number of the magnetic form factor
   Table1<float, DimensionLimits::NAT_P> ATP;

@@ -2,6 +2,8 @@
 // parameters.
 #include "control/profile_lines.h"
 
+#include "control/codeword_check.h"
+
 #include <cmath>
 #include <cstdlib>
 #include <vector>
@@ -266,17 +268,6 @@ void ReadProfileForPattern(Job& job, int k, int ip) {
   ph.strainAxisLength2 = QuadraticForm(ph.StrainAxis, c.metric.Gstar);
   ph.sizeAxisLength2 = QuadraticForm(ph.SizeAxis, c.metric.Gstar);
   ph.shiftAxisLength2 = QuadraticForm(ph.ShiftAxis, c.metric.Gstar);
-}
-
-// Decodes one code with the capacity check; a number above MSZ stops the run.
-Codeword DecodeCheckedCode(Job& job, float typed) {
-  Codeword w = DecodeCodeword(typed);
-  if (w.parameterNumber <= DimensionLimits::MSZ) return w;
-  ConsoleLine(job, Fmt("(A,F12.2)", "                        Error in a code: ", typed));
-  ConsoleLine(job,
-              Fmt("(A,I4)", "    The maximum number of parameters is: ", DimensionLimits::MSZ));
-  StopBox(job, " Error in a code ");
-  return w;
 }
 
 void EchoCodes(Job& job, const Phase& ph, const PhasePattern& c, const Pattern& p, int ip) {

@@ -26,6 +26,9 @@ struct Reflection {
   float LpM = 0.0f;  // multiplicity times Lorentz-polarisation factor
   float Corr = 0.0f;
   float F2 = 0.0f;
+  float Aprime = 0.0f;      // A - B'' of the structure factor
+  float Bprime = 0.0f;      // B + A''
+  float phaseAngle = 0.0f;  // of the structure factor, radians, when asked
   float tanTheta = 0.0f;
   float fileValue1 = 0.0f;  // extra numbers of a reflection file
   float fileValue2 = 0.0f;

@@ -156,6 +156,19 @@ void EndingSteps(Job& job) {
   ConsoleLine(job, " Normal end, final calculations and writing...");
 }
 
+// Magnetic phases and rigid bodies need structure factors that this version
+// does not calculate: such a job stops before its first cycle.
+void StopOnStructureFactorsNotCalculated(Job& job) {
+  for (int k = 1; k <= job.run.NPHASE; ++k) {
+    const int Jbt = job.phases[k].Jbt;
+    const int magnitude = std::abs(Jbt);
+    if (magnitude == 1 || magnitude == 5 || magnitude == 10 || Jbt == 4) {
+      ConsoleLine(job, Fmt("(A,I2,A,I4)", " => Phase:", k, " has Jbt =", Jbt));
+      StopBox(job, " Magnetic and rigid-body structure factors are not available in this version ");
+    }
+  }
+}
+
 }  // namespace
 
 void CalculatePatterns(Job& job, CycleWork& work, int cycle) {
@@ -187,6 +200,7 @@ void DampOscillations(Job& job, int fitted) {
 }
 
 void RunCycles(Job& job, int& stopFlag) {
+  StopOnStructureFactorsNotCalculated(job);
   RefinementState& s = job.refinement;
   const int fitted = std::min(job.run.MAXS, DimensionLimits::MSZ);
   stopFlag = 0;

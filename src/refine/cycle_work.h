@@ -3,6 +3,7 @@
 #pragma once
 
 #include "model/peak_shape.h"
+#include "model/structure_factor.h"
 #include "run/dimension_limits.h"
 #include "run/table1.h"
 
@@ -25,6 +26,9 @@ struct CycleWork {
   // Which reflection of which pattern each ring slot holds now.
   Table1<int, DimensionLimits::NOV> computedPattern;
   Table1<int, DimensionLimits::NOV> computedReflection;
+  // Structure factors: per-atom sums and the derivatives of F^2 of one reflection.
+  StructureFactorScratch structure;
+  Table1<float, DimensionLimits::MSZ> dF2;
 };
 
 inline int RingSlot(int k) {

@@ -11,6 +11,7 @@
 #include "model/intensity_factors.h"
 #include "model/peak_shape_setup.h"
 #include "model/peak_width.h"
+#include "model/structure_factor.h"
 #include "refine/parameter_families.h"
 
 namespace corvinet {
@@ -197,6 +198,28 @@ void AddToRow(float* row, const Codeword& w, double value, int fitted) {
   row[L - 1] += static_cast<float>(w.multiplier * value);
 }
 
+// F^2 of a reflection of a crystal phase from its atoms; its derivatives go
+// to work.dF2 when parameters are refined.
+float CrystalStructureFactor(Job& job, CycleWork& work, int ip, int phase, const Geometry& g,
+                             Reflection& r, int fitted) {
+  const Phase& ph = job.phases[phase];
+  StructureFactorRequest q;
+  q.pattern = ip;
+  q.phase = phase;
+  q.nSym = ph.group.NSYM;
+  q.nAtoms = ph.Nat;
+  q.atomOffset = ph.atomOffset;
+  q.acentric = ph.group.ICENT == 1 ? 1 : 2;
+  for (int i = 0; i < 3; ++i) q.h[i] = static_cast<float>(g.h[i]);
+  q.s2 = static_cast<float>(0.25 * g.Q);
+  float* dF2 = nullptr;
+  if (fitted > 0) {
+    dF2 = &work.dF2[1];
+    for (int L = 0; L < fitted; ++L) dF2[L] = 0.0f;
+  }
+  return EvaluateStructureFactor(job, q, r, work.structure, dF2, fitted);
+}
+
 }  // namespace
 
 void FillReflectionWidths(Job& job, int ip) {
@@ -257,6 +280,8 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   ci.sin2Theta = static_cast<float>(g.sin2);
   // Profile matching starts its extraction from a unit intensity.
   if (std::abs(ph.Jbt) == 2 && !(r.F2 > 0.0f)) r.F2 = 1.0f;
+  const bool crystal = ph.Jbt == 0;
+  if (crystal) r.F2 = CrystalStructureFactor(job, work, ip, phase, g, r, fitted);
   ci.F2 = r.F2;
   const IntensityCorrections corr =
       p.IXUNIT == 2
@@ -270,6 +295,11 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   entry.phase = phase;
   entry.active = true;
   if (fitted == 0) return;
+  // Structural derivatives enter relative to F^2, as the intensity is proportional to it.
+  if (crystal && r.F2 > 0.0f) {
+    const float inverse = 1.0f / r.F2;
+    for (int L = 0; L < fitted; ++L) row[L] += work.dF2[L + 1] * inverse;
+  }
   for (int s = 1; s <= DimensionLimits::MPAR; ++s) {
     if (c.PAC[s].parameterNumber == 0) continue;
     AddToRow(row, c.PAC[s], ProfileSlotDerivative(s, c.Npr, w, p, c, g, widths, corr), fitted);

@@ -100,6 +100,21 @@ TEST(CycleDriver, ChiSquaredThatDoesNotFallStopsTheRunForDivergence) {
   EXPECT_EQ(run.Count(" Normal end, final calculations and writing..."), 0);
 }
 
+TEST(CycleDriver, MagneticOrRigidBodyPhaseStopsBeforeTheFirstCycle) {
+  for (int Jbt : {1, -1, 4, 5, -5, 10, -10}) {
+    CapturedJob job;
+    job->run.NPHASE = 1;
+    job->run.NCY = 1;
+    job->phases[1].Jbt = Jbt;
+    int stop = 0;
+    EXPECT_FALSE(testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j, stop); })) << Jbt;
+    EXPECT_NE(job.Console().find(
+                  " Magnetic and rigid-body structure factors are not available in this version"),
+              std::string::npos);
+    EXPECT_EQ(job.Console().find("CYCLE:"), std::string::npos);
+  }
+}
+
 TEST(CycleDriver, ShiftOfOnePointTwoTimesTheLastWithTheOtherSignIsHalved) {
   CapturedJob job;
   job->refinement.LastShift[1] = 1.0f;

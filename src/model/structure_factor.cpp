@@ -1,0 +1,162 @@
+// Squared structure factor of a reflection from the atoms of a crystal phase, with its derivatives.
+#include "model/structure_factor.h"
+
+#include <cmath>
+#include <cstdlib>
+
+#include "crystal/rotation_table.h"
+#include "surface/console.h"
+
+namespace corvinet {
+
+namespace {
+
+constexpr double kTwoPi = 6.283185307179586;
+
+// Form factor f and f'' of species `sp` at s2, from its tabulated points or
+// from its analytic coefficients (zero for neutrons, where f is the length).
+void FormFactor(const Pattern& p, const ChemicalSpecies& sp, int number, float s2, float& f,
+                float& fpp) {
+  fpp = sp.fpp;
+  if (p.NSCAT < 0 && number <= -p.NSCAT && sp.nTable >= 1) {
+    const float t = 2000.0f * std::sqrt(s2);
+    f = InterpolateFormFactor(sp, t) + sp.fp;
+    return;
+  }
+  double sum = sp.coeff[9] + sp.fp;
+  for (int j = 0; j < 4; ++j) {
+    sum += sp.coeff[2 * j + 1] * std::exp(-static_cast<double>(sp.coeff[2 * j + 2]) * s2);
+  }
+  f = static_cast<float>(sum);
+}
+
+// Adds the contribution of one operator to the sums of an atom.
+void AddOperator(const SpaceGroup& g, int n, const AtomSite& a, const StructureFactorRequest& q,
+                 AtomSums& s) {
+  const int index = g.isl[n];
+  const IntMatrix3& R = IROT(std::abs(index));
+  const int sign = index < 0 ? -1 : 1;
+  float hp[3];
+  for (int j = 1; j <= 3; ++j) {
+    hp[j - 1] = static_cast<float>(sign) *
+                (q.h[0] * static_cast<float>(R(1, j)) + q.h[1] * static_cast<float>(R(2, j)) +
+                 q.h[2] * static_cast<float>(R(3, j)));
+  }
+  const float ht =
+      q.h[0] * g.translation(1, n) + q.h[1] * g.translation(2, n) + q.h[2] * g.translation(3, n);
+  const double phi =
+      kTwoPi * (static_cast<double>(a.ATP[1]) * hp[0] + static_cast<double>(a.ATP[2]) * hp[1] +
+                static_cast<double>(a.ATP[3]) * hp[2] + ht);
+  const float quad[6] = {hp[0] * hp[0], hp[1] * hp[1], hp[2] * hp[2],
+                         hp[0] * hp[1], hp[0] * hp[2], hp[1] * hp[2]};
+  const double exponent = a.ATP[13] * quad[0] + a.ATP[14] * quad[1] + a.ATP[15] * quad[2] +
+                          2.0 * (a.ATP[16] * quad[3] + a.ATP[17] * quad[4] + a.ATP[18] * quad[5]);
+  const double T = std::exp(-exponent);
+  const float c = static_cast<float>(T * std::cos(phi));
+  const float sn = static_cast<float>(T * std::sin(phi));
+  s.A += c;
+  for (int j = 0; j < 3; ++j) s.posS[j] += hp[j] * sn;
+  for (int j = 0; j < 6; ++j) s.betaC[j] += quad[j] * c;
+  if (q.acentric != 1) return;
+  s.B += sn;
+  for (int j = 0; j < 3; ++j) s.posC[j] += hp[j] * c;
+  for (int j = 0; j < 6; ++j) s.betaS[j] += quad[j] * sn;
+}
+
+// The sums of one atom over its operators: In..Fin (with the identity first
+// when the range does not begin with it), or all of them.
+void SumOperators(const SpaceGroup& g, const AtomSite& a, const StructureFactorRequest& q,
+                  AtomSums& s) {
+  int first = 1, last = q.nSym;
+  if (a.In != 0 && a.Fin != 0) {
+    first = a.In;
+    last = a.Fin;
+    if (first != 1) AddOperator(g, 1, a, q, s);
+  }
+  for (int n = first; n <= last; ++n) AddOperator(g, n, a, q, s);
+}
+
+void AddDerivative(float* dF2, int fitted, const Codeword& w, float value) {
+  const int n = w.parameterNumber;
+  if (n <= 0 || n > fitted) return;
+  dF2[n - 1] += w.multiplier * value;
+}
+
+// Derivatives of F^2 with respect to the parameters of one atom.
+void AtomDerivatives(const AtomSite& a, const AtomSums& s, float A, float B, float App, float Bpp,
+                     float s2, float* dF2, int fitted) {
+  const float wc = A * s.w + App * s.wpp;  // multiplies the cosine sums
+  const float ws = B * s.w + Bpp * s.wpp;  // multiplies the sine sums
+  for (int j = 0; j < 3; ++j) {
+    const float d = static_cast<float>(-kTwoPi * 2.0 * (wc * s.posS[j] - ws * s.posC[j]));
+    AddDerivative(dF2, fitted, a.ATC[j + 1], d);
+  }
+  const float sumWeighted = wc * s.A + ws * s.B;
+  AddDerivative(dF2, fitted, a.ATC[4], -s2 * 2.0f * sumWeighted);
+  AddDerivative(dF2, fitted, a.ATC[5], 2.0f * sumWeighted / a.ATP[5]);
+  for (int j = 0; j < 6; ++j) {
+    const float factor = j < 3 ? -2.0f : -4.0f;
+    AddDerivative(dF2, fitted, a.ATC[13 + j], factor * (wc * s.betaC[j] + ws * s.betaS[j]));
+  }
+}
+
+// The phase angle of (A', B') for the Fourier files.
+float PhaseAngle(float Ap, float Bp, int acentric) {
+  if (acentric != 1) return Ap >= 0.0f ? 0.0f : static_cast<float>(kTwoPi / 2.0);
+  const double D = static_cast<double>(Ap) * Ap + static_cast<double>(Bp) * Bp;
+  if (D < 1.0e-5) return 0.0f;
+  double c = Ap / std::sqrt(D);
+  if (c > 1.0) c = 1.0;
+  if (c < -1.0) c = -1.0;
+  double angle = std::acos(c);
+  if (Bp < 0.0f) angle = kTwoPi - angle;
+  return static_cast<float>(angle);
+}
+
+}  // namespace
+
+float EvaluateStructureFactor(Job& job, const StructureFactorRequest& q, Reflection& r,
+                              StructureFactorScratch& scratch, float* dF2, int fitted) {
+  const Pattern& p = job.patterns[q.pattern];
+  const Phase& ph = job.phases[q.phase];
+  const PhasePattern& c = ph.pat[q.pattern];
+  float A = 0.0f, B = 0.0f, App = 0.0f, Bpp = 0.0f;
+  for (int i = 1; i <= q.nAtoms; ++i) {
+    const AtomSite& a = job.atoms[q.atomOffset + i];
+    AtomSums& s = scratch.atoms[i];
+    s = AtomSums{};
+    const int sp = a.nuclearSpecies;
+    if (sp <= 0) StopBox(job, " Form-factor objects are not evaluated by this version ");
+    float f = 0.0f, fpp = 0.0f;
+    FormFactor(p, c.species[sp], sp, q.s2, f, fpp);
+    const double E = std::exp(-static_cast<double>(a.ATP[4]) * q.s2);
+    SumOperators(ph.group, a, q, s);
+    s.w = static_cast<float>(f * a.ATP[5] * E);
+    s.wpp = static_cast<float>(fpp * a.ATP[5] * E);
+    A += s.w * s.A;
+    App += s.wpp * s.A;
+    if (q.acentric == 1) {
+      B += s.w * s.B;
+      Bpp += s.wpp * s.B;
+    }
+  }
+  if (c.Irf == 3 || c.Irf == -4) {
+    A += r.Aprime;
+    B += r.Bprime;
+  } else {
+    r.Aprime = A - Bpp;
+    r.Bprime = B + App;
+  }
+  const double F2 = static_cast<double>(A) * A + static_cast<double>(B) * B +
+                    static_cast<double>(App) * App + static_cast<double>(Bpp) * Bpp;
+  if (p.JFOU != 0) r.phaseAngle = PhaseAngle(r.Aprime, r.Bprime, q.acentric);
+  if (dF2 != nullptr) {
+    for (int i = 1; i <= q.nAtoms; ++i) {
+      AtomDerivatives(job.atoms[q.atomOffset + i], scratch.atoms[i], A, B, App, Bpp, q.s2, dF2,
+                      fitted);
+    }
+  }
+  return static_cast<float>(F2);
+}
+
+}  // namespace corvinet
