@@ -235,8 +235,29 @@ void ExpectSamePhase(const Job& ja, const Job& jb, int k) {
   for (int ip = 1; ip <= ja.run.NPATT; ++ip) ExpectSameContribution(a.pat[ip], b.pat[ip]);
 }
 
+void ExpectSameAtoms(const Job& ja, const Job& jb) {
+  int total = 0;
+  for (int k = 1; k <= ja.run.NPHASE; ++k) total += ja.phases[k].Nat;
+  for (int i = 1; i <= total; ++i) {
+    const AtomSite& a = ja.atoms[i];
+    const AtomSite& b = jb.atoms[i];
+    EXPECT_SAME(label);
+    EXPECT_SAME(species);
+    EXPECT_SAME(Mag);
+    EXPECT_SAME(Vek);
+    EXPECT_SAME(In);
+    EXPECT_SAME(Fin);
+    EXPECT_SAME(N_t);
+    for (int j = 1; j <= DimensionLimits::NAT_P; ++j) {
+      EXPECT_CLOSE(ATP[j]) << " slot " << j;
+      ExpectSameCode(a.ATC[j], b.ATC[j], "ATC " + std::to_string(j));
+    }
+  }
+}
+
 void ExpectSameModel(const Job& a, const Job& b) {
   ExpectSameRun(a.run, b.run);
+  ExpectSameAtoms(a, b);
   for (int ip = 1; ip <= a.run.NPATT; ++ip) {
     ExpectSamePatternFlags(a.patterns[ip], b.patterns[ip]);
     ExpectSamePatternValues(a.patterns[ip], b.patterns[ip]);
@@ -492,6 +513,42 @@ TEST(ControlRoundTrip, XrayFormFactorTable) {
   c.maxs = "0";
   c.cell = "4.0 4.0 4.0 90 90 90\n0 0 0 0 0 0";
   c.limits.clear();
+  RoundTrip(c.Text());
+}
+
+TEST(ControlRoundTrip, CrystalStructureAtoms) {
+  SingleCase c;
+  c.maxs = "4";
+  c.flags = "2 0 0 0.0 0.0 1.0 0 0 0 0 0 0.0 0 0 0";
+  c.symbol =
+      "P m 3 m\nFe FE 0.0 0.0 0.0 0.5 1.0 0 0 0\n0 0 0 41.0 0\n"
+      "O O 0.5 0.5 0.0 0.8 1.0 0 0 2\n0 0 0 0 0\n"
+      "0.001 0.001 0.002 0.0 0.0 0.0\n0 0 0 0 0 0";
+  RoundTrip(c.Text());
+}
+
+TEST(ControlRoundTrip, MagneticStructureAtoms) {
+  SingleCase c;
+  c.job = "1 5 1 0 0 0 0 0 0 0 0 0 0 1 0 0 0";
+  c.maxs = "4";
+  c.flags = "1 0 0 0.0 0.0 1.0 1 0 0 0 0 0.0 1 0 0";
+  c.symbol =
+      "P m 3 m\nMn MMN2 1 1 0.0 0.0 0.0 0.5 1.0 2.0 0.0 -1.5\n0 0 0 0 0 41.0 0 0\n"
+      "0.1 0.0 0.0 0.0 0.0 0.0 0.25\n0 0 0 0 0 0 0";
+  c.more = "0.5 0.0 0.0\n0 0 0\n";
+  RoundTrip(c.Text());
+}
+
+TEST(ControlRoundTrip, CrystalAndMagneticAtoms) {
+  SingleCase c;
+  c.job = "1 5 1 0 0 0 0 0 0 0 0 0 0 1 0 0 0";
+  c.maxs = "4";
+  c.flags = "1 0 0 0.0 0.0 1.0 10 0 0 0 0 0.0 1 0 0";
+  c.symbol =
+      "P m 3 m\nMn MMN2 1 1 0.0 0.0 0.0 0.5 1.0 3\n0 0 0 41.0 0\n"
+      "2.0 0.0 -1.5 0.1 0.0 0.0 0.25\n0 0 0 0 0 0 0\n"
+      "0.001 0.001 0.002 0.0 0.0 0.0\n0 0 0 0 0 0";
+  c.more = "0.5 0.0 0.0\n0 0 0\n";
   RoundTrip(c.Text());
 }
 
