@@ -1,0 +1,170 @@
+// The new control file: order of its blocks, its target unit, the closing lines and the .atm file.
+#include "control/control_writer.h"
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+#include "run/file_set.h"
+#include "run/fortran_format.h"
+#include "run/text.h"
+#include "surface/console.h"
+
+namespace corvinet {
+
+namespace control_writer {
+
+void Put(ControlLines& lines, const std::string& text) {
+  std::size_t start = 0;
+  for (;;) {
+    const std::size_t end = text.find('\n', start);
+    if (end == std::string::npos) {
+      lines.push_back(text.substr(start));
+      return;
+    }
+    lines.push_back(text.substr(start, end - start));
+    start = end + 1;
+  }
+}
+
+bool Commented(const Job& job) {
+  return job.run.commentedOutput == 1;
+}
+
+void Head(const Job& job, ControlLines& lines, const std::string& text) {
+  if (Commented(job)) Put(lines, text);
+}
+
+}  // namespace control_writer
+
+using control_writer::Head;
+using control_writer::Put;
+
+namespace {
+
+bool IsMagneticPhase(const Phase& ph) {
+  const int jbt = std::abs(ph.Jbt);
+  return jbt == 1 || jbt == 5 || jbt == 10;
+}
+
+void AppendPhase(const Job& job, int k, ControlLines& lines) {
+  AppendPhaseHead(job, k, lines);
+  AppendAtomLines(job, k, lines);
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) {
+    if (job.phases[k].pat[ip].Contribution != 0) AppendProfileLines(job, k, ip, lines);
+  }
+}
+
+// Hard limits, in the order of the parameter numbers.
+void AppendHardLimits(const Job& job, ControlLines& lines) {
+  Head(job, lines, "! Hard limits for selected parameters:");
+  for (int n = 1; n <= DimensionLimits::MSZ; ++n) {
+    if (job.limits.limited[n] == 0) continue;
+    Put(lines, Fmt("(I4,2F12.4)", n, job.limits.low[n], job.limits.high[n]));
+  }
+}
+
+void WriteLines(TextUnit& unit, const ControlLines& lines) {
+  for (const std::string& line : lines) WriteRecord(unit, line);
+  std::fflush(unit.file);
+}
+
+// The control file is rewritten in place: its unit is opened again for
+// writing at its start, and the file ends where the new text ends.
+TextUnit& ControlUnitForRewrite(Job& job) {
+  TextUnit& unit = job.files.units[Unit::Control];
+  const std::string name = IsOpen(unit) ? unit.name : job.driver.PcrCode + ".pcr";
+  if (!OpenUnit(unit, name, OpenStatus::Unknown)) {
+    StopBox(job, " => Error opening file: " + name + Fmt("(A,I3)", " Unit:", Unit::Control));
+  }
+  return unit;
+}
+
+void StopOnWriteFailure(Job& job, const TextUnit& unit) {
+  if (unit.file != nullptr && std::ferror(unit.file) == 0) return;
+  ConsoleLine(job, " => Error writing file: " + unit.name);
+  StopBox(job, " Error writing the new control file ");
+}
+
+void WriteAtomCoordinateFile(Job& job, int k) {
+  OpenFiles(job, 18, 1, k);
+  TextUnit& unit = job.files.units[Unit::Atoms];
+  WriteLines(unit, AtomCoordinateLines(job, k));
+  StopOnWriteFailure(job, unit);
+  CloseUnit(unit);
+}
+
+}  // namespace
+
+float ComposeCode(const Codeword& word) {
+  const float magnitude =
+      std::fabs(word.multiplier) + 10.0f * static_cast<float>(word.parameterNumber);
+  return std::signbit(word.multiplier) ? -magnitude : magnitude;
+}
+
+void AppendClosingLines(const Job& job, const ControlEndValues& ends, ControlLines& lines) {
+  const RunOptions& r = job.run;
+  if (r.NRELL != 0) AppendHardLimits(job, lines);
+  if (r.ICRYG == 2) {
+    Head(job, lines, "! Nconfg   Nsolu  Num_Ref  Nscalef");
+    Put(lines, Fmt("(4I8)", r.Nconfg, r.Nsolu, r.Num_Ref, r.Nscalef));
+  }
+  for (int ip = 1; ip <= r.NPATT; ++ip) {
+    if (job.patterns[ip].IPL != 1) continue;
+    Head(job, lines, Fmt("(A,I0)", "! Iscale    Idif   --> Pattern#", ip));
+    Put(lines, Fmt("(2I8)", ends.Iscale, ends.Idif));
+  }
+  if (r.JCIL == 2) {
+    Head(job, lines, "!  2Th1    2Th2  ");
+    Put(lines, Fmt("(2F8.2)", ends.twoTh1, ends.twoTh2));
+  }
+}
+
+ControlLines AtomCoordinateLines(const Job& job, int k) {
+  const Phase& ph = job.phases[k];
+  int ip = 1;
+  while (ip < job.run.NPATT && ph.pat[ip].Contribution == 0) ++ip;
+  const Table1<float, 6>& cell = ph.pat[ip].CellConstants;
+  ControlLines lines;
+  Put(lines, Fmt("(A,I0)", "TITLE  Atom coordinates of phase no:", k));
+  Put(lines, Fmt("(A,6F11.6)", "CELL ", cell[1], cell[2], cell[3], cell[4], cell[5], cell[6]));
+  Put(lines, "SPGR " + TrimmedCopy(ph.SpaceGroupSymbol));
+  if (IsMagneticPhase(ph)) {
+    Put(lines, Fmt("(A,I4)", "JBTV ", ph.Jbt));
+    Put(lines, Fmt("(A,I4)", "VECK ", ph.Nvk));
+    for (int n = 1; n <= ph.Nvk; ++n) {
+      const Table1<float, 3>& K = ph.vectors[n].KVEC;
+      Put(lines, Fmt("(A,I0,3F9.5)", "Vk_", n, K[1], K[2], K[3]));
+    }
+  }
+  return lines;
+}
+
+ControlLines ControlFileLines(const Job& job, const ControlEndValues& ends) {
+  ControlLines lines;
+  AppendRunBlock(job, lines);
+  AppendPatternBlock(job, lines);
+  for (int k = 1; k <= job.run.NPHASE; ++k) AppendPhase(job, k, lines);
+  AppendClosingLines(job, ends, lines);
+  return lines;
+}
+
+void WriteControlFile(Job& job, int Iscale, int Idif, float twoTh1, float twoTh2) {
+  const ControlLines lines = ControlFileLines(job, {Iscale, Idif, twoTh1, twoTh2});
+  if (job.run.NXT == 1) {
+    TextUnit& unit = ControlUnitForRewrite(job);
+    WriteLines(unit, lines);
+    StopOnWriteFailure(job, unit);
+  } else {
+    OpenFiles(job, 16, 0, 0);
+    TextUnit& unit = job.files.units[Unit::NewControl];
+    WriteLines(unit, lines);
+    StopOnWriteFailure(job, unit);
+    CloseUnit(unit);
+  }
+  for (int k = 1; k <= job.run.NPHASE; ++k) {
+    if (job.phases[k].Jdi != 0) WriteAtomCoordinateFile(job, k);
+  }
+}
+
+}  // namespace corvinet
