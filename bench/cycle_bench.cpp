@@ -76,4 +76,62 @@ void BM_CyclePass(benchmark::State& state) {
 }
 BENCHMARK(BM_CyclePass)->Arg(150)->Arg(300)->Unit(benchmark::kMillisecond);
 
+// An acentric monoclinic structure of 20 atoms over the same 17000 points,
+// with the coordinates and displacements of every atom refined (80
+// parameters) besides scale, widths, cell, zero and background.
+std::unique_ptr<Job> MakeStructureJob(const std::filesystem::path& dir) {
+  std::filesystem::create_directories(dir);
+  std::filesystem::current_path(dir);
+  std::ofstream pcr("bench.pcr");
+  pcr << "Structure cycle benchmark\n0 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n"
+         "0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 1 0\n"
+         "1.5406 1.5444 0.5 60.0 8.0 0.8 0.0 10.0 0.0\n"
+         "1 0.1 1 1 1 1 5.0 0.00475 85.74525 0 0\n90\n0.0 891.0 0.0 0 0.0 0 0 0 0\n"
+         "100 0 0 0 0 0\n901.0 0 0 0 0 0\n"
+         "Phase\n20 0 0 0.0 0.0 1.0 0 0 0 0 0 0.0 0 0 0\nP 1 21 1\n";
+  const char* types[] = {"O", "C", "N"};
+  for (int i = 0; i < 20; ++i) {
+    const float x = 0.03f + 0.047f * static_cast<float>(i);
+    const float y = 0.11f + 0.031f * static_cast<float>((7 * i) % 20);
+    const float z = 0.07f + 0.043f * static_cast<float>((3 * i) % 20);
+    pcr << Fmt("(A,I2.2,1X,A4,4F9.5,A)", "A", i, types[i % 3], x, y, z, 1.0f, " 1.0 0 0 0") << "\n";
+    const int n = 4 * i;
+    pcr << Fmt("(4F8.2,A)", 10.0f * (n + 1) + 1.0f, 10.0f * (n + 2) + 1.0f, 10.0f * (n + 3) + 1.0f,
+               10.0f * (n + 4) + 1.0f, " 0.0")
+        << "\n";
+  }
+  pcr << "1.0 0.0 0.0 0.0 0.0 0.0 0\n811.0 0 0 0 0 0\n"
+         "0.01 -0.005 0.008 0.01 0.0 0.0 0.0 0\n821.0 831.0 841.0 851.0 0 0 0\n"
+         "8.1 9.2 10.3 90 97 90\n861.0 871.0 881.0 0 0 0\n0 0 0 0 0 0\n0 0 0 0 0 0\n";
+  pcr.close();
+  std::ofstream dat("bench.dat");
+  dat << "5.0 0.00475 85.74525\n";
+  for (int i = 1; i <= 17000; ++i) dat << (i % 10 == 0 ? "100\n" : "100 ");
+  dat.close();
+  auto job = std::make_unique<Job>();
+  job->console.out = std::fopen("bench.console", "w");
+  job->driver.PcrCode = "bench";
+  job->driver.DatCode = "bench";
+  OpenFiles(*job, 1, 0, 0);
+  OpenFiles(*job, 2, 0, 0);
+  ResetDefaults(*job);
+  ReadControlFile(*job);
+  BuildParameterFamilies(*job);
+  return job;
+}
+
+void BM_StructureCyclePass(benchmark::State& state) {
+  const auto dir = std::filesystem::temp_directory_path() / "corvinet-structure-bench";
+  const auto previous = std::filesystem::current_path();
+  auto job = MakeStructureJob(dir);
+  auto work = std::make_unique<CycleWork>();
+  for (auto _ : state) CalculatePatterns(*job, *work, 1);
+  state.counters["reflections"] = job->patterns[1].reflections.total;
+  state.counters["points"] = job->patterns[1].NPTS;
+  state.counters["parameters"] = job->run.MAXS;
+  std::fclose(job->console.out);
+  std::filesystem::current_path(previous);
+}
+BENCHMARK(BM_StructureCyclePass)->Unit(benchmark::kMillisecond);
+
 }  // namespace
