@@ -195,6 +195,20 @@ void ExpectSameContribution(const PhasePattern& a, const PhasePattern& b) {
 }
 
 void ExpectSamePhase(const Job& ja, const Job& jb, int k) {
+  {
+    // The operators, whether typed or built from the symbol.
+    const SpaceGroup& ga = ja.phases[k].group;
+    const SpaceGroup& gb = jb.phases[k].group;
+    EXPECT_EQ(ga.NSYM, gb.NSYM);
+    EXPECT_EQ(ga.ICENT, gb.ICENT);
+    EXPECT_EQ(ga.LAUE, gb.LAUE);
+    for (int n = 1; n <= ga.NSYM; ++n) {
+      EXPECT_EQ(ga.isl[n], gb.isl[n]) << "operator " << n;
+      for (int axis = 1; axis <= 3; ++axis) {
+        EXPECT_FLOAT_EQ(ga.translation(axis, n), gb.translation(axis, n));
+      }
+    }
+  }
   const Phase& a = ja.phases[k];
   const Phase& b = jb.phases[k];
   EXPECT_SAME(PhaseTitle);
@@ -549,6 +563,38 @@ TEST(ControlRoundTrip, CrystalAndMagneticAtoms) {
       "2.0 0.0 -1.5 0.1 0.0 0.0 0.25\n0 0 0 0 0 0 0\n"
       "0.001 0.001 0.002 0.0 0.0 0.0\n0 0 0 0 0 0";
   c.more = "0.5 0.0 0.0\n0 0 0\n";
+  RoundTrip(c.Text());
+}
+
+TEST(ControlRoundTrip, AtomWithFormFactorParameters) {
+  SingleCase c;
+  c.maxs = "4";
+  c.flags = "1 0 0 0.0 0.0 1.0 0 0 0 0 0 0.0 0 0 0";
+  c.symbol =
+      "P m 3 m\nFe FE 0.0 0.0 0.0 0.5 1.0 0 0 4\n0 0 0 0 0\n"
+      "1.5 2.5 3.5 4.5 5.5 6.5 7.5\n0 41.0 0 0 0 0 0\n"
+      "8.5 9.5 10.5 11.5 12.5 13.5 14.5\n0 0 0 0 0 0 0";
+  RoundTrip(c.Text());
+}
+
+TEST(ControlRoundTrip, RigidBodyModelAtoms) {
+  SingleCase c;
+  c.maxs = "4";
+  c.flags = "1 0 0 0.0 0.0 1.0 4 0 0 0 0 0.0 0 0 0";
+  c.symbol =
+      "P m 3 m\nG1 C 0.1 0.2 0.3 0.4 0.5 0.6 0.7 0.8\n0 0 41.0 0 0 0 0 0\n"
+      "0.9 1.0 1.1 1.2 1.3 1.4 1.5 1.6\n0 0 0 0 0 0 0";
+  RoundTrip(c.Text());
+}
+
+TEST(ControlRoundTrip, OperatorsTypedInTheControlFile) {
+  SingleCase c;
+  c.maxs = "4";
+  c.flags = "1 0 0 0.0 0.0 1.0 0 0 1 0 0 0.0 0 0 0";
+  c.symbol =
+      "P -1\n!Nsym Cen Laue MagMat\n1 2 1 0\n1 0 0 0.0 0 1 0 0.0 0 0 1 0.0\n"
+      "Fe FE 0.1 0.2 0.3 0.5 1.0 0 0 0\n0 0 0 41.0 0";
+  c.cell = "4.0 4.1 4.2 91 92 93\n31.0 0 0 0 0 0";
   RoundTrip(c.Text());
 }
 
