@@ -198,6 +198,22 @@ void AddToRow(float* row, const Codeword& w, double value, int fitted) {
   row[L - 1] += static_cast<float>(w.multiplier * value);
 }
 
+// The position derivatives of a satellite with respect to the components of
+// its propagation vector: the working vector is h + k (or h - k).
+void AddVectorDerivatives(float* row, const Phase& ph, const PhasePattern& c, const Reflection& r,
+                          const Geometry& g, int fitted) {
+  const int n = std::abs(r.satelliteIndex);
+  if (n == 0 || n > ph.Nvk) return;
+  const double sign = r.satelliteIndex > 0 ? 1.0 : -1.0;
+  const Table1<float, 6> k = CellCoefficients(c);
+  const double x = g.h[0], y = g.h[1], z = g.h[2];
+  const double dQ[3] = {2.0 * k[1] * x + k[5] * z + k[6] * y, 2.0 * k[2] * y + k[4] * z + k[6] * x,
+                        2.0 * k[3] * z + k[4] * y + k[5] * x};
+  for (int i = 1; i <= 3; ++i) {
+    AddToRow(row, ph.vectors[n].KCODE[i], sign * g.dTdTwoTheta * g.dTwoThetadQ * dQ[i - 1], fitted);
+  }
+}
+
 // F^2 of a reflection of a crystal phase from its atoms; its derivatives go
 // to work.dF2 when parameters are refined.
 float CrystalStructureFactor(Job& job, CycleWork& work, int ip, int phase, const Geometry& g,
@@ -304,6 +320,7 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
     if (c.PAC[s].parameterNumber == 0) continue;
     AddToRow(row, c.PAC[s], ProfileSlotDerivative(s, c.Npr, w, p, c, g, widths, corr), fitted);
   }
+  AddVectorDerivatives(row, ph, c, r, g, fitted);
   for (int n = 1; n <= DimensionLimits::NGL; ++n) {
     if (p.GLBword[n].parameterNumber == 0) continue;
     AddToRow(row, p.GLBword[n], GlobalSlotDerivative(n, p, g, corr), fitted);

@@ -186,6 +186,67 @@ std::string EnergyControlText() {
          "0.3 0.0 0.0 0.0 0.0 0.0\n0 0 0 0 0 0\n";
 }
 
+// Satellites of a profile-matching phase with one propagation vector: the
+// position derivatives of its three components.
+TEST(PointDerivatives, PropagationVectorComponentsFollowFiniteDifferences) {
+  std::string text = ControlText(5, 0);
+  text.replace(text.find("2 0 0 0 0 0.0 0 0 0"), 19, "2 0 0 0 0 0.0 1 0 0");
+  text += "0.12 0.07 0.21\n0 0 0\n";
+  PointRun run(5, 0);
+  ScratchDir& dir = run.dir;
+  CapturedJob job;
+  ASSERT_TRUE(testing::ReadControlText(dir, job, text, false)) << job.Console();
+  Job& j = *job;
+  ASSERT_EQ(j.phases[1].Nvk, 1);
+  j.run.MAXS = 3;
+  for (int c = 1; c <= 3; ++c) j.phases[1].vectors[1].KCODE[c] = Codeword{c, 1.0f};
+  auto work = std::make_unique<CycleWork>();
+  auto at = [&](int i, std::vector<float>& derivative) {
+    BuildParameterFamilies(j);
+    FillBackground(j, 1);
+    OrderReflections(j, 1);
+    for (int k = 1; k <= j.patterns[1].reflections.total; ++k) {
+      ComputeReflectionProfile(j, *work, 1, k);
+    }
+    CalculatePoint(j, *work, 1, i);
+    derivative.assign(j.refinement.PointDerivative.begin(),
+                      j.refinement.PointDerivative.begin() + j.run.MAXS);
+    return j.patterns[1].Ycalc[i] + j.patterns[1].Backg[i];
+  };
+  // Points on the flanks of the first satellite above 25 degrees.
+  std::vector<float> analytic;
+  at(1, analytic);
+  int centre = 0;
+  const ReflectionTable& t = j.patterns[1].reflections;
+  for (int k = 1; k <= t.total && centre == 0; ++k) {
+    if (t.slot[k].satelliteIndex != 0 && t.slot[k].position > 25.0f) {
+      centre = static_cast<int>((t.slot[k].position - 20.0f) / 0.01f + 1.5f);
+    }
+  }
+  ASSERT_GT(centre, 0);
+  int checked = 0;
+  for (int i : {centre - 6, centre - 3, centre + 3, centre + 6}) {
+    at(i, analytic);
+    for (int c = 1; c <= 3; ++c) {
+      float& v = j.phases[1].vectors[1].KVEC[c];
+      const float saved = v;
+      const double h = 1e-4;
+      std::vector<float> unused;
+      v = static_cast<float>(saved + h);
+      const double up = at(i, unused);
+      v = static_cast<float>(saved - h);
+      const double down = at(i, unused);
+      v = saved;
+      const double numeric = (up - down) / (2.0 * h);
+      EXPECT_NEAR(analytic[static_cast<std::size_t>(c - 1)], numeric,
+                  2e-2 * std::max(std::fabs(numeric), 1.0))
+          << "component " << c << " at point " << i;
+      checked += std::fabs(numeric) > 1.0 ? 1 : 0;
+    }
+  }
+  EXPECT_GT(checked, 4);
+}
+
 TEST(PointDerivatives, EnergyDispersivePseudoVoigtFollowsFiniteDifferences) {
   ScratchDir dir;
   CapturedJob job;
