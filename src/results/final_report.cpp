@@ -43,7 +43,7 @@ void WriteOut(Job& job, const std::vector<std::string>& lines) {
   for (const std::string& line : lines) WriteLine(job, Unit::Out, line);
 }
 
-// Steps 1 and 2: the line-printer scales and the background files while Ycalc
+// The line-printer scales and the background files while Ycalc
 // is still the Bragg part, then the range of the parameter record.
 EndValues ReadEndValuesAndWriteBackgrounds(Job& job) {
   EndValues ends;
@@ -57,7 +57,7 @@ EndValues ReadEndValuesAndWriteBackgrounds(Job& job) {
   return ends;
 }
 
-// Step 3: the new control file, with the scales of the last pattern that has
+// The new control file, with the scales of the last pattern that has
 // a line-printer plot; then the input control file is closed.
 void WriteNewControlFile(Job& job, const EndValues& ends) {
   if (job.run.NXT != 0) {
@@ -71,7 +71,7 @@ void WriteNewControlFile(Job& job, const EndValues& ends) {
   CloseUnit(job.files.units[Unit::Control]);
 }
 
-// Step 4.
+// The correlation matrix, when asked for.
 void WriteCorrelationMatrix(Job& job) {
   if (job.run.MAT == 0) return;
   WriteOut(job, CorrelationMatrixLines(job.refinement.normal, FittedCount(job)));
@@ -110,7 +110,7 @@ void WritePhaseHeader(Job& job, int ip, int f) {
   WriteLine(job, Unit::Out, dashes);
 }
 
-// Step 6.4.2: the head of the phase file of extracted intensities.
+// The head of the phase file of extracted intensities.
 void OpenExtractedIntensityFile(Job& job, int ip, int f) {
   const Pattern& p = job.patterns[ip];
   const Phase& ph = job.phases[f];
@@ -128,7 +128,7 @@ void OpenExtractedIntensityFile(Job& job, int ip, int f) {
   }
 }
 
-// Steps 6.4.4 to 6.4.6: one row per reflection of the phase and the sums.
+// One row per reflection of the phase and the sums.
 PhaseReportSums WriteReflectionRows(Job& job, int ip, int f, const BraggProfile& profile) {
   const Pattern& p = job.patterns[ip];
   const bool toFile = p.JLKH != 0;
@@ -163,7 +163,7 @@ PhaseReportSums WriteReflectionRows(Job& job, int ip, int f, const BraggProfile&
   return sums;
 }
 
-// Step 6.4 for one phase.
+// The block of one phase: header, rows, Bragg factors.
 void ReportPhase(Job& job, int ip, int f, const PhaseFractions& fractions,
                  const BraggProfile& profile) {
   const Phase& ph = job.phases[f];
@@ -195,7 +195,7 @@ ProfileFileContext ContextOf(const Job& job, const PlotExtremes& extremes) {
   return c;
 }
 
-// Steps 6.7 to 6.11: the files that read the total Ycalc.
+// The files that read the total Ycalc: profile file, tables and plots.
 void WritePatternPlots(Job& job, int ip, const PlotExtremes& extremes, const EndValues& ends) {
   const Pattern& p = job.patterns[ip];
   WriteProfileFile(job, ip, ContextOf(job, extremes));
@@ -233,7 +233,7 @@ struct BraggPartOfYcalc {
   ~BraggPartOfYcalc() { std::copy(totals.begin(), totals.end(), &p.Ycalc[1]); }
 };
 
-// Step 6 for pattern ip.
+// Everything the report writes for pattern ip.
 void ReportPattern(Job& job, int ip, const PlotExtremes& extremes, const EndValues& ends,
                    const BraggProfile& profile) {
   const PhaseFractions fractions = ComputePhaseFractions(job, ip);

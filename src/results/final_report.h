@@ -21,7 +21,7 @@ void FinalReport(Job& job, CycleWork& work);
 // The same with a fresh ring: every peak is computed again.
 void FinalReport(Job& job);
 
-// --- Step 1 and 2: values read from the rest of the control file ---
+// --- Values read from the rest of the control file ---
 
 // Two numbers read from the next control-file line that does not begin with
 // "!"; `fallback` stays in both when the line is missing or unreadable.
@@ -33,7 +33,7 @@ EndLineValues ReadEndLineReals(Job& job, float fallback);
 // The same for two integers (the range of the parameter record for JCIL 2).
 EndLineValues ReadEndLineIntegers(Job& job);
 
-// --- Step 4: correlation matrix ---
+// --- Correlation matrix ---
 
 // trunc(100 C(i,j) / (s sqrt|C(i,i) C(j,j)|) + 0.5), s the sign of C(i,i) C(j,j).
 int CorrelationPercent(float cij, float cii, float cjj);
@@ -42,7 +42,7 @@ int CorrelationPercent(float cij, float cii, float cjj);
 // fewer than two parameters.
 std::vector<std::string> CorrelationMatrixLines(const NormalMatrix& normal, int fitted);
 
-// --- Step 6.1 and 6.2: weight and volume fractions of the phases of a pattern ---
+// --- Weight and volume fractions of the phases of a pattern ---
 
 struct PhaseFractions {
   int reflections = 0;                                    // NR of the pattern
@@ -60,14 +60,14 @@ struct PhaseFractions {
 // percentages and their sigmas.
 PhaseFractions ComputePhaseFractions(const Job& job, int ip);
 
-// --- Step 6.1 and 6.3: exports of a pattern ---
+// --- Exports of a pattern ---
 
 // The structure exports of the first pattern (phases with More and Jvi 1 or
 // 2), the phase-number check (Jdi 2), the Fourier, SHELX and collected-results
 // files of the pattern, and the opening of its reflection file (JLKH not 0).
 void WritePatternExports(Job& job, int ip);
 
-// --- Step 6.4: the phase blocks ---
+// --- The phase blocks ---
 
 // The per-phase sums of the reflection rows.
 struct PhaseReportSums {
@@ -114,7 +114,7 @@ std::string BraggRecordRow(int f, const PhaseFractions& fr, const PhaseReportSum
 // Mean wavelength of a pattern: (L1 + Ratio L2) / (1 + Ratio).
 float MeanWavelength(const Pattern& p);
 
-// --- Step 6.5: simulated pattern ---
+// --- Simulated pattern ---
 
 // The .sim file of a calculation job (|JOBTYP| > 1) with IDUM not 0; with
 // IDUM negative Ytotal is first replaced by Poisson counts of its mean.
