@@ -200,6 +200,11 @@ void DampOscillations(Job& job, int fitted) {
 }
 
 void RunCycles(Job& job, int& stopFlag) {
+  auto work = std::make_unique<CycleWork>();
+  RunCycles(job, stopFlag, *work);
+}
+
+void RunCycles(Job& job, int& stopFlag, CycleWork& work) {
   StopOnStructureFactorsNotCalculated(job);
   RefinementState& s = job.refinement;
   const int fitted = std::min(job.run.MAXS, DimensionLimits::MSZ);
@@ -208,14 +213,13 @@ void RunCycles(Job& job, int& stopFlag) {
   s.PreviousChi2 = 1.0e38f;
   s.LastShift.Fill(0.0f);
   BuildParameterFamilies(job);
-  auto work = std::make_unique<CycleWork>();
-  const BraggProfile profile = PointLoopProfile(job, *work);
+  const BraggProfile profile = PointLoopProfile(job, work);
   for (int cycle = 1; cycle <= job.run.NCY; ++cycle) {
     s.CycleNumber = cycle;
     s.DisplayedCycle = cycle;
     ShowCycleHead(job, cycle);
     ClearEquations(job);
-    CalculatePatterns(job, *work, cycle);
+    CalculatePatterns(job, work, cycle);
     if (std::abs(job.patterns[1].JOBTYP) > 1) break;
     ConsoleLine(job, " Solving L.S. equations...");
     s.GlobalChi2 = 0.0f;

@@ -10,6 +10,10 @@ namespace corvinet {
 // to 1 only by a stop on divergence; the final report runs when it is 0.
 void RunCycles(Job& job, int& stopFlag);
 
+// The same with the caller's working store, so that the peaks of the last
+// cycle remain available to the final report.
+void RunCycles(Job& job, int& stopFlag, struct CycleWork& work);
+
 // One pass over the points of every pattern: reflections computed lazily,
 // Ycalc filled, and for a refinement the normal equations accumulated.
 void CalculatePatterns(Job& job, struct CycleWork& work, int cycle);

@@ -8,9 +8,12 @@
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
+#include <memory>
 
 #include "control/run_block.h"
 #include "refine/cycle_driver.h"
+#include "refine/cycle_work.h"
+#include "results/final_report.h"
 #include "run/defaults.h"
 #include "run/file_set.h"
 #include "run/fortran_format.h"
@@ -141,8 +144,8 @@ void CloseAllUnits(Job& job) {
 }
 
 // The cycles of a refinement or the single pass of a calculation, once the
-// whole control file is read. The search and the final report are not part of
-// this version.
+// whole control file is read, then the final report. The search is not part
+// of this version.
 void RunEngine(Job& job) {
   if (!job.run.controlFileComplete) return;
   if (std::abs(job.run.ICRYG) == 2) {
@@ -159,12 +162,11 @@ void RunEngine(Job& job) {
       return;
     }
   }
-  RunCycles(job, job.driver.stopRequested);
+  auto work = std::make_unique<CycleWork>();
+  RunCycles(job, job.driver.stopRequested, *work);
+  // A run stopped on divergence never comes back here; the flag guards the rest.
   if (job.driver.stopRequested != 0) return;
-  const char* words =
-      " => The final report and the new control file are not written by this version of Corvinet";
-  ConsoleLine(job, words);
-  WriteReports(job, words);
+  FinalReport(job, *work);
 }
 
 void RunJobs(Job& job) {

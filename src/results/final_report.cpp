@@ -1,0 +1,279 @@
+// The final report of a run, step by step in its fixed order: end lines, new control file,
+// correlation matrix, background, phase fractions and reflection lists, simulated data, profile
+// and plot files, and the closing records.
+#include "results/final_report.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+#include "control/control_writer.h"
+#include "crystal/reflection.h"
+#include "observations/background.h"
+#include "refine/bragg_profile.h"
+#include "refine/cycle_work.h"
+#include "results/profile_files.h"
+#include "run/defaults.h"
+#include "run/file_set.h"
+#include "run/fortran_format.h"
+#include "run/run_driver.h"
+#include "run/text.h"
+#include "surface/console.h"
+
+namespace corvinet {
+
+namespace {
+
+// Below this the observed intensity of a phase counts as none.
+constexpr float kNoIntensity = 1.0e-10f;
+
+// What the first steps read from the end of the control file.
+struct EndValues {
+  Table1<EndLineValues, DimensionLimits::NPATT> plotScales;
+  EndLineValues rpaRange{0.0f, 0.0f};
+};
+
+int FittedCount(const Job& job) {
+  return std::min(job.run.MAXS, DimensionLimits::MSZ);
+}
+
+void WriteOut(Job& job, const std::vector<std::string>& lines) {
+  for (const std::string& line : lines) WriteLine(job, Unit::Out, line);
+}
+
+// The line-printer scales and the background files while Ycalc
+// is still the Bragg part, then the range of the parameter record.
+EndValues ReadEndValuesAndWriteBackgrounds(Job& job) {
+  EndValues ends;
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) {
+    const int ipl = job.patterns[ip].IPL;
+    if (ipl == 1) ends.plotScales[ip] = ReadEndLineReals(job, 100.0f);
+    if (ipl == 2 || ipl == 3) WriteBackgroundPlotFiles(job, ip);
+  }
+  ends.rpaRange = {job.run.rpaRangeLow, job.run.rpaRangeHigh};
+  if (job.run.JCIL == 2) ends.rpaRange = ReadEndLineIntegers(job);
+  return ends;
+}
+
+// The new control file, with the scales of the last pattern that has
+// a line-printer plot; then the input control file is closed.
+void WriteNewControlFile(Job& job, const EndValues& ends) {
+  if (job.run.NXT != 0) {
+    EndLineValues scales;
+    for (int ip = 1; ip <= job.run.NPATT; ++ip) {
+      if (job.patterns[ip].IPL == 1) scales = ends.plotScales[ip];
+    }
+    WriteControlFile(job, static_cast<int>(scales.first), static_cast<int>(scales.second),
+                     ends.rpaRange.first, ends.rpaRange.second);
+  }
+  CloseUnit(job.files.units[Unit::Control]);
+}
+
+// The correlation matrix, when asked for.
+void WriteCorrelationMatrix(Job& job) {
+  if (job.run.MAT == 0) return;
+  WriteOut(job, CorrelationMatrixLines(job.refinement.normal, FittedCount(job)));
+}
+
+}  // namespace
+
+void WritePatternExports(Job& job, int ip) {
+  for (int f = 1; f <= job.run.NPHASE; ++f) {
+    const Phase& ph = job.phases[f];
+    if (ip != 1 || ph.More == 0) continue;
+    if (ph.Jvi == 1 || ph.Jvi == 2) {
+      NotWrittenLine(job, Fmt("(A,I2)", "the Schakal/STRUPLO file (.sch) of phase", f));
+    }
+    if (ph.Jdi == 2 && f > DimensionLimits::NPHT) StopBox(job, "Illegal phase number");
+  }
+  const Pattern& p = job.patterns[ip];
+  if (p.JFOU != 0) NotWrittenLine(job, Fmt("(A,I2)", "the Fourier file (.fou) of pattern", ip));
+  if (std::abs(p.JFOU) == 2) NotWrittenLine(job, "the SHELX file (.ins)");
+  if (std::abs(p.JFOU) == 3 || std::abs(p.JFOU) == 4) {
+    NotWrittenLine(job, "the Fourier template (.inp)");
+  }
+  if (p.JLKH != 0) OpenFiles(job, 8, ip, 0);
+  if (job.run.JCIL == 2) NotWrittenLine(job, "the collected results file (.sav)");
+}
+
+namespace {
+
+void WritePhaseHeader(Job& job, int ip, int f) {
+  const std::string dashes(80, '-');
+  WriteLine(job, Unit::Out, "");
+  WriteLine(job, Unit::Out, dashes);
+  WriteLine(job, Unit::Out,
+            Fmt("(A,I3,A,I3,A,A)", " Pattern#", ip, " Phase No: ", f,
+                " Phase name: ", TrimRight(job.phases[f].PhaseTitle)));
+  WriteLine(job, Unit::Out, dashes);
+}
+
+// The head of the phase file of extracted intensities.
+void OpenExtractedIntensityFile(Job& job, int ip, int f) {
+  const Pattern& p = job.patterns[ip];
+  const Phase& ph = job.phases[f];
+  OpenFiles(job, 22, ip, f);
+  const int u = Unit::IntensitiesOut;
+  WriteLine(job, u,
+            Fmt("(A,I3,A,I3,2X,A)", " Pattern#", ip, " Phase No: ", f, TrimRight(ph.PhaseTitle)));
+  WriteLine(job, u,
+            Fmt("(I6,3F10.5)", p.reflections.count[f], p.LAMBDA[1], p.LAMBDA[2], p.RATIO[2]));
+  if (ph.Nvk <= 0) return;
+  WriteLine(job, u, Fmt("(A,I3)", " Number of propagation vectors:", ph.Nvk));
+  for (int n = 1; n <= ph.Nvk; ++n) {
+    const Table1<float, 3>& K = ph.vectors[n].KVEC;
+    WriteLine(job, u, Fmt("(3F10.5)", K[1], K[2], K[3]));
+  }
+}
+
+// One row per reflection of the phase and the sums.
+PhaseReportSums WriteReflectionRows(Job& job, int ip, int f, const BraggProfile& profile) {
+  const Pattern& p = job.patterns[ip];
+  const bool toFile = p.JLKH != 0;
+  if (toFile) {
+    for (const std::string& line : ReflectionFileHeader(job, ip, f)) {
+      WriteLine(job, Unit::HklOut, line);
+    }
+  }
+  WriteLine(job, Unit::Out,
+            " Code h   k   l  Mult   D(A)     2T      HW       Iobs    Icalc   io-ic");
+  PhaseReportSums sums;
+  const ReflectionTable& table = p.reflections;
+  for (int k = 1; k <= table.total; ++k) {
+    if (KeyPhase(table.slot[k].key) != f) continue;
+    const ReflectionShare share = PartitionReflection(job, ip, k, profile);
+    if (!share.counted) continue;
+    sums.SumIobs += share.Iobs;
+    sums.SumIcalc += share.Icalc;
+    sums.SumAbsI += std::fabs(share.Iobs - share.Icalc);
+    sums.SumFobs += share.Fobs;
+    sums.SumAbsF += std::fabs(share.Fobs - share.Fcalc);
+    const ReflectionRowValues row = ReflectionRow(job, ip, k, share);
+    WriteLine(job, Unit::Out, ReportReflectionRow(row));
+    if (toFile) WriteLine(job, Unit::HklOut, ReflectionFileRow(job, ip, f, row));
+  }
+  if (std::fabs(sums.SumIobs) < kNoIntensity) {
+    StopBox(job, "Sum(Iobs)=0: have you really reflections?", 0);
+    sums.SumIobs = 1.0f;
+  }
+  sums.FinalRB = BraggRatio(sums.SumAbsI, sums.SumIobs);
+  sums.FinalRF = BraggRatio(sums.SumAbsF, sums.SumFobs);
+  return sums;
+}
+
+// The block of one phase: header, rows, Bragg factors.
+void ReportPhase(Job& job, int ip, int f, const PhaseFractions& fractions,
+                 const BraggProfile& profile) {
+  const Phase& ph = job.phases[f];
+  const bool matching = std::abs(ph.Jbt) == 2;
+  WritePhaseHeader(job, ip, f);
+  if (matching) OpenExtractedIntensityFile(job, ip, f);
+  if (std::abs(ph.pat[ip].Irf) == 4) {
+    NotWrittenLine(job, "the Bragg evaluation of integrated intensities");
+  } else {
+    const PhaseReportSums sums = WriteReflectionRows(job, ip, f, profile);
+    for (const std::string& line : FinalBraggLines(job, ip, f, fractions, sums)) {
+      WriteReports(job, line);
+    }
+    if (job.run.JCIL > 0) WriteLine(job, Unit::Rpa, BraggRecordRow(f, fractions, sums));
+  }
+  if (matching) {
+    CloseUnit(job.files.units[Unit::IntensitiesOut]);
+    NotWrittenLine(job, "the regrouped list of extracted intensities");
+  }
+}
+
+ProfileFileContext ContextOf(const Job& job, const PlotExtremes& extremes) {
+  const DateTimeStamp now = DateTime();
+  ProfileFileContext c;
+  c.extremes = extremes;
+  c.date = now.date.substr(6, 2) + "/" + now.date.substr(4, 2) + "/" + now.date.substr(0, 4);
+  c.time = now.time.substr(0, 2) + ":" + now.time.substr(2, 2) + ":" + now.time.substr(4, 2);
+  c.poissonNoise = job.run.IDUM < 0;
+  return c;
+}
+
+// The files that read the total Ycalc: profile file, tables and plots.
+void WritePatternPlots(Job& job, int ip, const PlotExtremes& extremes, const EndValues& ends) {
+  const Pattern& p = job.patterns[ip];
+  WriteProfileFile(job, ip, ContextOf(job, extremes));
+  if (p.IANALY != 0 && FittedCount(job) != 0 && std::abs(p.JOBTYP) < 2) {
+    NotWrittenLine(job, "the refinement analysis");
+  }
+  if (p.IOT == 1) WriteLinePrinterTable(job, ip);
+  if (p.IOT > 1) {
+    for (int f = 1; f <= job.run.NPHASE; ++f) {
+      if (job.phases[f].pat[ip].Contribution == 0) continue;
+      NotWrittenLine(job, Fmt("(A,I2)", "the contribution table to Yi of phase", f));
+    }
+  }
+  if (p.IPL == 1) {
+    WriteLinePrinterPlot(job, ip, ends.plotScales[ip].first, ends.plotScales[ip].second);
+  }
+  for (int f = 1; f <= job.run.NPHASE; ++f) {
+    const PhasePattern& pp = job.phases[f].pat[ip];
+    if (job.phases[f].Sol != 0 && pp.Irf < 1 && pp.Irf != -4) {
+      NotWrittenLine(job, Fmt("(A,I2)", "the structure-factor list of phase", f));
+    }
+  }
+}
+
+// The partition divides by the Bragg part of Ycalc, as in the cycles: while
+// the phase blocks are written the background is taken out again, and the
+// totals are put back afterwards exactly as they were.
+struct BraggPartOfYcalc {
+  Pattern& p;
+  std::vector<float> totals;
+  explicit BraggPartOfYcalc(Pattern& pattern) : p(pattern) {
+    totals.assign(&p.Ycalc[1], &p.Ycalc[1] + p.NPTS);
+    for (int i = 1; i <= p.NPTS; ++i) p.Ycalc[i] -= BackgroundAt(p, i);
+  }
+  ~BraggPartOfYcalc() { std::copy(totals.begin(), totals.end(), &p.Ycalc[1]); }
+};
+
+// Everything the report writes for pattern ip.
+void ReportPattern(Job& job, int ip, const PlotExtremes& extremes, const EndValues& ends,
+                   const BraggProfile& profile) {
+  const PhaseFractions fractions = ComputePhaseFractions(job, ip);
+  WritePatternExports(job, ip);
+  {
+    const BraggPartOfYcalc braggPart(job.patterns[ip]);
+    for (int f = 1; f <= job.run.NPHASE; ++f) {
+      if (job.phases[f].pat[ip].Contribution == 0) continue;
+      ReportPhase(job, ip, f, fractions, profile);
+    }
+  }
+  CloseUnit(job.files.units[Unit::HklOut]);
+  WriteSimulatedPattern(job, ip);
+  if (job.run.ICRYG != 0) return;
+  WritePatternPlots(job, ip, extremes, ends);
+}
+
+}  // namespace
+
+void NotWrittenLine(Job& job, const std::string& what) {
+  WriteLine(job, Unit::Out, " => This version of Corvinet does not write " + what);
+}
+
+void FinalReport(Job& job, CycleWork& work) {
+  const BraggProfile profile = PointLoopProfile(job, work);
+  const EndValues ends = ReadEndValuesAndWriteBackgrounds(job);
+  WriteNewControlFile(job, ends);
+  WriteCorrelationMatrix(job);
+  Table1<PlotExtremes, DimensionLimits::NPATT> extremes;
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) extremes[ip] = AddBackgroundForPlots(job, ip);
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) {
+    ReportPattern(job, ip, extremes[ip], ends, profile);
+  }
+  if (job.run.JCIL > 0) WriteLine(job, Unit::Rpa, std::string(80, '-'));
+  ReportDimensions(job, Unit::Out);
+}
+
+void FinalReport(Job& job) {
+  auto work = std::make_unique<CycleWork>();
+  FinalReport(job, *work);
+}
+
+}  // namespace corvinet
