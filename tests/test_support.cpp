@@ -115,6 +115,14 @@ std::vector<std::string> NormaliseLines(const std::vector<std::string>& lines) {
   return out;
 }
 
+void OpenControlText(const ScratchDir& dir, Job& job, const std::string& lines) {
+  dir.Write("x.pcr", lines);
+  job.driver.PcrCode = "x";
+  ResetDefaults(job);
+  OpenFiles(job, 1, 0, 0);
+  OpenFiles(job, 2, 0, 0);
+}
+
 bool ReadControlText(ScratchDir& dir, CapturedJob& job, const std::string& pcr, bool headOnly) {
   dir.Write("x.pcr", pcr);
   job->driver.PcrCode = "x";

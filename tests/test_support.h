@@ -53,6 +53,10 @@ std::vector<std::string> SplitLines(const std::string& text);
 std::string NormaliseLine(const std::string& line);
 std::vector<std::string> NormaliseLines(const std::vector<std::string>& lines);
 
+// Positions `job` at the start of the control text `lines`, written as x.pcr
+// in `dir`: the run record reset and units 1 (control) and 2 (reports) open.
+void OpenControlText(const ScratchDir& dir, Job& job, const std::string& lines);
+
 // Reads the control text `pcr` as job "x" in `dir` (control file x.pcr,
 // reports x.out and x.sum): the head only, or the whole file. Returns false
 // when the run stopped.

@@ -22,13 +22,9 @@ struct AtomJob {
   ScratchDir dir;
   CapturedJob job;
   AtomJob(const std::string& lines, int Jbt, int nat, int hel = 0) {
-    dir.Write("x.pcr", lines);
-    job->driver.PcrCode = "x";
-    ResetDefaults(*job);
+    testing::OpenControlText(dir, *job, lines);
     job->run.NPATT = 1;
     job->run.NPHASE = 1;
-    OpenFiles(*job, 1, 0, 0);
-    OpenFiles(*job, 2, 0, 0);
     Phase& ph = job->phases[1];
     ph.Jbt = Jbt;
     ph.Nat = nat;

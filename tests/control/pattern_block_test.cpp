@@ -23,13 +23,7 @@ using testing::ScratchDir;
 struct BlockJob {
   ScratchDir dir;
   CapturedJob job;
-  explicit BlockJob(const std::string& lines) {
-    dir.Write("x.pcr", lines);
-    job->driver.PcrCode = "x";
-    ResetDefaults(*job);
-    OpenFiles(*job, 1, 0, 0);
-    OpenFiles(*job, 2, 0, 0);
-  }
+  explicit BlockJob(const std::string& lines) { testing::OpenControlText(dir, *job, lines); }
   Job& operator*() { return *job; }
   Job* operator->() { return job.operator->(); }
   std::string Out() { return testing::FlushedReport(dir, *job); }

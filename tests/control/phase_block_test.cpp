@@ -24,14 +24,10 @@ struct PhaseJob {
   ScratchDir dir;
   CapturedJob job;
   PhaseJob(const std::string& lines, int patterns = 1) {
-    dir.Write("x.pcr", lines);
-    job->driver.PcrCode = "x";
-    ResetDefaults(*job);
+    testing::OpenControlText(dir, *job, lines);
     job->run.NPATT = patterns;
     job->run.singlePatternForm = patterns == 1;
     for (int ip = 1; ip <= patterns; ++ip) job->patterns[ip].NPROF = 6;
-    OpenFiles(*job, 1, 0, 0);
-    OpenFiles(*job, 2, 0, 0);
   }
   Job& operator*() { return *job; }
   Job* operator->() { return job.operator->(); }

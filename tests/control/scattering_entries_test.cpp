@@ -24,11 +24,7 @@ struct EntriesJob {
   ScratchDir dir;
   CapturedJob job;
   EntriesJob(int jobtyp, int nscat, const std::string& lines) {
-    dir.Write("x.pcr", lines);
-    job->driver.PcrCode = "x";
-    ResetDefaults(*job);
-    OpenFiles(*job, 1, 0, 0);
-    OpenFiles(*job, 2, 0, 0);
+    testing::OpenControlText(dir, *job, lines);
     job->run.NPATT = 1;
     Pattern& p = job->patterns[1];
     p.JOBTYP = jobtyp;

@@ -307,13 +307,9 @@ struct ReportCase {
   CapturedJob job;
   std::size_t linesBefore = 0;
   ReportCase(const std::string& symbol, int isy, const std::string& lines) {
-    dir.Write("x.pcr", lines);
-    job->driver.PcrCode = "x";
-    ResetDefaults(*job);
+    testing::OpenControlText(dir, *job, lines);
     job->run.NPATT = 1;
     job->run.NPHASE = 1;
-    OpenFiles(*job, 1, 0, 0);
-    OpenFiles(*job, 2, 0, 0);
     Phase& ph = job->phases[1];
     ph.SpaceGroupSymbol = symbol;
     ph.Isy = isy;

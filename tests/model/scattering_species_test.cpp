@@ -25,11 +25,7 @@ struct SpeciesJob {
   int atoms = 0;
 
   SpeciesJob(int jobtyp, int jbt, float lambda = 1.5406f) {
-    dir.Write("x.pcr", "");
-    job->driver.PcrCode = "x";
-    ResetDefaults(*job);
-    OpenFiles(*job, 1, 0, 0);
-    OpenFiles(*job, 2, 0, 0);
+    testing::OpenControlText(dir, *job, "");
     job->run.NPATT = 1;
     job->run.NPHASE = 1;
     job->patterns[1].JOBTYP = jobtyp;

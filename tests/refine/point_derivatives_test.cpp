@@ -91,11 +91,12 @@ struct PointRun {
   ScratchDir dir;
   CapturedJob job;
   std::unique_ptr<CycleWork> work = std::make_unique<CycleWork>();
-  PointRun(int typedProfile, int iasym) {
+  PointRun(int typedProfile, int iasym) : PointRun(ControlText(typedProfile, iasym)) {}
+  explicit PointRun(const std::string& text) {
     std::string data = "20.0 0.01 50.0\n";
     for (int i = 1; i <= 3001; ++i) data += i % 10 == 0 ? "100\n" : "100 ";
     dir.Write("x.dat", data + "\n");
-    EXPECT_TRUE(testing::ReadControlText(dir, job, ControlText(typedProfile, iasym), false));
+    EXPECT_TRUE(testing::ReadControlText(dir, job, text, false)) << job.Console();
   }
   // Calculated value and derivatives at point i.
   float At(int i, std::vector<float>& derivative) {
@@ -192,27 +193,12 @@ TEST(PointDerivatives, PropagationVectorComponentsFollowFiniteDifferences) {
   std::string text = ControlText(5, 0);
   text.replace(text.find("2 0 0 0 0 0.0 0 0 0"), 19, "2 0 0 0 0 0.0 1 0 0");
   text += "0.12 0.07 0.21\n0 0 0\n";
-  PointRun run(5, 0);
-  ScratchDir& dir = run.dir;
-  CapturedJob job;
-  ASSERT_TRUE(testing::ReadControlText(dir, job, text, false)) << job.Console();
-  Job& j = *job;
+  PointRun run(text);
+  Job& j = *run.job;
   ASSERT_EQ(j.phases[1].Nvk, 1);
   j.run.MAXS = 3;
   for (int c = 1; c <= 3; ++c) j.phases[1].vectors[1].KCODE[c] = Codeword{c, 1.0f};
-  auto work = std::make_unique<CycleWork>();
-  auto at = [&](int i, std::vector<float>& derivative) {
-    BuildParameterFamilies(j);
-    FillBackground(j, 1);
-    OrderReflections(j, 1);
-    for (int k = 1; k <= j.patterns[1].reflections.total; ++k) {
-      ComputeReflectionProfile(j, *work, 1, k);
-    }
-    CalculatePoint(j, *work, 1, i);
-    derivative.assign(j.refinement.PointDerivative.begin(),
-                      j.refinement.PointDerivative.begin() + j.run.MAXS);
-    return j.patterns[1].Ycalc[i] + j.patterns[1].Backg[i];
-  };
+  auto at = [&run](int i, std::vector<float>& derivative) { return run.At(i, derivative); };
   // Points on the flanks of the first satellite above 25 degrees.
   std::vector<float> analytic;
   at(1, analytic);
