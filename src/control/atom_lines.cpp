@@ -37,6 +37,13 @@ void ReadCodes(Job& job, AtomSite& a, std::initializer_list<int> slots) {
   WriteLine(job, Unit::Out, "Codes: " + line);
 }
 
+// A line of values of the given slots and the line of their codes.
+void ReadSlotLines(Job& job, AtomSite& a, std::initializer_list<int> slots,
+                   std::string_view echo = "") {
+  ReadValues(job, a, std::string(slots.size(), 'f'), {}, slots, echo);
+  ReadCodes(job, a, slots);
+}
+
 // A crystal atom: values with operator range and kind, codes, then betas or
 // form-factor parameters by the kind.
 void ReadCrystalAtomLines(Job& job, AtomSite& a) {
@@ -48,14 +55,11 @@ void ReadCrystalAtomLines(Job& job, AtomSite& a) {
   WriteLine(job, Unit::Out, line);
   ReadCodes(job, a, {1, 2, 3, 4, 5});
   if (std::abs(a.N_t) == 2) {
-    ReadValues(job, a, "ffffff", {}, {13, 14, 15, 16, 17, 18});
-    ReadCodes(job, a, {13, 14, 15, 16, 17, 18});
+    ReadSlotLines(job, a, {13, 14, 15, 16, 17, 18});
   }
   if (std::abs(a.N_t) == 4) {
-    ReadValues(job, a, "fffffff", {}, {19, 20, 21, 22, 23, 24, 25});
-    ReadCodes(job, a, {19, 20, 21, 22, 23, 24, 25});
-    ReadValues(job, a, "fffffff", {}, {26, 27, 28, 29, 30, 31, 32});
-    ReadCodes(job, a, {26, 27, 28, 29, 30, 31, 32});
+    ReadSlotLines(job, a, {19, 20, 21, 22, 23, 24, 25});
+    ReadSlotLines(job, a, {26, 27, 28, 29, 30, 31, 32});
   }
 }
 
@@ -72,9 +76,7 @@ void ReadMagneticAtomLines(Job& job, const Phase& ph, AtomSite& a) {
   ReadValues(job, a, "44iiffffffff", {&a.label, &a.species, &a.Mag, &a.Vek},
              {1, 2, 3, 4, 5, 6, 7, 8});
   ReadCodes(job, a, {1, 2, 3, 4, 5, 6, 7, 8});
-  ReadValues(job, a, "fffffff", {}, {9, 10, 11, 13, 14, 15, 12},
-             std::abs(ph.Jbt) == 5 ? "P9-15->" : " Imm-> ");
-  ReadCodes(job, a, {9, 10, 11, 13, 14, 15, 12});
+  ReadSlotLines(job, a, {9, 10, 11, 13, 14, 15, 12}, std::abs(ph.Jbt) == 5 ? "P9-15->" : " Imm-> ");
   a.N_t = 1;
 }
 
@@ -87,12 +89,10 @@ void ReadCombinedAtomLines(Job& job, AtomSite& a) {
   WriteLine(job, Unit::Out, line);
   ReadCodes(job, a, {1, 2, 3, 4, 5});
   if (a.N_t == 1 || a.N_t == 3) {
-    ReadValues(job, a, "fffffff", {}, {6, 7, 8, 9, 10, 11, 12});
-    ReadCodes(job, a, {6, 7, 8, 9, 10, 11, 12});
+    ReadSlotLines(job, a, {6, 7, 8, 9, 10, 11, 12});
   }
   if (a.N_t == 2 || a.N_t == 3) {
-    ReadValues(job, a, "ffffff", {}, {13, 14, 15, 16, 17, 18});
-    ReadCodes(job, a, {13, 14, 15, 16, 17, 18});
+    ReadSlotLines(job, a, {13, 14, 15, 16, 17, 18});
   }
 }
 
@@ -117,22 +117,25 @@ void WriteAtomHead(Job& job, int Jbt) {
   }
 }
 
+// Phases whose atoms carry moments: all kinds but crystal, rigid-body and
+// profile-matching phases.
+bool HasMagneticAtoms(int Jbt) {
+  const int m = std::abs(Jbt);
+  return Jbt != 0 && m != 2 && m != 3 && m != 4;
+}
+
 // Atoms beyond the capacity of the atom table (or of the magnetic atoms) are refused.
-void CheckAtomCapacity(Job& job, const Phase& ph, int offset) {
+void CheckAtomCapacity(Job& job, int k, int offset) {
+  const Phase& ph = job.phases[k];
   if (offset + ph.Nat > DimensionLimits::NATS) {
     ConsoleLine(job, Fmt("(A,I5,A,I4)", " => Number of atoms: ", offset + ph.Nat,
                          " exceeds the maximum of ", DimensionLimits::NATS));
     StopBox(job, " Too many atoms ");
   }
-  if (ph.Jbt == 0 || std::abs(ph.Jbt) == 4) return;
+  if (!HasMagneticAtoms(ph.Jbt)) return;
   int magnetic = ph.Nat;
-  for (int k = 1; k <= job.run.NPHASE; ++k) {
-    const Phase& other = job.phases[k];
-    if (&other == &ph) break;
-    if (other.Jbt != 0 && std::abs(other.Jbt) != 4 && std::abs(other.Jbt) != 2 &&
-        std::abs(other.Jbt) != 3) {
-      magnetic += other.Nat;
-    }
+  for (int j = 1; j < k; ++j) {
+    if (HasMagneticAtoms(job.phases[j].Jbt)) magnetic += job.phases[j].Nat;
   }
   if (magnetic > DimensionLimits::NATM) {
     ConsoleLine(job, Fmt("(A,I5,A,I4)", " => Number of magnetic atoms: ", magnetic,
@@ -173,7 +176,7 @@ void ReadAtoms(Job& job, int k) {
   int offset = 0;
   for (int j = 1; j < k; ++j) offset += job.phases[j].Nat;
   ph.atomOffset = offset;
-  CheckAtomCapacity(job, ph, offset);
+  CheckAtomCapacity(job, k, offset);
   WriteAtomHead(job, ph.Jbt);
   for (int i = 1; i <= ph.Nat; ++i) {
     AtomSite& a = job.atoms[offset + i];
