@@ -1,6 +1,7 @@
 // Squared structure factor of a reflection from the atoms of a crystal phase, with its derivatives.
 #include "model/structure_factor.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
@@ -31,50 +32,57 @@ void FormFactor(const Pattern& p, const ChemicalSpecies& sp, int number, float s
   f = static_cast<float>(sum);
 }
 
-// Adds the contribution of one operator to the sums of an atom.
-void AddOperator(const SpaceGroup& g, int n, const AtomSite& a, const StructureFactorRequest& q,
-                 AtomSums& s) {
-  const int index = g.isl[n];
-  const IntMatrix3& R = IROT(std::abs(index));
-  const int sign = index < 0 ? -1 : 1;
-  float hp[3];
-  for (int j = 1; j <= 3; ++j) {
-    hp[j - 1] = static_cast<float>(sign) *
-                (q.h[0] * static_cast<float>(R(1, j)) + q.h[1] * static_cast<float>(R(2, j)) +
-                 q.h[2] * static_cast<float>(R(3, j)));
+// The terms of every operator for this reflection: they do not depend on the atom.
+void PrepareOperators(const SpaceGroup& g, const StructureFactorRequest& q,
+                      Table1<OperatorTerms, DimensionLimits::NEQV>& terms) {
+  for (int n = 1; n <= q.nSym; ++n) {
+    const int index = g.isl[n];
+    const IntMatrix3& R = IROT(std::abs(index));
+    const float sign = index < 0 ? -1.0f : 1.0f;
+    OperatorTerms& t = terms[n];
+    for (int j = 1; j <= 3; ++j) {
+      t.hp[j - 1] =
+          sign * (q.h[0] * static_cast<float>(R(1, j)) + q.h[1] * static_cast<float>(R(2, j)) +
+                  q.h[2] * static_cast<float>(R(3, j)));
+    }
+    const std::array<float, 3>& h = t.hp;
+    t.quad = {h[0] * h[0], h[1] * h[1], h[2] * h[2], h[0] * h[1], h[0] * h[2], h[1] * h[2]};
+    t.ht =
+        q.h[0] * g.translation(1, n) + q.h[1] * g.translation(2, n) + q.h[2] * g.translation(3, n);
   }
-  const float ht =
-      q.h[0] * g.translation(1, n) + q.h[1] * g.translation(2, n) + q.h[2] * g.translation(3, n);
+}
+
+// Adds the contribution of one operator to the sums of an atom.
+void AddOperator(const OperatorTerms& t, const AtomSite& a, int acentric, AtomSums& s) {
   const double phi =
-      kTwoPi * (static_cast<double>(a.ATP[1]) * hp[0] + static_cast<double>(a.ATP[2]) * hp[1] +
-                static_cast<double>(a.ATP[3]) * hp[2] + ht);
-  const float quad[6] = {hp[0] * hp[0], hp[1] * hp[1], hp[2] * hp[2],
-                         hp[0] * hp[1], hp[0] * hp[2], hp[1] * hp[2]};
-  const double exponent = a.ATP[13] * quad[0] + a.ATP[14] * quad[1] + a.ATP[15] * quad[2] +
-                          2.0 * (a.ATP[16] * quad[3] + a.ATP[17] * quad[4] + a.ATP[18] * quad[5]);
+      kTwoPi * (static_cast<double>(a.ATP[1]) * t.hp[0] + static_cast<double>(a.ATP[2]) * t.hp[1] +
+                static_cast<double>(a.ATP[3]) * t.hp[2] + t.ht);
+  const double exponent =
+      a.ATP[13] * t.quad[0] + a.ATP[14] * t.quad[1] + a.ATP[15] * t.quad[2] +
+      2.0 * (a.ATP[16] * t.quad[3] + a.ATP[17] * t.quad[4] + a.ATP[18] * t.quad[5]);
   const double T = std::exp(-exponent);
   const float c = static_cast<float>(T * std::cos(phi));
   const float sn = static_cast<float>(T * std::sin(phi));
   s.A += c;
-  for (int j = 0; j < 3; ++j) s.posS[j] += hp[j] * sn;
-  for (int j = 0; j < 6; ++j) s.betaC[j] += quad[j] * c;
-  if (q.acentric != 1) return;
+  for (int j = 0; j < 3; ++j) s.posS[j] += t.hp[j] * sn;
+  for (int j = 0; j < 6; ++j) s.betaC[j] += t.quad[j] * c;
+  if (acentric != 1) return;
   s.B += sn;
-  for (int j = 0; j < 3; ++j) s.posC[j] += hp[j] * c;
-  for (int j = 0; j < 6; ++j) s.betaS[j] += quad[j] * sn;
+  for (int j = 0; j < 3; ++j) s.posC[j] += t.hp[j] * c;
+  for (int j = 0; j < 6; ++j) s.betaS[j] += t.quad[j] * sn;
 }
 
 // The sums of one atom over its operators: In..Fin (with the identity first
 // when the range does not begin with it), or all of them.
-void SumOperators(const SpaceGroup& g, const AtomSite& a, const StructureFactorRequest& q,
-                  AtomSums& s) {
+void SumOperators(const Table1<OperatorTerms, DimensionLimits::NEQV>& terms, const AtomSite& a,
+                  const StructureFactorRequest& q, AtomSums& s) {
   int first = 1, last = q.nSym;
   if (a.In != 0 && a.Fin != 0) {
     first = a.In;
-    last = a.Fin;
-    if (first != 1) AddOperator(g, 1, a, q, s);
+    last = std::min(a.Fin, q.nSym);  // operators beyond the group's are not there
+    if (first != 1) AddOperator(terms[1], a, q.acentric, s);
   }
-  for (int n = first; n <= last; ++n) AddOperator(g, n, a, q, s);
+  for (int n = first; n <= last; ++n) AddOperator(terms[n], a, q.acentric, s);
 }
 
 void AddDerivative(float* dF2, int fitted, const Codeword& w, float value) {
@@ -122,6 +130,7 @@ float EvaluateStructureFactor(Job& job, const StructureFactorRequest& q, Reflect
   const Phase& ph = job.phases[q.phase];
   const PhasePattern& c = ph.pat[q.pattern];
   float A = 0.0f, B = 0.0f, App = 0.0f, Bpp = 0.0f;
+  PrepareOperators(ph.group, q, scratch.operators);
   for (int i = 1; i <= q.nAtoms; ++i) {
     const AtomSite& a = job.atoms[q.atomOffset + i];
     AtomSums& s = scratch.atoms[i];
@@ -131,7 +140,7 @@ float EvaluateStructureFactor(Job& job, const StructureFactorRequest& q, Reflect
     float f = 0.0f, fpp = 0.0f;
     FormFactor(p, c.species[sp], sp, q.s2, f, fpp);
     const double E = std::exp(-static_cast<double>(a.ATP[4]) * q.s2);
-    SumOperators(ph.group, a, q, s);
+    SumOperators(scratch.operators, a, q, s);
     s.w = static_cast<float>(f * a.ATP[5] * E);
     s.wpp = static_cast<float>(fpp * a.ATP[5] * E);
     A += s.w * s.A;

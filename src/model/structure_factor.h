@@ -20,9 +20,18 @@ struct AtomSums {
   std::array<float, 6> betaS{};  // the same with sin(phi)
 };
 
-// Scratch of the evaluation, one row per atom of the run; held by the caller
-// so that nothing is allocated per reflection.
+// The reflection as seen by one operator: h' = hR, the products of its
+// components for the anisotropic factor (11 22 33 12 13 23), and h.t.
+struct OperatorTerms {
+  std::array<float, 3> hp{};
+  std::array<float, 6> quad{};
+  float ht = 0.0f;
+};
+
+// Scratch of the evaluation, one row per operator and per atom of the run;
+// held by the caller so that nothing is allocated per reflection.
 struct StructureFactorScratch {
+  Table1<OperatorTerms, DimensionLimits::NEQV> operators;
   Table1<AtomSums, DimensionLimits::NATS> atoms;
 };
 
