@@ -9,6 +9,8 @@ Run once; the committed cycle.dat is what the tests read.
 import math
 import random
 
+from check_cycle_numbers import cubic_multiplicity as multiplicity
+
 LAMBDA = 1.54056
 CELL = 4.0
 THMIN, STEP, THMAX = 15.0, 0.02, 60.0
@@ -20,14 +22,6 @@ BACKGROUND = (180.0, 25.0, 40.0)
 TRUE_F2 = (1.4, 0.8, 1.9, 0.6, 1.2, 0.9)
 
 
-def multiplicity(h, k, l):
-    forms = set()
-    for p in {(h, k, l), (h, l, k), (k, h, l), (k, l, h), (l, h, k), (l, k, h)}:
-        for sx in (1, -1):
-            for sy in (1, -1):
-                for sz in (1, -1):
-                    forms.add((sx * p[0], sy * p[1], sz * p[2]))
-    return len(forms)
 
 
 def reflections():
