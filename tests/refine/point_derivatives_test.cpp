@@ -233,6 +233,21 @@ TEST(PointDerivatives, PropagationVectorComponentsFollowFiniteDifferences) {
   EXPECT_GT(checked, 4);
 }
 
+// Profile matching, and phase types that have no structure factor, keep the
+// squared structure factor the reflection holds.
+TEST(PointDerivatives, ReflectionWithoutStructureFactorKeepsItsStoredValue) {
+  for (int Jbt : {2, 6}) {
+    PointRun run(5, 0);
+    Job& j = *run.job;
+    j.phases[1].Jbt = Jbt;
+    OrderReflections(j, 1);
+    Reflection& r = j.patterns[1].reflections.slot[1];
+    r.F2 = 7.5f;
+    ComputeReflectionProfile(j, *run.work, 1, 1);
+    EXPECT_EQ(r.F2, 7.5f) << "Jbt " << Jbt;
+  }
+}
+
 TEST(PointDerivatives, EnergyDispersivePseudoVoigtFollowsFiniteDifferences) {
   ScratchDir dir;
   CapturedJob job;
