@@ -69,13 +69,10 @@ void WritePatternExports(Job& job, int ip);
 
 // --- The phase blocks ---
 
-// The per-phase sums of the reflection rows.
+// What the Bragg lines and the BRAG row show of the reflection rows of a phase.
 struct PhaseReportSums {
   float SumIobs = 0.0f;
   float SumIcalc = 0.0f;
-  float SumAbsI = 0.0f;
-  float SumFobs = 0.0f;
-  float SumAbsF = 0.0f;
   float FinalRB = 0.0f;
   float FinalRF = 0.0f;
 };
