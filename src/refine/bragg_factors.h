@@ -73,6 +73,10 @@ PhaseBraggSums SumPhaseShares(const Job& job, int ip, int phase, const BraggProf
 // of each F2.
 PhaseBraggSums PartitionPhase(Job& job, int ip, int phase, const BraggProfile& profile);
 
+// Phases of magnetic kind (|Jbt| 1 or 5): one Bragg factor, and no weight in
+// the phase fractions.
+bool IsMagneticKind(int jbt);
+
 // 100*sumAbs/sumObs, with the divisor 1.0 unless the sum is at least 1.0.
 float BraggRatio(float sumAbs, float sumObs);
 

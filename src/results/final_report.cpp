@@ -35,10 +35,6 @@ struct EndValues {
   EndLineValues rpaRange{0.0f, 0.0f};
 };
 
-int FittedCount(const Job& job) {
-  return std::min(job.run.MAXS, DimensionLimits::MSZ);
-}
-
 void WriteOut(Job& job, const std::vector<std::string>& lines) {
   for (const std::string& line : lines) WriteLine(job, Unit::Out, line);
 }
@@ -246,6 +242,10 @@ void ReportPattern(Job& job, int ip, const PlotExtremes& extremes, const EndValu
 }
 
 }  // namespace
+
+int FittedCount(const Job& job) {
+  return std::min(job.run.MAXS, DimensionLimits::MSZ);
+}
 
 void NotWrittenLine(Job& job, const std::string& what) {
   WriteLine(job, Unit::Out, " => This version of Corvinet does not write " + what);

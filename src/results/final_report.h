@@ -21,6 +21,9 @@ void FinalReport(Job& job, CycleWork& work);
 // The same with a fresh ring: every peak is computed again.
 void FinalReport(Job& job);
 
+// Number of refined parameters, as many as the normal matrix holds.
+int FittedCount(const Job& job);
+
 // --- Values read from the rest of the control file ---
 
 // Two numbers read from the next control-file line that does not begin with

@@ -15,10 +15,6 @@ namespace {
 constexpr float kHalfDegree = 0.008726646f;
 constexpr float kTwoPi = 6.2831855f;
 
-bool IsMagneticKind(int jbt) {
-  return std::abs(jbt) == 1 || std::abs(jbt) == 5;
-}
-
 bool HasVectors(const Job& job, int f) {
   return job.phases[f].Nvk > 0;
 }
