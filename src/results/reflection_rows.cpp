@@ -1,7 +1,6 @@
 // The reflection rows of the final report: headers of the reflection file by JLKH, one row per
 // reflection, the Bragg factor lines with fractions, and the BRAG row of the parameter record.
 #include <cmath>
-#include <cstdlib>
 
 #include "crystal/reflection.h"
 #include "refine/order_reflections.h"
