@@ -9,10 +9,6 @@ namespace corvinet {
 
 namespace {
 
-bool IsMagneticKind(int jbt) {
-  return std::abs(jbt) == 1 || std::abs(jbt) == 5;
-}
-
 void Report(Job& job, bool writeOut, const std::string& line) {
   if (writeOut) WriteLine(job, Unit::Out, line);
   ConsoleLine(job, line);
@@ -39,6 +35,10 @@ void BraggFactorsOfPattern(Job& job, int ip, bool writeOut, const BraggProfile& 
 }
 
 }  // namespace
+
+bool IsMagneticKind(int jbt) {
+  return std::abs(jbt) == 1 || std::abs(jbt) == 5;
+}
 
 std::vector<std::string> BraggFactorLines(int phase, int jbt, float rb, float rf) {
   if (IsMagneticKind(jbt)) {

@@ -51,17 +51,31 @@ ReflectionShare PartitionReflection(const Job& job, int ip, int k, const BraggPr
 // wavelength component copies the F2 of its first-wavelength partner.
 void ExtractIntensity(Job& job, int ip, int k, float iobs);
 
-// The four sums of a phase.
+// The sums of a phase over its counted reflections.
 struct PhaseBraggSums {
   float SumAbsI = 0.0f;  // sum |Iobs - Icalc|
   float SumIobs = 0.0f;
   float SumAbsF = 0.0f;  // sum |Fobs - Fcalc|
   float SumFobs = 0.0f;
+  float SumIcalc = 0.0f;
 };
 
+// Receives reflection slot k of a phase and its share, once the share is summed.
+using ShareVisitor = std::function<void(int k, const ReflectionShare& share)>;
+
 // The partition of every reflection of the phase in pattern ip, in the order
-// of the sorted list; for a phase with |Jbt| 2 the extraction of each F2.
+// of the sorted list: the sums of the counted reflections, each of which is
+// then handed to `visit` when one is given.
+PhaseBraggSums SumPhaseShares(const Job& job, int ip, int phase, const BraggProfile& profile,
+                              const ShareVisitor& visit);
+
+// The partition of the phase with, for a phase with |Jbt| 2, the extraction
+// of each F2.
 PhaseBraggSums PartitionPhase(Job& job, int ip, int phase, const BraggProfile& profile);
+
+// Phases of magnetic kind (|Jbt| 1 or 5): one Bragg factor, and no weight in
+// the phase fractions.
+bool IsMagneticKind(int jbt);
 
 // 100*sumAbs/sumObs, with the divisor 1.0 unless the sum is at least 1.0.
 float BraggRatio(float sumAbs, float sumObs);

@@ -95,9 +95,9 @@ void ExtractIntensity(Job& job, int ip, int k, float iobs) {
   r.F2 = iobs / (r.Corr * scale * r.LpM);
 }
 
-PhaseBraggSums PartitionPhase(Job& job, int ip, int phase, const BraggProfile& profile) {
+PhaseBraggSums SumPhaseShares(const Job& job, int ip, int phase, const BraggProfile& profile,
+                              const ShareVisitor& visit) {
   PhaseBraggSums sums;
-  const bool extract = std::abs(job.phases[phase].Jbt) == 2;
   const ReflectionTable& table = job.patterns[ip].reflections;
   for (int k = 1; k <= table.total; ++k) {
     if (KeyPhase(table.slot[k].key) != phase) continue;
@@ -107,9 +107,18 @@ PhaseBraggSums PartitionPhase(Job& job, int ip, int phase, const BraggProfile& p
     sums.SumIobs += share.Iobs;
     sums.SumAbsF += std::fabs(share.Fobs - share.Fcalc);
     sums.SumFobs += share.Fobs;
-    if (extract) ExtractIntensity(job, ip, k, share.Iobs);
+    sums.SumIcalc += share.Icalc;
+    if (visit) visit(k, share);
   }
   return sums;
+}
+
+PhaseBraggSums PartitionPhase(Job& job, int ip, int phase, const BraggProfile& profile) {
+  if (std::abs(job.phases[phase].Jbt) != 2) return SumPhaseShares(job, ip, phase, profile, {});
+  // Each new F2 is set after the share of its reflection has been taken.
+  return SumPhaseShares(job, ip, phase, profile, [&job, ip](int k, const ReflectionShare& share) {
+    ExtractIntensity(job, ip, k, share.Iobs);
+  });
 }
 
 float BraggRatio(float sumAbs, float sumObs) {

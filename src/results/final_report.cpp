@@ -35,10 +35,6 @@ struct EndValues {
   EndLineValues rpaRange{0.0f, 0.0f};
 };
 
-int FittedCount(const Job& job) {
-  return std::min(job.run.MAXS, DimensionLimits::MSZ);
-}
-
 void WriteOut(Job& job, const std::vector<std::string>& lines) {
   for (const std::string& line : lines) WriteLine(job, Unit::Out, line);
 }
@@ -139,27 +135,21 @@ PhaseReportSums WriteReflectionRows(Job& job, int ip, int f, const BraggProfile&
   }
   WriteLine(job, Unit::Out,
             " Code h   k   l  Mult   D(A)     2T      HW       Iobs    Icalc   io-ic");
+  const PhaseBraggSums bragg =
+      SumPhaseShares(job, ip, f, profile, [&](int k, const ReflectionShare& share) {
+        const ReflectionRowValues row = ReflectionRow(job, ip, k, share);
+        WriteLine(job, Unit::Out, ReportReflectionRow(row));
+        if (toFile) WriteLine(job, Unit::HklOut, ReflectionFileRow(job, ip, f, row));
+      });
   PhaseReportSums sums;
-  const ReflectionTable& table = p.reflections;
-  for (int k = 1; k <= table.total; ++k) {
-    if (KeyPhase(table.slot[k].key) != f) continue;
-    const ReflectionShare share = PartitionReflection(job, ip, k, profile);
-    if (!share.counted) continue;
-    sums.SumIobs += share.Iobs;
-    sums.SumIcalc += share.Icalc;
-    sums.SumAbsI += std::fabs(share.Iobs - share.Icalc);
-    sums.SumFobs += share.Fobs;
-    sums.SumAbsF += std::fabs(share.Fobs - share.Fcalc);
-    const ReflectionRowValues row = ReflectionRow(job, ip, k, share);
-    WriteLine(job, Unit::Out, ReportReflectionRow(row));
-    if (toFile) WriteLine(job, Unit::HklOut, ReflectionFileRow(job, ip, f, row));
-  }
+  sums.SumIobs = bragg.SumIobs;
+  sums.SumIcalc = bragg.SumIcalc;
   if (std::fabs(sums.SumIobs) < kNoIntensity) {
     StopBox(job, "Sum(Iobs)=0: have you really reflections?", 0);
     sums.SumIobs = 1.0f;
   }
-  sums.FinalRB = BraggRatio(sums.SumAbsI, sums.SumIobs);
-  sums.FinalRF = BraggRatio(sums.SumAbsF, sums.SumFobs);
+  sums.FinalRB = BraggRatio(bragg.SumAbsI, sums.SumIobs);
+  sums.FinalRF = BraggRatio(bragg.SumAbsF, bragg.SumFobs);
   return sums;
 }
 
@@ -252,6 +242,10 @@ void ReportPattern(Job& job, int ip, const PlotExtremes& extremes, const EndValu
 }
 
 }  // namespace
+
+int FittedCount(const Job& job) {
+  return std::min(job.run.MAXS, DimensionLimits::MSZ);
+}
 
 void NotWrittenLine(Job& job, const std::string& what) {
   WriteLine(job, Unit::Out, " => This version of Corvinet does not write " + what);

@@ -21,6 +21,9 @@ void FinalReport(Job& job, CycleWork& work);
 // The same with a fresh ring: every peak is computed again.
 void FinalReport(Job& job);
 
+// Number of refined parameters, as many as the normal matrix holds.
+int FittedCount(const Job& job);
+
 // --- Values read from the rest of the control file ---
 
 // Two numbers read from the next control-file line that does not begin with
@@ -69,13 +72,10 @@ void WritePatternExports(Job& job, int ip);
 
 // --- The phase blocks ---
 
-// The per-phase sums of the reflection rows.
+// What the Bragg lines and the BRAG row show of the reflection rows of a phase.
 struct PhaseReportSums {
   float SumIobs = 0.0f;
   float SumIcalc = 0.0f;
-  float SumAbsI = 0.0f;
-  float SumFobs = 0.0f;
-  float SumAbsF = 0.0f;
   float FinalRB = 0.0f;
   float FinalRF = 0.0f;
 };

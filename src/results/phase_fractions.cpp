@@ -1,6 +1,5 @@
 // Weight and volume fractions of the phases of a pattern, with their standard deviations.
 #include <cmath>
-#include <cstdlib>
 
 #include "results/final_report.h"
 
@@ -8,14 +7,10 @@ namespace corvinet {
 
 namespace {
 
-bool IsMagneticKind(int jbt) {
-  return std::abs(jbt) == 1 || std::abs(jbt) == 5;
-}
-
 // Variance of a refined parameter from the covariance matrix; 0 when fixed.
 float ParameterVariance(const Job& job, const Codeword& word) {
   const int n = word.parameterNumber;
-  if (n < 1 || n > std::min(job.run.MAXS, DimensionLimits::MSZ)) return 0.0f;
+  if (n < 1 || n > FittedCount(job)) return 0.0f;
   const float m = word.multiplier;
   return std::fabs(job.refinement.normal.A(n, n)) * m * m;
 }

@@ -1,18 +1,14 @@
 // Offsets, ticks, plotted positions and header pieces shared by the profile-file layouts.
 #include "results/plot_geometry.h"
 
-#include <cmath>
 #include <cstdlib>
 
 #include "crystal/reflection.h"
+#include "refine/order_reflections.h"
 #include "run/text.h"
 #include "surface/console.h"
 
 namespace corvinet {
-
-namespace {
-constexpr float kDegree = 0.017453292f;
-}
 
 PlotOffsets OffsetsOf(const PlotExtremes& extremes) {
   PlotOffsets o;
@@ -23,14 +19,7 @@ PlotOffsets OffsetsOf(const PlotExtremes& extremes) {
 }
 
 float PlottedPosition(const Job& job, int ip, int k) {
-  const Pattern& p = job.patterns[ip];
-  const float position = p.reflections.slot[k].position;
-  if (p.IXUNIT == 0) {
-    const float theta = 0.5f * position * kDegree;
-    return p.GLB[1] + position + p.GLB[8] * std::cos(theta) + p.GLB[9] * std::sin(2.0f * theta);
-  }
-  const float d = p.Dtt1 != 0.0f ? position / p.Dtt1 : 0.0f;
-  return p.GLB[1] + position + p.Dtt2 * d * d;
+  return PeakIntervalOf(job, ip, k).position;
 }
 
 int ReflectionTick(const Job& job, int ip, int k, const PlotOffsets& offsets) {

@@ -19,8 +19,9 @@ struct PlotOffsets {
 };
 PlotOffsets OffsetsOf(const PlotExtremes& extremes);
 
-// Plotted position of reflection k of pattern ip: Zero, the position and its
-// cos/sin shift (2theta) or its d-squared term (other units).
+// Plotted position of reflection k of pattern ip: the corrected position that
+// the order table computes (Zero, the position and its cos/sin shift for
+// 2theta, or its d-squared term for the other units).
 float PlottedPosition(const Job& job, int ip, int k);
 
 // Tick height of reflection k: one row of ticks per phase, each below the last.

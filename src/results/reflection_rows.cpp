@@ -1,7 +1,6 @@
 // The reflection rows of the final report: headers of the reflection file by JLKH, one row per
 // reflection, the Bragg factor lines with fractions, and the BRAG row of the parameter record.
 #include <cmath>
-#include <cstdlib>
 
 #include "crystal/reflection.h"
 #include "refine/order_reflections.h"
@@ -14,10 +13,6 @@ namespace {
 
 constexpr float kHalfDegree = 0.008726646f;
 constexpr float kTwoPi = 6.2831855f;
-
-bool IsMagneticKind(int jbt) {
-  return std::abs(jbt) == 1 || std::abs(jbt) == 5;
-}
 
 bool HasVectors(const Job& job, int f) {
   return job.phases[f].Nvk > 0;

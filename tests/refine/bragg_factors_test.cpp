@@ -6,6 +6,7 @@
 #include <cmath>
 #include <map>
 #include <utility>
+#include <vector>
 
 #include "refine/reliability_case.h"
 
@@ -143,6 +144,24 @@ TEST(BraggPartition, NegativeObservedShareIsFloored) {
   for (int i = 1; i <= c.pattern().NPTS; ++i) c.pattern().Ytotal[i] = 5.0f;
   const ReflectionShare s1 = PartitionReflection(*c.job, 1, 1, c.profile);
   EXPECT_FLOAT_EQ(s1.Iobs, 1.0e-6f * 100.0f);
+}
+
+TEST(BraggPartition, PhaseSharesAreSummedAndHandedOnOnlyForCountedReflections) {
+  OverlapCase c(2);
+  c.Exclude(3.8f, 4.2f);
+  std::vector<int> visited;
+  const PhaseBraggSums sums =
+      SumPhaseShares(*c.job, 1, 1, c.profile, [&](int k, const ReflectionShare& share) {
+        visited.push_back(k);
+        EXPECT_NEAR(share.Iobs, kIobs2, 1e-3);
+        EXPECT_NEAR(share.Icalc, kIcalc2, 1e-3);
+      });
+  EXPECT_EQ(visited, std::vector<int>{2});
+  EXPECT_NEAR(sums.SumIobs, kIobs2, 1e-3);
+  EXPECT_NEAR(sums.SumIcalc, kIcalc2, 1e-3);
+  EXPECT_NEAR(sums.SumAbsI, kIobs2 - kIcalc2, 1e-3);
+  // Summing alone leaves the F2 of a profile-matching phase as it was.
+  EXPECT_EQ(c.slot(2).F2, 5.0f);
 }
 
 TEST(BraggPartition, BraggRatioDividesByOneBelowUnitSum) {
