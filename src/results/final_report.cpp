@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "control/control_writer.h"
+#include "control/pattern_block.h"
 #include "crystal/reflection.h"
 #include "observations/background.h"
 #include "refine/bragg_profile.h"
@@ -29,40 +30,32 @@ namespace {
 // Below this the observed intensity of a phase counts as none.
 constexpr float kNoIntensity = 1.0e-10f;
 
-// What the first steps read from the end of the control file.
-struct EndValues {
-  Table1<EndLineValues, DimensionLimits::NPATT> plotScales;
-  EndLineValues rpaRange{0.0f, 0.0f};
-};
-
 void WriteOut(Job& job, const std::vector<std::string>& lines) {
   for (const std::string& line : lines) WriteLine(job, Unit::Out, line);
 }
 
-// The line-printer scales and the background files while Ycalc
-// is still the Bragg part, then the range of the parameter record.
-EndValues ReadEndValuesAndWriteBackgrounds(Job& job) {
-  EndValues ends;
+// The line-printer scales and the range of the parameter record from the end
+// lines of the control file, and the background files while Ycalc is still
+// the Bragg part.
+void ReadEndValuesAndWriteBackgrounds(Job& job) {
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
     const int ipl = job.patterns[ip].IPL;
-    if (ipl == 1) ends.plotScales[ip] = ReadEndLineReals(job, 100.0f);
     if (ipl == 2 || ipl == 3) WriteBackgroundPlotFiles(job, ip);
   }
-  ends.rpaRange = {job.run.rpaRangeLow, job.run.rpaRangeHigh};
-  if (job.run.JCIL == 2) ends.rpaRange = ReadEndLineIntegers(job);
-  return ends;
+  ReadEndLines(job);
 }
 
-// The new control file, with the scales of the last pattern that has
-// a line-printer plot; then the input control file is closed.
-void WriteNewControlFile(Job& job, const EndValues& ends) {
+// The new control file, with the scales of the last pattern that has a
+// line-printer plot; then the input control file is closed.
+void WriteNewControlFile(Job& job) {
   if (job.run.NXT != 0) {
-    EndLineValues scales;
+    int Iscale = 100, Idif = 100;
     for (int ip = 1; ip <= job.run.NPATT; ++ip) {
-      if (job.patterns[ip].IPL == 1) scales = ends.plotScales[ip];
+      if (job.patterns[ip].IPL != 1) continue;
+      Iscale = job.patterns[ip].Iscale;
+      Idif = job.patterns[ip].Idif;
     }
-    WriteControlFile(job, static_cast<int>(scales.first), static_cast<int>(scales.second),
-                     ends.rpaRange.first, ends.rpaRange.second);
+    WriteControlFile(job, Iscale, Idif, job.run.rpaRangeLow, job.run.rpaRangeHigh);
   }
   CloseUnit(job.files.units[Unit::Control]);
 }
@@ -186,7 +179,7 @@ ProfileFileContext ContextOf(const Job& job, const PlotExtremes& extremes) {
 }
 
 // The files that read the total Ycalc: profile file, tables and plots.
-void WritePatternPlots(Job& job, int ip, const PlotExtremes& extremes, const EndValues& ends) {
+void WritePatternPlots(Job& job, int ip, const PlotExtremes& extremes) {
   const Pattern& p = job.patterns[ip];
   WriteProfileFile(job, ip, ContextOf(job, extremes));
   if (p.IANALY != 0 && FittedCount(job) != 0 && std::abs(p.JOBTYP) < 2) {
@@ -200,7 +193,7 @@ void WritePatternPlots(Job& job, int ip, const PlotExtremes& extremes, const End
     }
   }
   if (p.IPL == 1) {
-    WriteLinePrinterPlot(job, ip, ends.plotScales[ip].first, ends.plotScales[ip].second);
+    WriteLinePrinterPlot(job, ip, static_cast<float>(p.Iscale), static_cast<float>(p.Idif));
   }
   for (int f = 1; f <= job.run.NPHASE; ++f) {
     const PhasePattern& pp = job.phases[f].pat[ip];
@@ -224,8 +217,7 @@ struct BraggPartOfYcalc {
 };
 
 // Everything the report writes for pattern ip.
-void ReportPattern(Job& job, int ip, const PlotExtremes& extremes, const EndValues& ends,
-                   const BraggProfile& profile) {
+void ReportPattern(Job& job, int ip, const PlotExtremes& extremes, const BraggProfile& profile) {
   const PhaseFractions fractions = ComputePhaseFractions(job, ip);
   WritePatternExports(job, ip);
   {
@@ -238,7 +230,7 @@ void ReportPattern(Job& job, int ip, const PlotExtremes& extremes, const EndValu
   CloseUnit(job.files.units[Unit::HklOut]);
   WriteSimulatedPattern(job, ip);
   if (job.run.ICRYG != 0) return;
-  WritePatternPlots(job, ip, extremes, ends);
+  WritePatternPlots(job, ip, extremes);
 }
 
 }  // namespace
@@ -253,13 +245,13 @@ void NotWrittenLine(Job& job, const std::string& what) {
 
 void FinalReport(Job& job, CycleWork& work) {
   const BraggProfile profile = PointLoopProfile(job, work);
-  const EndValues ends = ReadEndValuesAndWriteBackgrounds(job);
-  WriteNewControlFile(job, ends);
+  ReadEndValuesAndWriteBackgrounds(job);
+  WriteNewControlFile(job);
   WriteCorrelationMatrix(job);
   Table1<PlotExtremes, DimensionLimits::NPATT> extremes;
   for (int ip = 1; ip <= job.run.NPATT; ++ip) extremes[ip] = AddBackgroundForPlots(job, ip);
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
-    ReportPattern(job, ip, extremes[ip], ends, profile);
+    ReportPattern(job, ip, extremes[ip], profile);
   }
   if (job.run.JCIL > 0) WriteLine(job, Unit::Rpa, std::string(80, '-'));
   ReportDimensions(job, Unit::Out);

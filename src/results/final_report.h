@@ -24,18 +24,6 @@ void FinalReport(Job& job);
 // Number of refined parameters, as many as the normal matrix holds.
 int FittedCount(const Job& job);
 
-// --- Values read from the rest of the control file ---
-
-// Two numbers read from the next control-file line that does not begin with
-// "!"; `fallback` stays in both when the line is missing or unreadable.
-struct EndLineValues {
-  float first = 100.0f;
-  float second = 100.0f;
-};
-EndLineValues ReadEndLineReals(Job& job, float fallback);
-// The same for two integers (the range of the parameter record for JCIL 2).
-EndLineValues ReadEndLineIntegers(Job& job);
-
 // --- Correlation matrix ---
 
 // trunc(100 C(i,j) / (s sqrt|C(i,i) C(j,j)|) + 0.5), s the sign of C(i,i) C(j,j).
