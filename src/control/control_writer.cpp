@@ -42,11 +42,6 @@ using control_writer::Put;
 
 namespace {
 
-bool IsMagneticPhase(const Phase& ph) {
-  const int jbt = std::abs(ph.Jbt);
-  return jbt == 1 || jbt == 5 || jbt == 10;
-}
-
 void AppendPhase(const Job& job, int k, ControlLines& lines) {
   AppendPhaseHead(job, k, lines);
   AppendAtomLines(job, k, lines);
