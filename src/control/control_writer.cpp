@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 
 #include "run/file_set.h"
 #include "run/fortran_format.h"
