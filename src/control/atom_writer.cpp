@@ -20,26 +20,45 @@ float AtomCode(const Job& job, const AtomSite& a, int j) {
   return job.run.ICRYG == 2 ? a.ATCtyped[j] : ComposeCode(a.ATC[j]);
 }
 
+void AddValues(std::vector<FormatValue>& row, const AtomSite& a, std::initializer_list<int> slots) {
+  for (int j : slots) row.emplace_back(a.ATP[j]);
+}
+
+void AddCodes(std::vector<FormatValue>& row, const Job& job, const AtomSite& a,
+              std::initializer_list<int> slots) {
+  for (int j : slots) row.emplace_back(AtomCode(job, a, j));
+}
+
 // Values of the slots, then their codes, written under one format.
 std::string Slots(const Job& job, const AtomSite& a, std::initializer_list<int> values,
                   std::initializer_list<int> codes, const char* format) {
   std::vector<FormatValue> all;
-  for (int j : values) all.emplace_back(a.ATP[j]);
-  for (int j : codes) all.emplace_back(AtomCode(job, a, j));
+  AddValues(all, a, values);
+  AddCodes(all, job, a, codes);
   return FormatText(format, all);
 }
 
-// Labels stand in fields of four characters, filled with blanks.
-std::string Label(const std::string& text) {
-  return FixedText(text, 4);
-}
+// What follows the species at the start of a row: nothing, or the Mag and Vek
+// flags of an atom that carries a moment.
+enum class RowHead { Plain, Magnetic };
 
-// The first row of phase k in the table of atoms of all phases.
-int AtomOffset(const Job& job, int k) {
-  int offset = 0;
-  for (int q = 1; q < k; ++q) offset += job.phases[q].Nat;
-  return offset;
-}
+// The values of one atom row, starting with the label and species in fields
+// of four characters filled with blanks. FormatValue refers to a text without
+// copying it, so the row keeps those two texts itself and is never copied.
+struct AtomRow {
+  std::string label;
+  std::string species;
+  std::vector<FormatValue> values;
+  AtomRow(const AtomSite& a, RowHead head)
+      : label(FixedText(a.label, 4)),
+        species(FixedText(a.species, 4)),
+        values{FormatValue(label), FormatValue(species)} {
+    if (head == RowHead::Magnetic) values.insert(values.end(), {a.Mag, a.Vek});
+  }
+  AtomRow(const AtomRow&) = delete;
+  AtomRow& operator=(const AtomRow&) = delete;
+  std::string Text(const char* format) const { return FormatText(format, values); }
+};
 
 void AppendCrystalAtoms(const Job& job, const Phase& ph, int offset, ControlLines& lines) {
   Head(job, lines, "!Atom Typ       X        Y        Z     Biso      Occ     In Fin N_t  /Codes");
@@ -51,13 +70,11 @@ void AppendCrystalAtoms(const Job& job, const Phase& ph, int offset, ControlLine
   bool formFactorHeadDone = false;
   for (int i = 1; i <= ph.Nat; ++i) {
     const AtomSite& a = job.atoms[offset + i];
-    const std::string label = Label(a.label);
-    const std::string species = Label(a.species);
-    std::vector<FormatValue> row{FormatValue(label), FormatValue(species)};
-    for (int j = 1; j <= 5; ++j) row.emplace_back(a.ATP[j]);
-    row.insert(row.end(), {FormatValue(a.In), FormatValue(a.Fin), FormatValue(a.N_t)});
-    for (int j = 1; j <= 5; ++j) row.emplace_back(AtomCode(job, a, j));
-    Put(lines, FormatText("(A4,1x,a4,2X,5F9.5,3I4/11X,5F9.2)", row));
+    AtomRow row(a, RowHead::Plain);
+    AddValues(row.values, a, {1, 2, 3, 4, 5});
+    row.values.insert(row.values.end(), {a.In, a.Fin, a.N_t});
+    AddCodes(row.values, job, a, {1, 2, 3, 4, 5});
+    Put(lines, row.Text("(A4,1x,a4,2X,5F9.5,3I4/11X,5F9.2)"));
     if (std::abs(a.N_t) == 2) {
       Put(lines,
           Slots(job, a, {13, 14, 15, 16, 17, 18}, {13, 14, 15, 16, 17, 18}, "(2X,6F9.5/2X,6F9.2)"));
@@ -78,14 +95,12 @@ void AppendModelAtoms(const Job& job, const Phase& ph, int offset, ControlLines&
   Head(job, lines, "!     p9        p10     p11      p12       p13      p14      p15     p16");
   for (int i = 1; i <= ph.Nat; ++i) {
     const AtomSite& a = job.atoms[offset + i];
-    const std::string label = Label(a.label);
-    const std::string species = Label(a.species);
-    std::vector<FormatValue> row{FormatValue(label), FormatValue(species)};
-    for (int j = 1; j <= 8; ++j) row.emplace_back(a.ATP[j]);
-    for (int j = 1; j <= 8; ++j) row.emplace_back(AtomCode(job, a, j));
-    for (int j = 9; j <= 16; ++j) row.emplace_back(a.ATP[j]);
-    for (int j = 9; j <= 15; ++j) row.emplace_back(AtomCode(job, a, j));
-    Put(lines, FormatText("(A4,1x,a4,2X,5F9.5,3F8.3/11X,5F9.2,3f8.2/2x,8F9.5/ 2X,7F9.2)", row));
+    AtomRow row(a, RowHead::Plain);
+    AddValues(row.values, a, {1, 2, 3, 4, 5, 6, 7, 8});
+    AddCodes(row.values, job, a, {1, 2, 3, 4, 5, 6, 7, 8});
+    AddValues(row.values, a, {9, 10, 11, 12, 13, 14, 15, 16});
+    AddCodes(row.values, job, a, {9, 10, 11, 12, 13, 14, 15});
+    Put(lines, row.Text("(A4,1x,a4,2X,5F9.5,3F8.3/11X,5F9.2,3f8.2/2x,8F9.5/ 2X,7F9.2)"));
   }
 }
 
@@ -108,15 +123,12 @@ void AppendMagneticAtoms(const Job& job, const Phase& ph, int offset, ControlLin
   AppendMagneticHeads(job, ph.Jbt, lines);
   for (int i = 1; i <= ph.Nat; ++i) {
     const AtomSite& a = job.atoms[offset + i];
-    const std::string label = Label(a.label);
-    const std::string species = Label(a.species);
-    std::vector<FormatValue> row{FormatValue(label), FormatValue(species), FormatValue(a.Mag),
-                                 FormatValue(a.Vek)};
-    for (int j = 1; j <= 8; ++j) row.emplace_back(a.ATP[j]);
-    for (int j = 1; j <= 8; ++j) row.emplace_back(AtomCode(job, a, j));
-    for (int j : {9, 10, 11, 13, 14, 15, 12}) row.emplace_back(a.ATP[j]);
-    for (int j : {9, 10, 11, 13, 14, 15, 12}) row.emplace_back(AtomCode(job, a, j));
-    Put(lines, FormatText("(A4,1x,a4,I3,1X,I2,1X,5F8.5,3F8.3/16X,8F8.2/6F8.3,f8.5/7F8.2)", row));
+    AtomRow row(a, RowHead::Magnetic);
+    AddValues(row.values, a, {1, 2, 3, 4, 5, 6, 7, 8});
+    AddCodes(row.values, job, a, {1, 2, 3, 4, 5, 6, 7, 8});
+    AddValues(row.values, a, {9, 10, 11, 13, 14, 15, 12});
+    AddCodes(row.values, job, a, {9, 10, 11, 13, 14, 15, 12});
+    Put(lines, row.Text("(A4,1x,a4,I3,1X,I2,1X,5F8.5,3F8.3/16X,8F8.2/6F8.3,f8.5/7F8.2)"));
   }
 }
 
@@ -136,16 +148,11 @@ void AppendNuclearMagneticAtoms(const Job& job, const Phase& ph, int offset, Con
   AppendNuclearMagneticHeads(job, ph.Jbt, lines);
   for (int i = 1; i <= ph.Nat; ++i) {
     const AtomSite& a = job.atoms[offset + i];
-    const std::string label = Label(a.label);
-    const std::string species = Label(a.species);
-    std::vector<FormatValue> row{FormatValue(label), FormatValue(species), FormatValue(a.Mag),
-                                 FormatValue(a.Vek)};
-    for (int j = 1; j <= 5; ++j) row.emplace_back(a.ATP[j]);
-    row.emplace_back(a.N_t);
-    Put(lines, FormatText("(A4,1X,A4,3X,I4,1X,I2,1X,5F10.5,I5)", row));
-    std::vector<FormatValue> codes;
-    for (int j = 1; j <= 5; ++j) codes.emplace_back(AtomCode(job, a, j));
-    Put(lines, FormatText("(20X,5F10.2)", codes));
+    AtomRow row(a, RowHead::Magnetic);
+    AddValues(row.values, a, {1, 2, 3, 4, 5});
+    row.values.emplace_back(a.N_t);
+    Put(lines, row.Text("(A4,1X,A4,3X,I4,1X,I2,1X,5F10.5,I5)"));
+    Put(lines, Slots(job, a, {}, {1, 2, 3, 4, 5}, "(20X,5F10.2)"));
     if (a.N_t == 1 || a.N_t == 3) {
       Put(lines, Slots(job, a, {6, 7, 8, 9, 10, 11, 12}, {}, "(7F10.5,' <-MagPar')"));
       Put(lines, Slots(job, a, {}, {6, 7, 8, 9, 10, 11, 12}, "(7F10.2)"));
@@ -162,7 +169,7 @@ void AppendNuclearMagneticAtoms(const Job& job, const Phase& ph, int offset, Con
 void AppendAtomLines(const Job& job, int k, ControlLines& lines) {
   const Phase& ph = job.phases[k];
   const int jbt = std::abs(ph.Jbt);
-  const int offset = AtomOffset(job, k);
+  const int offset = ph.atomOffset;
   if (ph.Jbt == 0) {
     if (ph.Nat > 0) AppendCrystalAtoms(job, ph, offset, lines);
   } else if (jbt == 4) {

@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 
 #include "run/file_set.h"
 #include "run/fortran_format.h"
@@ -41,11 +40,6 @@ using control_writer::Head;
 using control_writer::Put;
 
 namespace {
-
-bool IsMagneticPhase(const Phase& ph) {
-  const int jbt = std::abs(ph.Jbt);
-  return jbt == 1 || jbt == 5 || jbt == 10;
-}
 
 void AppendPhase(const Job& job, int k, ControlLines& lines) {
   AppendPhaseHead(job, k, lines);

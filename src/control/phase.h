@@ -1,6 +1,7 @@
 // Phase and atom records of the control file, with the codewords that tie parameters to refinement.
 #pragma once
 
+#include <cstdlib>
 #include <string>
 
 #include "control/codeword.h"
@@ -77,6 +78,12 @@ struct Phase {
   Table1<PropagationVector, DimensionLimits::NEQV> vectors;
   Table1<std::string, DimensionLimits::MPAR> FurtherName;
 };
+
+// A phase whose atoms carry moments: |Jbt| 1, 5 or 10.
+inline bool IsMagneticPhase(const Phase& phase) {
+  const int kind = std::abs(phase.Jbt);
+  return kind == 1 || kind == 5 || kind == 10;
+}
 
 struct AtomSite {
   std::string label;        // atom label (Atom)

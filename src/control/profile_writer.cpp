@@ -19,13 +19,13 @@ float ProfileCode(const PhasePattern& c, int slot) {
   return ComposeCode(c.PAC[slot]);
 }
 
-// The values of the slots, an optional integer behind them, and the codes of
-// the same slots, under one format.
+// The values of the slots, what stands behind them on their line (a model
+// number, a remark), and the codes of the same slots, under one format.
 std::string SlotLines(const PhasePattern& c, std::initializer_list<int> slots, const char* format,
-                      const int* trailing = nullptr) {
+                      std::initializer_list<FormatValue> trailing = {}) {
   std::vector<FormatValue> all;
   for (int s : slots) all.emplace_back(c.PAR[s]);
-  if (trailing != nullptr) all.emplace_back(*trailing);
+  all.insert(all.end(), trailing);
   for (int s : slots) all.emplace_back(ProfileCode(c, s));
   return FormatText(format, all);
 }
@@ -36,37 +36,29 @@ std::string AxisLine(const Table1<float, 3>& axis, const char* remark) {
 
 void AppendTimeOfFlightWidths(const Job& job, const PhasePattern& c, ControlLines& lines) {
   Head(job, lines, "!  Scale       Extinc      Bov     Str1     Str2     Str3    Strain-Model");
-  Put(lines, SlotLines(c, {1, 17, 2, 18, 19, 20}, "(E12.5,5F9.4,I8/F12.5,5F9.2)", &c.StrainModel));
+  Put(lines, SlotLines(c, {1, 17, 2, 18, 19, 20}, "(E12.5,5F9.4,I8/F12.5,5F9.2)", {c.StrainModel}));
   Head(job, lines,
        "!    Sig-2     Sig-1     Sig-0       Xt        Yt        Z1     Z0     Size-Model");
-  Put(lines, SlotLines(c, {3, 4, 5, 15, 16, 28, 29}, "(7F10.3,I4/7F10.2)", &c.SizeModel));
+  Put(lines, SlotLines(c, {3, 4, 5, 15, 16, 28, 29}, "(7F10.3,I4/7F10.2)", {c.SizeModel}));
   Head(job, lines, "!    Gam-2     Gam-1     Gam-0     LStr       LSiz  ");
   Put(lines, SlotLines(c, {46, 47, 48, 49, 50}, "(5F10.3/5F10.2)"));
 }
 
 void AppendCommentedWidths(const Job& job, const PhasePattern& c, ControlLines& lines) {
   Head(job, lines, "!  Scale       Shape1      Bov     Str1     Str2     Str3    Strain-Model");
-  Put(lines, SlotLines(c, {1, 17, 2, 18, 19, 20}, "(E12.5,5F9.4,I8/F12.5,5F9.2)", &c.StrainModel));
+  Put(lines, SlotLines(c, {1, 17, 2, 18, 19, 20}, "(E12.5,5F9.4,I8/F12.5,5F9.2)", {c.StrainModel}));
   const std::string widths = c.Npr == 12 ? "!      Ul       Vl        Wl         Xl  "
                                          : "!      U        V         W          X   ";
   Head(job, lines, widths + "      Y       GauSiz   LorSiz Size-Model");
-  Put(lines, SlotLines(c, {3, 4, 5, 15, 16, 28, 29}, "(7F10.5,I4/7F10.2)", &c.SizeModel));
+  Put(lines, SlotLines(c, {3, 4, 5, 15, 16, 28, 29}, "(7F10.5,I4/7F10.2)", {c.SizeModel}));
 }
 
 // The plain form: no headers, remarks behind the numbers.
 void AppendPlainWidths(const PhasePattern& c, ControlLines& lines) {
-  std::vector<FormatValue> first;
-  for (int s : {1, 17, 2, 18, 19, 20}) first.emplace_back(c.PAR[s]);
-  first.emplace_back(c.StrainModel);
-  first.emplace_back("   Scale ETA Bov Strain");
-  for (int s : {1, 17, 2, 18, 19, 20}) first.emplace_back(ProfileCode(c, s));
-  Put(lines, FormatText("(E12.5,5F8.4,I4,A/F12.5,5F8.2)", first));
-  std::vector<FormatValue> second;
-  for (int s : {3, 4, 5, 15, 16, 28, 29}) second.emplace_back(c.PAR[s]);
-  second.emplace_back(c.SizeModel);
-  second.emplace_back("   U V W X Y Siz12");
-  for (int s : {3, 4, 5, 15, 16, 28, 29}) second.emplace_back(ProfileCode(c, s));
-  Put(lines, FormatText("(3F8.5,4F8.4,I4,A/7F8.2)", second));
+  Put(lines, SlotLines(c, {1, 17, 2, 18, 19, 20}, "(E12.5,5F8.4,I4,A/F12.5,5F8.2)",
+                       {c.StrainModel, "   Scale ETA Bov Strain"}));
+  Put(lines, SlotLines(c, {3, 4, 5, 15, 16, 28, 29}, "(3F8.5,4F8.4,I4,A/7F8.2)",
+                       {c.SizeModel, "   U V W X Y Siz12"}));
 }
 
 void AppendSplitRight(const Job& job, const PhasePattern& c, ControlLines& lines) {
@@ -97,11 +89,12 @@ void AppendWidthLines(const Job& job, const PhasePattern& c, const Pattern& p,
     AppendIntensityScales(job, c, lines);
   } else if (p.IXUNIT == 1) {
     AppendTimeOfFlightWidths(job, c, lines);
-  } else if (Commented(job)) {
-    AppendCommentedWidths(job, c, lines);
-    if (c.Npr == 12) AppendSplitRight(job, c, lines);
   } else {
-    AppendPlainWidths(c, lines);
+    if (Commented(job)) {
+      AppendCommentedWidths(job, c, lines);
+    } else {
+      AppendPlainWidths(c, lines);
+    }
     if (c.Npr == 12) AppendSplitRight(job, c, lines);
   }
 }

@@ -18,11 +18,6 @@ namespace {
 constexpr std::size_t kOperatorTextLength = 80;
 constexpr int kOperatorTextColumn = 6;
 
-bool IsMagneticPhase(const Phase& ph) {
-  const int jbt = std::abs(ph.Jbt);
-  return jbt == 1 || jbt == 5 || jbt == 10;
-}
-
 void ReadCountLine(Job& job, Phase& ph) {
   SpaceGroup& g = ph.group;
   ReadMaskedLine(job, Unit::Control, "iiii", job.LINE, {&g.NSYM, &g.ICENT, &g.LAUE, &g.NMAGM});

@@ -75,11 +75,6 @@ void ReportNorms(Job& job, const UpdatePass& pass, const Phase& phase, const Ato
 
 }  // namespace
 
-bool IsMagneticPhase(const Phase& phase) {
-  const int kind = std::abs(phase.Jbt);
-  return kind == 1 || kind == 5 || kind == 10;
-}
-
 bool UsesSphericalMoments(const Phase& phase) {
   return phase.Jbt == -1 || phase.Jbt == -10;
 }

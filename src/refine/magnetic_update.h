@@ -8,9 +8,6 @@
 
 namespace corvinet {
 
-// A phase whose atoms carry moments: |Jbt| 1, 5 or 10.
-bool IsMagneticPhase(const Phase& phase);
-
 // Moments given as modulus and two angles: Jbt -1 or -10.
 bool UsesSphericalMoments(const Phase& phase);
 

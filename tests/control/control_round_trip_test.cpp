@@ -189,7 +189,9 @@ void ExpectSameContribution(const PhasePattern& a, const PhasePattern& b) {
   for (int i = 1; i <= 6; ++i) EXPECT_CLOSE(CellConstants[i]);
   for (int s = 1; s <= DimensionLimits::MPAR; ++s) {
     // Slots 6 to 11 hold the reciprocal coefficients made from the cell.
-    if (s < 6 || s > 11) EXPECT_CLOSE(PAR[s]) << " slot " << s;
+    if (s < 6 || s > 11) {
+      EXPECT_CLOSE(PAR[s]) << " slot " << s;
+    }
     ExpectSameCode(a.PAC[s], b.PAC[s], "PAC " + std::to_string(s));
   }
 }
@@ -243,7 +245,9 @@ void ExpectSamePhase(const Job& ja, const Job& jb, int k) {
       ExpectSameCode(a.vectors[n].KCODE[i], b.vectors[n].KCODE[i], "KCODE");
     }
     // A list doubled by -K reads back as a plain list of twice the count.
-    if (a.addMinusK == b.addMinusK) EXPECT_SAME(vectors[n].halfVector);
+    if (a.addMinusK == b.addMinusK) {
+      EXPECT_SAME(vectors[n].halfVector);
+    }
   }
   for (int n = 1; n <= a.Furth; ++n) EXPECT_SAME(FurtherName[n]);
   for (int ip = 1; ip <= ja.run.NPATT; ++ip) ExpectSameContribution(a.pat[ip], b.pat[ip]);
@@ -284,27 +288,69 @@ void ExpectSameModel(const Job& a, const Job& b) {
   }
 }
 
-// Reads `text`, writes the new control file, reads that again and compares.
-// `plain` clears the commented form before writing. Returns the new text.
+// One round trip in a scratch directory: reads `text` (with an extra file
+// beside the data when `extraName` is given), writes the new control file and
+// reads that again. `plain` clears the commented form before writing.
+struct RoundTripRun {
+  ScratchDir dir;
+  CapturedJob first;
+  CapturedJob second;
+  std::string written;
+  explicit RoundTripRun(const std::string& text, bool plain = false,
+                        const std::string& extraName = "", const std::string& extraText = "") {
+    dir.Write("x.dat", FlatData());
+    dir.Write("x1.dat", FlatData());
+    dir.Write("x2.dat", FlatData());
+    if (!extraName.empty()) dir.Write(extraName, extraText);
+    EXPECT_TRUE(testing::ReadControlText(dir, first, text, false)) << first.Console();
+    EXPECT_TRUE(first->run.controlFileComplete) << first.Console();
+    if (plain) first->run.commentedOutput = 0;
+    EXPECT_TRUE(testing::RunsWithoutStop(*first, [](Job& j) { WriteControlFile(j, 0, 0, 0, 0); }));
+    written = first->run.NXT == 1 ? dir.Read("x.pcr") : dir.Read("x.new");
+    EXPECT_TRUE(testing::ReadControlText(dir, second, written, false))
+        << second.Console() << written;
+    EXPECT_TRUE(second->run.controlFileComplete) << second.Console() << written;
+    if (plain) second->run.commentedOutput = 0;
+  }
+};
+
+// A round trip that must give back the same model. Returns the new text.
 std::string RoundTrip(const std::string& text, bool plain = false,
                       const std::string& extraName = "", const std::string& extraText = "") {
-  ScratchDir dir;
-  dir.Write("x.dat", FlatData());
-  dir.Write("x1.dat", FlatData());
-  dir.Write("x2.dat", FlatData());
-  if (!extraName.empty()) dir.Write(extraName, extraText);
-  CapturedJob first;
-  EXPECT_TRUE(testing::ReadControlText(dir, first, text, false)) << first.Console();
-  EXPECT_TRUE(first->run.controlFileComplete) << first.Console();
-  if (plain) first->run.commentedOutput = 0;
-  EXPECT_TRUE(testing::RunsWithoutStop(*first, [](Job& j) { WriteControlFile(j, 0, 0, 0, 0); }));
-  const std::string written = first->run.NXT == 1 ? dir.Read("x.pcr") : dir.Read("x.new");
-  CapturedJob second;
-  EXPECT_TRUE(testing::ReadControlText(dir, second, written, false)) << second.Console() << written;
-  EXPECT_TRUE(second->run.controlFileComplete) << second.Console() << written;
-  if (plain) second->run.commentedOutput = 0;
-  ExpectSameModel(*first, *second);
-  return written;
+  const RoundTripRun run(text, plain, extraName, extraText);
+  ExpectSameModel(*run.first.job, *run.second.job);
+  return run.written;
+}
+
+// A case that refines nothing: no parameter, no cell code and no limits.
+SingleCase Unrefined() {
+  SingleCase c;
+  c.maxs = "0";
+  c.cell = "4.0 4.0 4.0 90 90 90\n0 0 0 0 0 0";
+  c.limits.clear();
+  return c;
+}
+
+// A case whose job line `job` chooses a background without refined
+// coefficients (points, Fourier filtering): no coefficient lines, and the
+// cell is parameter 2 of 2.
+SingleCase WithoutBackgroundCoefficients(const std::string& job) {
+  SingleCase c;
+  c.job = job;
+  c.maxs = "2";
+  c.background.clear();
+  c.cell = "4.0 4.0 4.0 90 90 90\n21.0 0 0 0 0 0";
+  return c;
+}
+
+// A case with atoms: the phase flags and the atom lines below the symbol
+// "P m 3 m"; one atom code is parameter 4.
+SingleCase WithAtoms(const std::string& flags, const std::string& atoms) {
+  SingleCase c;
+  c.maxs = "4";
+  c.flags = flags;
+  c.symbol = "P m 3 m\n" + atoms;
+  return c;
 }
 
 TEST(ControlRoundTrip, PolynomialBackgroundWithCodesAndLimits) {
@@ -346,11 +392,8 @@ TEST(ControlRoundTrip, TwelveTermBackground) {
 }
 
 TEST(ControlRoundTrip, FourierFilteredBackground) {
-  SingleCase c;
-  c.job = "0 5 1 -2 0 0 0 0 0 0 0 0 0 1 0 0 0";
-  c.maxs = "2";
+  SingleCase c = WithoutBackgroundCoefficients("0 5 1 -2 0 0 0 0 0 0 0 0 0 1 0 0 0");
   c.background = "12.5";
-  c.cell = "4.0 4.0 4.0 90 90 90\n21.0 0 0 0 0 0";
   RoundTrip(c.Text());
 }
 
@@ -364,22 +407,14 @@ TEST(ControlRoundTrip, BackgroundFromFile) {
 }
 
 TEST(ControlRoundTrip, LinearBackgroundPointsAndExcludedRegions) {
-  SingleCase c;
-  c.job = "0 5 1 3 2 0 0 0 0 0 0 0 0 1 0 0 0";
-  c.maxs = "2";
+  SingleCase c = WithoutBackgroundCoefficients("0 5 1 3 2 0 0 0 0 0 0 0 0 1 0 0 0");
   c.points = "20.0 100.0\n40.0 110.5\n60.0 120.25\n20.0 22.0\n58.5 60.0\n";
-  c.background.clear();
-  c.cell = "4.0 4.0 4.0 90 90 90\n21.0 0 0 0 0 0";
   RoundTrip(c.Text());
 }
 
 TEST(ControlRoundTrip, SplineBackgroundPoints) {
-  SingleCase c;
-  c.job = "0 5 1 -4 0 0 0 0 0 0 0 0 0 1 0 0 0";
-  c.maxs = "2";
+  SingleCase c = WithoutBackgroundCoefficients("0 5 1 -4 0 0 0 0 0 0 0 0 0 1 0 0 0");
   c.points = "20.0 100.0\n30.0 105.0\n45.0 110.5\n60.0 120.25\n";
-  c.background.clear();
-  c.cell = "4.0 4.0 4.0 90 90 90\n21.0 0 0 0 0 0";
   RoundTrip(c.Text());
 }
 
@@ -419,24 +454,19 @@ TEST(ControlRoundTrip, NegativeVectorCountReadsBackDoubled) {
   SingleCase c;
   c.flags = "0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 -1 0 0";
   c.more = "0.5 0.0 0.0\n0.0 0.0 0.0\n";
-  ScratchDir dir;
-  dir.Write("x.dat", FlatData());
-  CapturedJob first;
-  ASSERT_TRUE(testing::ReadControlText(dir, first, c.Text(), false)) << first.Console();
-  EXPECT_EQ(first->phases[1].addMinusK, 'Y');
-  WriteControlFile(*first, 0, 0, 0, 0);
-  const std::string written = dir.Read("x.new");
-  EXPECT_NE(written.find("   0   0   0 0.0 0.0 1.0   2   0   0   0   0        0.00   2   5   0"),
-            std::string::npos)
-      << written;
-  CapturedJob second;
-  ASSERT_TRUE(testing::ReadControlText(dir, second, written, false)) << second.Console();
-  const Phase& ph = second->phases[1];
+  const RoundTripRun run(c.Text());
+  EXPECT_EQ(run.first.job->phases[1].addMinusK, 'Y');
+  EXPECT_NE(
+      run.written.find("   0   0   0 0.0 0.0 1.0   2   0   0   0   0        0.00   2   5   0"),
+      std::string::npos)
+      << run.written;
+  const Phase& ph = run.second.job->phases[1];
   EXPECT_EQ(ph.addMinusK, 'N');
   EXPECT_EQ(ph.Nvk, 2);
   EXPECT_FLOAT_EQ(ph.vectors[1].KVEC[1], 0.5f);
   EXPECT_FLOAT_EQ(ph.vectors[2].KVEC[1], -0.5f);
   EXPECT_EQ(ph.vectors[1].halfVector, 1);
+  ExpectSameModel(*run.first.job, *run.second.job);
 }
 
 TEST(ControlRoundTrip, HarmonicSizeStrainTermsAndGeneralizedTerms) {
@@ -473,117 +503,103 @@ TEST(ControlRoundTrip, GeneralizedStrainAlone) {
 }
 
 TEST(ControlRoundTrip, TimeOfFlightCalculation) {
-  SingleCase c;
+  SingleCase c = Unrefined();
   c.job = "-3 9 1 0 0 0 0 0 0 0 0 0 0 0 0 1 0";
   c.instrument = "5000.0 6.0 1";
   c.cycle = "1 0.1 1 1 1 1 2000.0 100.0 3000.0 0 0";
-  c.maxs = "0";
   c.globals = "0.0 0.0 5000.0 0.0 -1.0 0.0 1.2 0.0 0";
   c.background = "1 0 0 0 0 0\n0 0 0 0 0 0";
   c.widths += "\n0 0 0 0 0\n0 0 0 0 0";
-  c.cell = "4.0 4.0 4.0 90 90 90\n0 0 0 0 0 0";
   c.more = "0.05 0.0 0.07 0.0\n";
-  c.limits.clear();
   RoundTrip(c.Text());
 }
 
 TEST(ControlRoundTrip, EnergyDispersiveCalculation) {
-  SingleCase c;
+  SingleCase c = Unrefined();
   c.job = "2 5 1 0 0 0 0 0 0 0 0 0 0 0 0 2 0";
   c.instrument = "40.0 6.0 1";
   c.cycle = "1 0.1 1 1 1 1 10.0 0.05 40.0 0 0";
-  c.maxs = "0";
   c.globals = "0.0 0.0 5.0 0.0 0.0 0.0 1.2 0.0 0";
-  c.cell = "4.0 4.0 4.0 90 90 90\n0 0 0 0 0 0";
-  c.limits.clear();
   RoundTrip(c.Text());
 }
 
 TEST(ControlRoundTrip, NeutronScatteringLengths) {
-  SingleCase c;
+  SingleCase c = Unrefined();
   c.job = "3 5 1 0 0 2 0 0 0 0 0 0 0 0 0 0 0";
   c.scattering = "Fe 0.945 0.0 0\nO 0.580 0.0 0\n";
-  c.maxs = "0";
-  c.cell = "4.0 4.0 4.0 90 90 90\n0 0 0 0 0 0";
-  c.limits.clear();
   RoundTrip(c.Text());
 }
 
 TEST(ControlRoundTrip, XrayFormFactorCoefficients) {
-  SingleCase c;
+  SingleCase c = Unrefined();
   c.job = "2 5 1 0 0 1 0 0 0 0 0 0 0 0 0 0 0";
   c.scattering =
       "Fe 0.1 3.2 1\n11.7695 4.7611 7.3573 0.3072 3.5222 15.3535 2.3045 76.8805 1.0369\n";
-  c.maxs = "0";
-  c.cell = "4.0 4.0 4.0 90 90 90\n0 0 0 0 0 0";
-  c.limits.clear();
   RoundTrip(c.Text());
 }
 
 TEST(ControlRoundTrip, XrayFormFactorTable) {
-  SingleCase c;
+  SingleCase c = Unrefined();
   c.job = "2 5 1 0 0 -1 0 0 0 0 0 0 0 0 0 0 0";
   c.scattering = "Fe 0.1 3.2 1\n0.0 26.0\n0.5 20.5\n1.0 12.25\n-100.0 0.0\n";
-  c.maxs = "0";
-  c.cell = "4.0 4.0 4.0 90 90 90\n0 0 0 0 0 0";
-  c.limits.clear();
   RoundTrip(c.Text());
 }
 
 TEST(ControlRoundTrip, CrystalStructureAtoms) {
-  SingleCase c;
-  c.maxs = "4";
-  c.flags = "2 0 0 0.0 0.0 1.0 0 0 0 0 0 0.0 0 0 0";
-  c.symbol =
-      "P m 3 m\nFe FE 0.0 0.0 0.0 0.5 1.0 0 0 0\n0 0 0 41.0 0\n"
-      "O O 0.5 0.5 0.0 0.8 1.0 0 0 2\n0 0 0 0 0\n"
-      "0.001 0.001 0.002 0.0 0.0 0.0\n0 0 0 0 0 0";
+  SingleCase c = WithAtoms("2 0 0 0.0 0.0 1.0 0 0 0 0 0 0.0 0 0 0",
+                           "Fe FE 0.0 0.0 0.0 0.5 1.0 0 0 0\n0 0 0 41.0 0\n"
+                           "O O 0.5 0.5 0.0 0.8 1.0 0 0 2\n0 0 0 0 0\n"
+                           "0.001 0.001 0.002 0.0 0.0 0.0\n0 0 0 0 0 0");
   RoundTrip(c.Text());
 }
 
 TEST(ControlRoundTrip, MagneticStructureAtoms) {
-  SingleCase c;
+  SingleCase c = WithAtoms("1 0 0 0.0 0.0 1.0 1 0 0 0 0 0.0 1 0 0",
+                           "Mn MMN2 1 1 0.0 0.0 0.0 0.5 1.0 2.0 0.0 -1.5\n0 0 0 0 0 41.0 0 0\n"
+                           "0.1 0.0 0.0 0.0 0.0 0.0 0.25\n0 0 0 0 0 0 0");
   c.job = "1 5 1 0 0 0 0 0 0 0 0 0 0 1 0 0 0";
-  c.maxs = "4";
-  c.flags = "1 0 0 0.0 0.0 1.0 1 0 0 0 0 0.0 1 0 0";
-  c.symbol =
-      "P m 3 m\nMn MMN2 1 1 0.0 0.0 0.0 0.5 1.0 2.0 0.0 -1.5\n0 0 0 0 0 41.0 0 0\n"
-      "0.1 0.0 0.0 0.0 0.0 0.0 0.25\n0 0 0 0 0 0 0";
   c.more = "0.5 0.0 0.0\n0 0 0\n";
   RoundTrip(c.Text());
 }
 
 TEST(ControlRoundTrip, CrystalAndMagneticAtoms) {
-  SingleCase c;
+  SingleCase c = WithAtoms("1 0 0 0.0 0.0 1.0 10 0 0 0 0 0.0 1 0 0",
+                           "Mn MMN2 1 1 0.0 0.0 0.0 0.5 1.0 3\n0 0 0 41.0 0\n"
+                           "2.0 0.0 -1.5 0.1 0.0 0.0 0.25\n0 0 0 0 0 0 0\n"
+                           "0.001 0.001 0.002 0.0 0.0 0.0\n0 0 0 0 0 0");
   c.job = "1 5 1 0 0 0 0 0 0 0 0 0 0 1 0 0 0";
-  c.maxs = "4";
-  c.flags = "1 0 0 0.0 0.0 1.0 10 0 0 0 0 0.0 1 0 0";
-  c.symbol =
-      "P m 3 m\nMn MMN2 1 1 0.0 0.0 0.0 0.5 1.0 3\n0 0 0 41.0 0\n"
-      "2.0 0.0 -1.5 0.1 0.0 0.0 0.25\n0 0 0 0 0 0 0\n"
-      "0.001 0.001 0.002 0.0 0.0 0.0\n0 0 0 0 0 0";
   c.more = "0.5 0.0 0.0\n0 0 0\n";
   RoundTrip(c.Text());
 }
 
+TEST(ControlRoundTrip, AtomsOfTheSecondPhaseFollowThoseOfTheFirst) {
+  SingleCase c = WithAtoms("1 0 0 0.0 0.0 1.0 0 0 0 0 0 0.0 0 0 0",
+                           "Fe FE 0.0 0.0 0.0 0.5 1.0 0 0 0\n0 0 0 41.0 0");
+  c.job = "0 5 2 0 0 0 0 0 0 0 0 0 0 1 0 0 0";
+  c.more =
+      "Phase two\n2 0 0 0.0 0.0 1.0 0 0 0 0 0 0.0 0 0 0\nP m 3 m\n"
+      "O1 O 0.5 0.5 0.5 0.8 1.0 0 0 0\n0 0 0 0 0\n"
+      "O2 O 0.25 0.25 0.25 0.9 1.0 0 0 0\n0 0 0 0 0\n" +
+      c.widths + "\n4.0 4.0 4.0 90 90 90\n0 0 0 0 0 0\n" + c.asymmetry + "\n";
+  const std::string written = RoundTrip(c.Text());
+  EXPECT_LT(written.find("Fe   FE"), written.find("O1   O"));
+  EXPECT_LT(written.find("O1   O"), written.find("O2   O"));
+  EXPECT_LT(written.find("Phase two"), written.find("O1   O"));
+  EXPECT_NE(written.find("O2   O"), std::string::npos) << written;
+}
+
 TEST(ControlRoundTrip, AtomWithFormFactorParameters) {
-  SingleCase c;
-  c.maxs = "4";
-  c.flags = "1 0 0 0.0 0.0 1.0 0 0 0 0 0 0.0 0 0 0";
-  c.symbol =
-      "P m 3 m\nFe FE 0.0 0.0 0.0 0.5 1.0 0 0 4\n0 0 0 0 0\n"
-      "1.5 2.5 3.5 4.5 5.5 6.5 7.5\n0 41.0 0 0 0 0 0\n"
-      "8.5 9.5 10.5 11.5 12.5 13.5 14.5\n0 0 0 0 0 0 0";
+  SingleCase c = WithAtoms("1 0 0 0.0 0.0 1.0 0 0 0 0 0 0.0 0 0 0",
+                           "Fe FE 0.0 0.0 0.0 0.5 1.0 0 0 4\n0 0 0 0 0\n"
+                           "1.5 2.5 3.5 4.5 5.5 6.5 7.5\n0 41.0 0 0 0 0 0\n"
+                           "8.5 9.5 10.5 11.5 12.5 13.5 14.5\n0 0 0 0 0 0 0");
   RoundTrip(c.Text());
 }
 
 TEST(ControlRoundTrip, RigidBodyModelAtoms) {
-  SingleCase c;
-  c.maxs = "4";
-  c.flags = "1 0 0 0.0 0.0 1.0 4 0 0 0 0 0.0 0 0 0";
-  c.symbol =
-      "P m 3 m\nG1 C 0.1 0.2 0.3 0.4 0.5 0.6 0.7 0.8\n0 0 41.0 0 0 0 0 0\n"
-      "0.9 1.0 1.1 1.2 1.3 1.4 1.5 1.6\n0 0 0 0 0 0 0";
+  SingleCase c = WithAtoms("1 0 0 0.0 0.0 1.0 4 0 0 0 0 0.0 0 0 0",
+                           "G1 C 0.1 0.2 0.3 0.4 0.5 0.6 0.7 0.8\n0 0 41.0 0 0 0 0 0\n"
+                           "0.9 1.0 1.1 1.2 1.3 1.4 1.5 1.6\n0 0 0 0 0 0 0");
   RoundTrip(c.Text());
 }
 

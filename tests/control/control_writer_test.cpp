@@ -257,6 +257,64 @@ TEST(ControlWriter, BackgroundPointsExclusionsAndScattering) {
       << Joined(lines);
 }
 
+TEST(ControlWriter, IntensityRunsHaveNoInstrumentPointOrGlobalLines) {
+  WriterJob w;
+  Pattern& p = w->patterns[1];
+  FillXrayPattern(p);
+  w->run.ICRYG = 1;
+  p.NBCKGD = 2;
+  p.NEXCRG = 1;
+  ControlLines lines;
+  AppendPatternBlock(*w, lines);
+  const std::vector<std::string> expected = {
+      "!",
+      "!NCY  Eps  R_at  R_an  R_pr  R_gl     Thmin       Step       Thmax    PSD    Sent0",
+      "  1  0.20  1.00  1.00  1.00  1.00     20.0000     0.0200    60.0000   0.000   0.000",
+      "!",
+      "!",
+      "       0    !Number of refined parameters"};
+  EXPECT_EQ(lines, expected) << Joined(lines);
+}
+
+TEST(ControlWriter, XrayScatteringCoefficientsAndTables) {
+  WriterJob w;
+  Pattern& p = w->patterns[1];
+  FillXrayPattern(p);
+  p.NSCAT = 2;
+  p.scatteringCount = 2;
+  ScatteringEntry& fe = p.scattering[1];
+  fe.NAM = "Fe";
+  fe.Fprime = 0.1f;
+  fe.Fsecond = 3.2f;
+  fe.ITAB = 2;  // no coefficient line
+  ScatteringEntry& co = p.scattering[2];
+  co.NAM = "Co";
+  co.ITAB = 1;
+  for (int i = 1; i <= 9; ++i) co.coef[i] = 0.5f * static_cast<float>(i);
+  ControlLines coefficients;
+  AppendPatternBlock(*w, coefficients);
+  EXPECT_TRUE(
+      HasRun(coefficients, {"! Additional scattering factors for Pattern#1",
+                            "Fe      0.100    3.200   2", "Co      0.000    0.000   1",
+                            "     0.50000      1.00000      1.50000      2.00000      2.50000"
+                            "      3.00000      3.50000      4.00000      4.50000",
+                            "!"}))
+      << Joined(coefficients);
+
+  p.NSCAT = -1;
+  p.scatteringCount = 1;
+  fe.tablePoints = 2;
+  fe.tableX[1] = 0.0f;
+  fe.tableY[1] = 26.0f;
+  fe.tableX[2] = 0.5f;
+  fe.tableY[2] = 20.5f;
+  ControlLines table;
+  AppendPatternBlock(*w, table);
+  EXPECT_TRUE(HasRun(table, {"Fe      0.100    3.200   2", "   0.000     26.00000",
+                             "   0.500     20.50000", "  -100.0", "!"}))
+      << Joined(table);
+}
+
 TEST(ControlWriter, DebyeFourierAndFileBackgroundLines) {
   WriterJob w;
   Pattern& p = w->patterns[1];
@@ -361,6 +419,39 @@ TEST(ControlWriter, PhaseHeadMultiPatternAndMagneticSymbol) {
                              "P m 3 m              Magnetic symmetry below",
                              "! Time Reversal Operations on Crystal Space Group", "  1 -1  1"}))
       << Joined(lines);
+}
+
+TEST(ControlWriter, MultiPatternFurtherFlagsLine) {
+  WriterJob w;
+  w->run.NPATT = 2;
+  FillPhase(*w);
+  w->phases[1].More = 1;
+  w->phases[1].Jdi = 1;
+  w->phases[1].Ter = 2;
+  ControlLines lines;
+  AppendPhaseHead(*w, 1, lines);
+  EXPECT_TRUE(HasRun(
+      lines, {"!Nat Dis Mom Jbt Isy Str Furth     ATZ   Nvk More",
+              "   0   0   0   2   0   0   0     0.0000   0   1", "!Jvi Jdi Hel Sol Mom Ter ",
+              "   0   1   0   0   0   2", "!Contributions (0/1) of this phase to the 2 patterns"}))
+      << Joined(lines);
+}
+
+TEST(ControlWriter, CentricTimeReversalHasOneSignPerOperator) {
+  WriterJob w;
+  FillPhase(*w);
+  Phase& ph = w->phases[1];
+  ph.Jbt = -10;
+  ph.magneticSymmetry = 1;
+  ph.group.NSYM = 2;
+  ph.group.ICENT = 1;
+  for (int n = 1; n <= 3; ++n) ph.group.magneticSign[n] = -1;
+  ControlLines lines;
+  AppendPhaseHead(*w, 1, lines);
+  EXPECT_TRUE(HasRun(lines, {"P m 3 m              Magnetic symmetry below",
+                             "! Time Reversal Operations on Crystal Space Group", " -1 -1"}))
+      << Joined(lines);
+  EXPECT_EQ(lines.back(), " -1 -1");
 }
 
 TEST(ControlWriter, NumericAndTextOperatorLines) {
@@ -757,6 +848,18 @@ TEST(ControlWriter, HarmonicSizeAndExtraStrainLines) {
       HasLine(trigonal, "!   Y00        Y20         Y40        Y43-        Y60       Y63 "));
   EXPECT_TRUE(HasLine(trigonal, "!   Y66+ "));
   EXPECT_FALSE(HasLine(trigonal, "! 5 additional strain parameters (Istrainmodel>8)"));
+}
+
+TEST(ControlWriter, GeneralizedStrainAloneHasNoSizeTerms) {
+  WriterJob w;
+  FillPhase(*w);
+  w->phases[1].Str = 1;
+  ControlLines lines;
+  AppendProfileLines(*w, 1, 1, lines);
+  EXPECT_TRUE(HasLine(lines, "! Additional strain parameters:")) << Joined(lines);
+  EXPECT_FALSE(HasLine(lines, "! Generalized strain+size parameters:")) << Joined(lines);
+  EXPECT_FALSE(HasLine(lines, "! Generalized size parameters:")) << Joined(lines);
+  EXPECT_EQ(lines.back(), "       0.00000       0.00000       0.00000       0.00000       0.00000");
 }
 
 TEST(ControlWriter, GeneralizedSizeAlone) {
