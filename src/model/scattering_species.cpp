@@ -22,10 +22,6 @@ constexpr const char* kCoefficientsStop = " Some scattering coefficients NOT FOU
 constexpr const char* kLengthNotFound = " => scattering length NOT FOUND for ";
 constexpr const char* kLengthStop = " Some scattering length NOT FOUND";
 
-bool IsNeutronRadiation(int radiation) {
-  return radiation == 1 || radiation == 3;
-}
-
 // The species table of one phase in one pattern while its atoms are resolved.
 struct SpeciesWork {
   Job& job;
@@ -277,7 +273,7 @@ void ResolveScatteringSpecies(Job& job, int ip, int k, int atomCount, int specie
   w.count = StartSpeciesTable(job, ip, k, speciesGiven);
   w.anomalousColumn = anomalousColumn;
   const int jbt = std::abs(ph.Jbt);
-  if (IsNeutronRadiation(radiation)) {
+  if (IsNeutronJob(radiation)) {
     if (jbt != 1 && jbt != 5) ResolveNeutron(w, atomCount);
     if (jbt == 10 || jbt == 1 || jbt == 5) ResolveMagnetic(w, atomCount);
   } else {
@@ -292,7 +288,7 @@ void SetUpPhaseSpecies(Job& job, int k, int ip) {
   if (ph.pat[ip].Contribution == 0) return;
   const Pattern& p = job.patterns[ip];
   const int radiation = std::abs(p.JOBTYP);
-  const int column = IsNeutronRadiation(radiation) ? 0 : AnomalousColumn(p.LAMBDA[1]);
+  const int column = IsNeutronJob(radiation) ? 0 : AnomalousColumn(p.LAMBDA[1]);
   ResolveScatteringSpecies(job, ip, k, ph.Nat, p.scatteringCount, column, radiation);
 }
 
