@@ -100,7 +100,7 @@ TEST(ScatteringEntries, EntriesAreTheFirstSpeciesOfAPhase) {
   job.phases[1].Nat = 2;
   job.atoms[1].species = "XX";  // folded to xx: the entry
   job.atoms[2].species = "O";
-  ASSERT_TRUE(testing::RunsWithoutStop(job, [](Job& j) { SetUpPhaseSpecies(j, 1); }));
+  ASSERT_TRUE(testing::RunsWithoutStop(job, [](Job& j) { SetUpPhaseSpecies(j, 1, 1); }));
   const PhasePattern& t = job.phases[1].pat[1];
   EXPECT_EQ(job.atoms[1].nuclearSpecies, 1);
   EXPECT_EQ(t.species[1].kind, SpeciesKind::Coefficients);
@@ -118,7 +118,7 @@ TEST(ScatteringEntries, TabulatedEntryBecomesAnInterpolatedSpecies) {
   job.phases[1].pat[1].Contribution = 1;
   job.phases[1].Nat = 1;
   job.atoms[1].species = "xx";
-  ASSERT_TRUE(testing::RunsWithoutStop(job, [](Job& j) { SetUpPhaseSpecies(j, 1); }));
+  ASSERT_TRUE(testing::RunsWithoutStop(job, [](Job& j) { SetUpPhaseSpecies(j, 1, 1); }));
   const ChemicalSpecies& sp = job.phases[1].pat[1].species[1];
   EXPECT_EQ(sp.kind, SpeciesKind::Tabulated);
   EXPECT_EQ(sp.nTable, 3);

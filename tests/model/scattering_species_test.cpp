@@ -52,8 +52,11 @@ struct SpeciesJob {
     a.N_t = nt;
     return a;
   }
+  // Sets up the species of phase k in every pattern, as the reader does pattern by pattern.
   bool SetUp(int k = 1) {
-    return testing::RunsWithoutStop(*job, [k](Job& j) { SetUpPhaseSpecies(j, k); });
+    return testing::RunsWithoutStop(*job, [k](Job& j) {
+      for (int ip = 1; ip <= j.run.NPATT; ++ip) SetUpPhaseSpecies(j, k, ip);
+    });
   }
   const PhasePattern& Table(int k = 1) { return job->phases[k].pat[1]; }
   std::string Out() { return testing::FlushedReport(dir, *job); }
