@@ -351,6 +351,65 @@ TEST(ScatteringSpecies, RunningCountPassesToTheNextPhaseOfThePattern) {
   EXPECT_EQ(s.Table(2).species[2].label, "o   ");
 }
 
+TEST(ScatteringSpecies, RunningCountPassesOverAProfileMatchingPhase) {
+  SpeciesJob s(kXray, 0);
+  s.AddAtom(1, "Fe");
+  s.AddAtom(1, "O");
+  s.AddPhase(2, 2);
+  s.AddPhase(3, 0);
+  AtomSite& o = s.AddAtom(3, "O");
+  AtomSite& ti = s.AddAtom(3, "Ti");
+  ASSERT_TRUE(s.SetUp(1));
+  ASSERT_TRUE(s.SetUp(2));
+  ASSERT_TRUE(s.SetUp(3));
+  EXPECT_EQ(s.Table(2).speciesCount, 0);
+  EXPECT_EQ(o.nuclearSpecies, 2);
+  EXPECT_EQ(ti.nuclearSpecies, 3);
+  EXPECT_EQ(s.Table(3).speciesCount, 3);
+  EXPECT_EQ(s.Table(3).species[1].label, "fe  ");
+}
+
+TEST(ScatteringSpecies, EntriesStayTheFirstSpeciesOfLaterPhases) {
+  SpeciesJob s(kNeutron, 0);
+  Pattern& p = s.job->patterns[1];
+  p.NSCAT = 1;
+  p.scatteringCount = 1;
+  p.scattering[1].NAM = "SM";
+  p.scattering[1].Fprime = 0.08f;
+  s.AddAtom(1, "O");
+  s.AddPhase(2, 0);
+  AtomSite& sm = s.AddAtom(2, "SM");
+  AtomSite& fe = s.AddAtom(2, "FE");
+  ASSERT_TRUE(s.SetUp(1));
+  ASSERT_TRUE(s.SetUp(2));
+  EXPECT_EQ(s.Table(1).speciesCount, 2);
+  EXPECT_EQ(sm.nuclearSpecies, 1);
+  EXPECT_FLOAT_EQ(s.Table(2).species[1].fp, 0.08f);
+  EXPECT_EQ(s.Table(2).species[2].label, "O   ");
+  EXPECT_EQ(fe.nuclearSpecies, 3);
+  EXPECT_EQ(s.Table(2).speciesCount, 3);
+}
+
+TEST(ScatteringSpecies, RadiationIsTheMagnitudeOfTheJobType) {
+  // -1 (time of flight) and 3 (calculation) are neutron jobs: O takes its length.
+  for (const int jobtyp : {-1, 3, -3}) {
+    SpeciesJob s(jobtyp, 0);
+    AtomSite& o = s.AddAtom(1, "O");
+    ASSERT_TRUE(s.SetUp()) << jobtyp;
+    EXPECT_EQ(o.nuclearSpecies, 1) << jobtyp;
+    EXPECT_EQ(s.Table().species[1].label, "O   ") << jobtyp;
+    EXPECT_FLOAT_EQ(s.Table().species[1].fp, 0.5803f) << jobtyp;
+  }
+  // 2 and -2 (calculations) are X-ray jobs: the label is folded and has nine coefficients.
+  for (const int jobtyp : {2, -2}) {
+    SpeciesJob s(jobtyp, 0);
+    s.AddAtom(1, "O");
+    ASSERT_TRUE(s.SetUp()) << jobtyp;
+    EXPECT_EQ(s.Table().species[1].label, "o   ") << jobtyp;
+    EXPECT_FLOAT_EQ(s.Table().species[1].coeff[1], 3.0485f) << jobtyp;
+  }
+}
+
 TEST(ScatteringSpecies, ProfileMatchingPhaseHasNoSpecies) {
   SpeciesJob s(kXray, 2);
   s.AddAtom(1, "Xx");
