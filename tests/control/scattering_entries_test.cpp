@@ -1,5 +1,6 @@
-// Tests of the scattering entries that need the fixed tables: coefficients by name, the fit of a
-// table of points, and the entries as the first species of a phase.
+// Tests of the scattering entries: coefficients by name, folding of names, lengths, the limits of
+// point tables and of the entry count, the fit of a table of points, and the entries as the first
+// species of a phase.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -89,6 +90,81 @@ TEST(ScatteringEntries, MarkLineFitsThePointsGivenSoFar) {
   EXPECT_LT(largest, 0.8);
   EXPECT_EQ(e.Entry(2).NAM, "next");
   EXPECT_FLOAT_EQ(e.Entry(2).coef[1], 1.0f);
+}
+
+TEST(ScatteringEntries, XrayNameOfTypeZeroIsFoldedToLowerCase) {
+  EntriesJob e(0, 2, "Fe 0.1 0.2 0\n1 2 3 4 5 6 7 8 9\nFe 0.1 0.2 1\n1 2 3 4 5 6 7 8 9\n");
+  ASSERT_TRUE(e.Read());
+  EXPECT_EQ(e.Entry(1).NAM, "fe");
+  EXPECT_FLOAT_EQ(e.Entry(1).coef[9], 9.0f);
+  EXPECT_EQ(e.Entry(2).NAM, "Fe");  // other types keep the name as typed
+}
+
+TEST(ScatteringEntries, NeutronLengthsLoseTheirSecondTerm) {
+  EntriesJob e(1, 2, "O 0.5803 0.7 0\nFE 0.945 0.3 0\n");
+  ASSERT_TRUE(e.Read());
+  EXPECT_FLOAT_EQ(e.Entry(1).Fprime, 0.5803f);
+  EXPECT_EQ(e.Entry(1).Fsecond, 0.0f);
+  EXPECT_EQ(e.Entry(2).Fsecond, 0.0f);
+  const auto lines = testing::SplitLines(testing::FlushedReport(e.dir, *e.job));
+  EXPECT_NE(std::find(lines.begin(), lines.end(), " => Scattering lengths ==>"), lines.end());
+  EXPECT_NE(std::find(lines.begin(), lines.end(), "    FE     0.94500"), lines.end());
+}
+
+TEST(ScatteringEntries, NeutronEntryWithCoefficientsListsScatteringFactors) {
+  EntriesJob e(1, 1, "Xx 0.5 0.25 1\n1 2 3 4 5 6 7 8 9\n");
+  ASSERT_TRUE(e.Read());
+  EXPECT_FLOAT_EQ(e.Entry(1).Fsecond, 0.25f);
+  EXPECT_FLOAT_EQ(e.Entry(1).coef[9], 9.0f);
+  const auto lines = testing::SplitLines(testing::FlushedReport(e.dir, *e.job));
+  EXPECT_NE(std::find(lines.begin(), lines.end(), " => Scattering factors ==>"), lines.end());
+  EXPECT_EQ(std::find(lines.begin(), lines.end(), " => Scattering lengths ==>"), lines.end());
+}
+
+// Lines of n points (s, f) in the nine-number form: the third number is zero.
+std::string PointLines(int n) {
+  std::string lines;
+  for (int i = 0; i < n; ++i) {
+    lines += std::to_string(0.02 * i) + " " + std::to_string(6.0 - 0.05 * i) + " 0 0 0 0 0 0 0\n";
+  }
+  return lines;
+}
+
+TEST(ScatteringEntries, FiftyNinePointsBeforeTheMarkAreAccepted) {
+  EntriesJob e(0, 1, "cx 0.0 0.0 1\n" + PointLines(59) + "-100.0 0 0 0 0 0 0 0 0\n");
+  ASSERT_TRUE(e.Read());
+  EXPECT_EQ(e.Entry(1).tablePoints, 59);
+  EXPECT_FLOAT_EQ(e.Entry(1).tableY[59], 6.0f - 0.05f * 58.0f);
+}
+
+TEST(ScatteringEntries, SixtiethPointStopsTheRun) {
+  EntriesJob e(0, 1, "cx 0.0 0.0 1\n" + PointLines(60) + "-100.0 0 0 0 0 0 0 0 0\n");
+  EXPECT_FALSE(e.Read());
+  const auto lines = testing::SplitLines(testing::FlushedReport(e.dir, *e.job));
+  EXPECT_NE(std::find(lines.begin(), lines.end(), " => Too many scattering factor entries"),
+            lines.end());
+  EXPECT_NE(e.job.Console().find(" Too many scattering factor entries"), std::string::npos);
+}
+
+TEST(ScatteringEntries, TableEndsAfterFiftyNineLinesWithoutTheMark) {
+  std::string lines = "xx 0.0 0.0 0\n";
+  for (int i = 1; i <= 59; ++i) lines += std::to_string(10 * i) + ".0 1.0\n";
+  lines += "yy 0.0 0.0 0\n5.0 2.0\n-100.0 0.0\n";
+  EntriesJob e(0, -2, lines);
+  ASSERT_TRUE(e.Read());
+  EXPECT_EQ(e.Entry(1).tablePoints, 59);
+  EXPECT_FLOAT_EQ(e.Entry(1).tableX[59], 590.0f);
+  // The line after the 59th point is the next entry, not a point.
+  EXPECT_EQ(e.Entry(2).NAM, "yy");
+  EXPECT_EQ(e.Entry(2).tablePoints, 1);
+  EXPECT_FLOAT_EQ(e.Entry(2).tableY[1], 2.0f);
+}
+
+TEST(ScatteringEntries, MoreEntriesThanSpeciesStopTheRun) {
+  EntriesJob e(1, 17, "");
+  EXPECT_FALSE(e.Read());
+  EXPECT_NE(e.job.Console().find(" => Number of scattering entries:"), std::string::npos);
+  EXPECT_NE(e.job.Console().find(" => Too many additional scattering entries!"), std::string::npos);
 }
 
 TEST(ScatteringEntries, EntriesAreTheFirstSpeciesOfAPhase) {
