@@ -49,6 +49,9 @@ BinaryRun RunBinary(const std::filesystem::path& dir, const std::string& argumen
 
 std::vector<std::string> SplitLines(const std::string& text);
 
+// True when one line of `text` is exactly `line`.
+bool HasLine(const std::string& text, const std::string& line);
+
 // Replaces dates, clock times and CPU times by fixed words so that reports compare line by line.
 std::string NormaliseLine(const std::string& line);
 std::vector<std::string> NormaliseLines(const std::vector<std::string>& lines);
@@ -60,6 +63,10 @@ bool ReadControlText(ScratchDir& dir, CapturedJob& job, const std::string& pcr, 
 inline bool ReadHeadOnly(ScratchDir& dir, CapturedJob& job, const std::string& pcr) {
   return ReadControlText(dir, job, pcr, true);
 }
+
+// Job "x" in `dir` with its defaults, the control file x.pcr holding `pcr`,
+// and the reports x.out and x.sum open: for tests of one reader or one step.
+void OpenJobFiles(ScratchDir& dir, Job& job, const std::string& pcr);
 
 // Runs `step` on the job; false when it ended in a stop.
 template <typename F>

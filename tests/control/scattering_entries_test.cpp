@@ -9,8 +9,6 @@
 
 #include "control/pattern_block.h"
 #include "model/scattering_species.h"
-#include "run/defaults.h"
-#include "run/file_set.h"
 #include "surface/console.h"
 #include "test_support.h"
 
@@ -25,11 +23,7 @@ struct EntriesJob {
   ScratchDir dir;
   CapturedJob job;
   EntriesJob(int jobtyp, int nscat, const std::string& lines) {
-    dir.Write("x.pcr", lines);
-    job->driver.PcrCode = "x";
-    ResetDefaults(*job);
-    OpenFiles(*job, 1, 0, 0);
-    OpenFiles(*job, 2, 0, 0);
+    testing::OpenJobFiles(dir, *job, lines);
     job->run.NPATT = 1;
     Pattern& p = job->patterns[1];
     p.JOBTYP = jobtyp;
@@ -41,6 +35,9 @@ struct EntriesJob {
     return testing::RunsWithoutStop(*job, [](Job& j) { ReadScatteringEntries(j, 1); });
   }
   const ScatteringEntry& Entry(int j) { return job->patterns[1].scattering[j]; }
+  bool OutHas(const std::string& line) {
+    return testing::HasLine(testing::FlushedReport(dir, *job), line);
+  }
 };
 
 TEST(ScatteringEntries, CoefficientsByNameComeFromTheXrayTable) {
@@ -106,9 +103,8 @@ TEST(ScatteringEntries, NeutronLengthsLoseTheirSecondTerm) {
   EXPECT_FLOAT_EQ(e.Entry(1).Fprime, 0.5803f);
   EXPECT_EQ(e.Entry(1).Fsecond, 0.0f);
   EXPECT_EQ(e.Entry(2).Fsecond, 0.0f);
-  const auto lines = testing::SplitLines(testing::FlushedReport(e.dir, *e.job));
-  EXPECT_NE(std::find(lines.begin(), lines.end(), " => Scattering lengths ==>"), lines.end());
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "    FE     0.94500"), lines.end());
+  EXPECT_TRUE(e.OutHas(" => Scattering lengths ==>"));
+  EXPECT_TRUE(e.OutHas("    FE     0.94500"));
 }
 
 TEST(ScatteringEntries, NeutronEntryWithCoefficientsListsScatteringFactors) {
@@ -116,9 +112,8 @@ TEST(ScatteringEntries, NeutronEntryWithCoefficientsListsScatteringFactors) {
   ASSERT_TRUE(e.Read());
   EXPECT_FLOAT_EQ(e.Entry(1).Fsecond, 0.25f);
   EXPECT_FLOAT_EQ(e.Entry(1).coef[9], 9.0f);
-  const auto lines = testing::SplitLines(testing::FlushedReport(e.dir, *e.job));
-  EXPECT_NE(std::find(lines.begin(), lines.end(), " => Scattering factors ==>"), lines.end());
-  EXPECT_EQ(std::find(lines.begin(), lines.end(), " => Scattering lengths ==>"), lines.end());
+  EXPECT_TRUE(e.OutHas(" => Scattering factors ==>"));
+  EXPECT_FALSE(e.OutHas(" => Scattering lengths ==>"));
 }
 
 // Lines of n points (s, f) in the nine-number form: the third number is zero.
@@ -140,9 +135,7 @@ TEST(ScatteringEntries, FiftyNinePointsBeforeTheMarkAreAccepted) {
 TEST(ScatteringEntries, SixtiethPointStopsTheRun) {
   EntriesJob e(0, 1, "cx 0.0 0.0 1\n" + PointLines(60) + "-100.0 0 0 0 0 0 0 0 0\n");
   EXPECT_FALSE(e.Read());
-  const auto lines = testing::SplitLines(testing::FlushedReport(e.dir, *e.job));
-  EXPECT_NE(std::find(lines.begin(), lines.end(), " => Too many scattering factor entries"),
-            lines.end());
+  EXPECT_TRUE(e.OutHas(" => Too many scattering factor entries"));
   EXPECT_NE(e.job.Console().find(" Too many scattering factor entries"), std::string::npos);
 }
 

@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <string>
 
-#include "run/defaults.h"
-#include "run/file_set.h"
 #include "surface/console.h"
 #include "test_support.h"
 
@@ -25,11 +23,7 @@ struct SpeciesJob {
   int atoms = 0;
 
   SpeciesJob(int jobtyp, int jbt, float lambda = 1.5406f) {
-    dir.Write("x.pcr", "");
-    job->driver.PcrCode = "x";
-    ResetDefaults(*job);
-    OpenFiles(*job, 1, 0, 0);
-    OpenFiles(*job, 2, 0, 0);
+    testing::OpenJobFiles(dir, *job, "");
     job->run.NPATT = 1;
     job->run.NPHASE = 1;
     job->patterns[1].JOBTYP = jobtyp;
@@ -60,10 +54,7 @@ struct SpeciesJob {
   }
   const PhasePattern& Table(int k = 1) { return job->phases[k].pat[1]; }
   std::string Out() { return testing::FlushedReport(dir, *job); }
-  bool OutHas(const std::string& line) {
-    const auto lines = testing::SplitLines(Out());
-    return std::find(lines.begin(), lines.end(), line) != lines.end();
-  }
+  bool OutHas(const std::string& line) { return testing::HasLine(Out(), line); }
   bool ConsoleHas(const std::string& text) { return job.Console().find(text) != std::string::npos; }
 };
 
