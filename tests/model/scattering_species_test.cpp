@@ -46,6 +46,13 @@ struct SpeciesJob {
     a.N_t = nt;
     return a;
   }
+  // Adds a scattering entry of the pattern: a name and its f' or scattering length.
+  void AddEntry(const std::string& name, float fprime) {
+    Pattern& p = job->patterns[1];
+    p.NSCAT = ++p.scatteringCount;
+    p.scattering[p.scatteringCount].NAM = name;
+    p.scattering[p.scatteringCount].Fprime = fprime;
+  }
   // Sets up the species of phase k in every pattern, as the reader does pattern by pattern.
   bool SetUp(int k = 1) {
     return testing::RunsWithoutStop(*job, [k](Job& j) {
@@ -188,11 +195,7 @@ TEST(ScatteringSpecies, LabelInTheTablesIsFoundBeforeObjectLabels) {
   // A scattering entry named like an object is a species of the table: the
   // atom takes it, with a positive number, and no object is made.
   SpeciesJob s(kNeutron, 0);
-  Pattern& p = s.job->patterns[1];
-  p.NSCAT = 1;
-  p.scatteringCount = 1;
-  p.scattering[1].NAM = "SPHE";
-  p.scattering[1].Fprime = 0.5f;
+  s.AddEntry("SPHE", 0.5f);
   AtomSite& a = s.AddAtom(1, "SPHE");
   AtomSite& h = s.AddAtom(1, "H");
   ASSERT_TRUE(s.SetUp());
@@ -249,11 +252,7 @@ TEST(ScatteringSpecies, NeutronRetryWithTheSecondCharacter) {
 
 TEST(ScatteringSpecies, LengthGivenByAnEntryReachesALabelTheTableCannot) {
   SpeciesJob s(kNeutron, 0);
-  Pattern& p = s.job->patterns[1];
-  p.NSCAT = 1;
-  p.scatteringCount = 1;
-  p.scattering[1].NAM = "SM";
-  p.scattering[1].Fprime = 0.08f;
+  s.AddEntry("SM", 0.08f);
   AtomSite& sm = s.AddAtom(1, "SM");
   AtomSite& o = s.AddAtom(1, "O");
   ASSERT_TRUE(s.SetUp());
@@ -362,11 +361,7 @@ TEST(ScatteringSpecies, RunningCountPassesOverAProfileMatchingPhase) {
 
 TEST(ScatteringSpecies, EntriesStayTheFirstSpeciesOfLaterPhases) {
   SpeciesJob s(kNeutron, 0);
-  Pattern& p = s.job->patterns[1];
-  p.NSCAT = 1;
-  p.scatteringCount = 1;
-  p.scattering[1].NAM = "SM";
-  p.scattering[1].Fprime = 0.08f;
+  s.AddEntry("SM", 0.08f);
   s.AddAtom(1, "O");
   s.AddPhase(2, 0);
   AtomSite& sm = s.AddAtom(2, "SM");
