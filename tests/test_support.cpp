@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
 #include <regex>
 #include <sstream>
@@ -113,6 +114,16 @@ std::vector<std::string> NormaliseLines(const std::vector<std::string>& lines) {
   out.reserve(lines.size());
   for (const std::string& line : lines) out.push_back(NormaliseLine(line));
   return out;
+}
+
+bool HasLine(const std::string& text, const std::string& line) {
+  const std::vector<std::string> lines = SplitLines(text);
+  return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+bool HasNormalisedLine(const std::string& text, const std::string& line) {
+  const std::vector<std::string> lines = NormaliseLines(SplitLines(text));
+  return std::find(lines.begin(), lines.end(), NormaliseLine(line)) != lines.end();
 }
 
 void OpenControlText(const ScratchDir& dir, Job& job, const std::string& lines) {

@@ -49,6 +49,12 @@ BinaryRun RunBinary(const std::filesystem::path& dir, const std::string& argumen
 
 std::vector<std::string> SplitLines(const std::string& text);
 
+// True when one line of `text` is exactly `line`.
+bool HasLine(const std::string& text, const std::string& line);
+
+// The same after dates, clock times and CPU times of both are normalised.
+bool HasNormalisedLine(const std::string& text, const std::string& line);
+
 // Replaces dates, clock times and CPU times by fixed words so that reports compare line by line.
 std::string NormaliseLine(const std::string& line);
 std::vector<std::string> NormaliseLines(const std::vector<std::string>& lines);

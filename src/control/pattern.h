@@ -1,6 +1,7 @@
 // Per-pattern record: flags and instrument values of the control file, and the per-point arrays.
 #pragma once
 
+#include <cstdlib>
 #include <string>
 
 #include "control/codeword.h"
@@ -140,5 +141,15 @@ struct NumericalProfile {
   Table2<float, DimensionLimits::NPR, DimensionLimits::INPR> shapeY;
   Table2<float, DimensionLimits::NPR, DimensionLimits::INPR> shapeDy;
 };
+
+// A neutron job type: |JOBTYP| 1 (refinement, -1 time of flight) or 3 (calculation).
+// Every other job type is an X-ray one.
+inline bool IsNeutronJob(int jobtyp) {
+  return std::abs(jobtyp) == 1 || std::abs(jobtyp) == 3;
+}
+
+inline bool IsNeutronPattern(const Pattern& p) {
+  return IsNeutronJob(p.JOBTYP);
+}
 
 }  // namespace corvinet

@@ -1,5 +1,4 @@
 // The pattern block of a written control file: instrument, cycle, points, scattering and globals.
-#include <cstdlib>
 #include <vector>
 
 #include "control/control_writer.h"
@@ -100,10 +99,6 @@ void AppendPointLists(const Job& job, int ip, ControlLines& lines) {
     for (int j = 1; j <= p.NEXCRG; ++j) Put(lines, Fmt("(2F12.2)", p.ExclLow[j], p.ExclHigh[j]));
     Put(lines, "! ");
   }
-}
-
-bool IsNeutronPattern(const Pattern& p) {
-  return std::abs(p.JOBTYP) == 1 || std::abs(p.JOBTYP) == 3;
 }
 
 void AppendScatteringEntry(const Pattern& p, const ScatteringEntry& e, ControlLines& lines) {

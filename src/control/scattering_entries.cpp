@@ -1,7 +1,6 @@
 // Additional scattering entries of a pattern: names, anomalous terms, lengths, coefficients and
 // tables.
 #include <cmath>
-#include <cstdlib>
 
 #include "control/pattern_block.h"
 #include "model/form_factor_fit.h"
@@ -16,10 +15,6 @@ namespace corvinet {
 namespace {
 
 constexpr int kTablePoints = 59;
-
-bool IsNeutron(const Pattern& p) {
-  return std::abs(p.JOBTYP) == 1 || std::abs(p.JOBTYP) == 3;
-}
 
 bool IsEndMark(float x) {
   return std::fabs(100.0f + x) < 0.0001f;
@@ -69,7 +64,7 @@ void ReadEntry(Job& job, Pattern& p, ScatteringEntry& e) {
   ReadMaskedLine(job, Unit::Control, "4ffi", job.LINE, {&e.NAM, &e.Fprime, &e.Fsecond, &e.ITAB});
   p.scatteringTypeSum += e.ITAB;
   if (e.ITAB == 0) {
-    if (IsNeutron(p)) return;
+    if (IsNeutronPattern(p)) return;
     ToLower(e.NAM);
   }
   if (e.ITAB == 2) {

@@ -26,15 +26,20 @@ struct Misfit {
     if (gradient != nullptr) gradient->fill(0.0);
     double sum = 0.0;
     for (std::size_t i = 0; i < q.size(); ++i) {
+      // One exponential per pair (amplitude, exponent), for the model and its slopes.
+      std::array<double, kSpace / 2> e{};
       double model = 0.0;
-      for (int j = 0; j < kSpace; j += 2) model += x[j] * std::exp(-x[j + 1] * q[i]);
+      for (int j = 0; j < kSpace; j += 2) {
+        e[j / 2] = std::exp(-x[j + 1] * q[i]);
+        model += x[j] * e[j / 2];
+      }
       const double r = f[i] - model;
       sum += r * r;
       if (gradient == nullptr) continue;
       for (int j = 0; j < slots; ++j) {
         const int amplitude = j - j % 2;
-        const double e = std::exp(-x[amplitude + 1] * q[i]);
-        (*gradient)[j] += (j % 2 == 0) ? -2.0 * r * e : 2.0 * r * x[amplitude] * q[i] * e;
+        const double ej = e[j / 2];
+        (*gradient)[j] += (j % 2 == 0) ? -2.0 * r * ej : 2.0 * r * x[amplitude] * q[i] * ej;
       }
     }
     return sum;

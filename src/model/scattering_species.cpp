@@ -22,10 +22,6 @@ constexpr const char* kCoefficientsStop = " Some scattering coefficients NOT FOU
 constexpr const char* kLengthNotFound = " => scattering length NOT FOUND for ";
 constexpr const char* kLengthStop = " Some scattering length NOT FOUND";
 
-bool IsNeutronRadiation(int radiation) {
-  return radiation == 1 || radiation == 3;
-}
-
 // The species table of one phase in one pattern while its atoms are resolved.
 struct SpeciesWork {
   Job& job;
@@ -39,14 +35,17 @@ void Out(Job& job, std::string_view text) {
   WriteLine(job, Unit::Out, text);
 }
 
-// The label is shown on the report and the console, then the stop box ends the run.
-[[noreturn]] void StopNotFound(Job& job, const char* line, const std::string& label,
-                               const char* stop) {
-  const std::string text = Fmt("(A,A4)", line, FixedText(label, 4));
-  Out(job, text);
-  ConsoleLine(job, text);
+// The line is shown on the report and the console, then the stop box ends the run.
+[[noreturn]] void ReportAndStop(Job& job, const std::string& line, const char* stop) {
+  Out(job, line);
+  ConsoleLine(job, line);
   StopBox(job, stop);
   throw ProcessStop{0};
+}
+
+[[noreturn]] void StopNotFound(Job& job, const char* line, const std::string& label,
+                               const char* stop) {
+  ReportAndStop(job, Fmt("(A,A4)", line, FixedText(label, 4)), stop);
 }
 
 int FindSpecies(const SpeciesWork& w, const std::string& label4) {
@@ -60,12 +59,9 @@ int FindSpecies(const SpeciesWork& w, const std::string& label4) {
 ChemicalSpecies& NewSpecies(SpeciesWork& w, const std::string& label4) {
   ++w.count;
   if (w.count > DimensionLimits::N_SPE) {
-    const std::string text =
-        Fmt("(A,I3)", " => Maximum number of chemical species: ", DimensionLimits::N_SPE);
-    Out(w.job, text);
-    ConsoleLine(w.job, text);
-    StopBox(w.job, " Too many chemical species");
-    throw ProcessStop{0};
+    ReportAndStop(w.job,
+                  Fmt("(A,I3)", " => Maximum number of chemical species: ", DimensionLimits::N_SPE),
+                  " Too many chemical species");
   }
   ChemicalSpecies& sp = w.table.species[w.count];
   sp = ChemicalSpecies{};
@@ -208,14 +204,14 @@ void ResolveMagnetic(SpeciesWork& w, int atomCount) {
   }
 }
 
-// The latest earlier phase of the pattern that holds species, or 0.
+// The latest earlier phase of the pattern that holds species, or 0. Its count
+// is the running count of the pattern: phases that do not contribute to the
+// pattern, or have no structure, hold none.
 int PreviousPhaseWithSpecies(const Job& job, int ip, int k) {
-  int best = 0;
-  for (int j = 1; j < k; ++j) {
-    const int count = job.phases[j].pat[ip].speciesCount;
-    if (count > 0 && (best == 0 || count >= job.phases[best].pat[ip].speciesCount)) best = j;
+  for (int j = k - 1; j >= 1; --j) {
+    if (job.phases[j].pat[ip].speciesCount > 0) return j;
   }
-  return best;
+  return 0;
 }
 
 ChemicalSpecies SpeciesOfEntry(const Pattern& p, const ScatteringEntry& e) {
@@ -235,8 +231,9 @@ ChemicalSpecies SpeciesOfEntry(const Pattern& p, const ScatteringEntry& e) {
   return sp;
 }
 
-// The table starts with the species of the earlier phases of the pattern, then
-// with the pattern's scattering entries; returns the running count.
+// The table starts with the species of the earlier phases of the pattern, which
+// begin with the pattern's scattering entries; the entries beyond them are
+// added. Returns the running count.
 int StartSpeciesTable(Job& job, int ip, int k, int speciesGiven) {
   PhasePattern& table = job.phases[k].pat[ip];
   int running = 0;
@@ -247,7 +244,9 @@ int StartSpeciesTable(Job& job, int ip, int k, int speciesGiven) {
   }
   const Pattern& p = job.patterns[ip];
   const int given = std::min(speciesGiven, DimensionLimits::N_SPE);
-  for (int j = 1; j <= given; ++j) table.species[j] = SpeciesOfEntry(p, p.scattering[j]);
+  for (int j = running + 1; j <= given; ++j) {
+    table.species[j] = SpeciesOfEntry(p, p.scattering[j]);
+  }
   table.objectCount = 0;
   return std::max(running, given);
 }
@@ -277,7 +276,7 @@ void ResolveScatteringSpecies(Job& job, int ip, int k, int atomCount, int specie
   w.count = StartSpeciesTable(job, ip, k, speciesGiven);
   w.anomalousColumn = anomalousColumn;
   const int jbt = std::abs(ph.Jbt);
-  if (IsNeutronRadiation(radiation)) {
+  if (IsNeutronJob(radiation)) {
     if (jbt != 1 && jbt != 5) ResolveNeutron(w, atomCount);
     if (jbt == 10 || jbt == 1 || jbt == 5) ResolveMagnetic(w, atomCount);
   } else {
@@ -292,12 +291,8 @@ void SetUpPhaseSpecies(Job& job, int k, int ip) {
   if (ph.pat[ip].Contribution == 0) return;
   const Pattern& p = job.patterns[ip];
   const int radiation = std::abs(p.JOBTYP);
-  const int column = IsNeutronRadiation(radiation) ? 0 : AnomalousColumn(p.LAMBDA[1]);
+  const int column = IsNeutronJob(radiation) ? 0 : AnomalousColumn(p.LAMBDA[1]);
   ResolveScatteringSpecies(job, ip, k, ph.Nat, p.scatteringCount, column, radiation);
-}
-
-void SetUpPhaseSpecies(Job& job, int k) {
-  for (int ip = 1; ip <= job.run.NPATT; ++ip) SetUpPhaseSpecies(job, k, ip);
 }
 
 namespace {

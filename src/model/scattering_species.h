@@ -31,12 +31,10 @@ void AnomalousTerms(int row, int column, float& fp, float& fpp);
 void ResolveScatteringSpecies(Job& job, int ip, int k, int atomCount, int speciesGiven,
                               int anomalousColumn, int radiation);
 
-// Sets up the species of phase k in every pattern it contributes to, with that
-// pattern's radiation and anomalous column. Called after the atoms of the phase
-// are read; does nothing for profile-matching phases (|Jbt| 2 or 3).
-void SetUpPhaseSpecies(Job& job, int k);
-
-// The same for pattern ip alone (nothing when the phase does not contribute to it).
+// Sets up the species of phase k in pattern ip, with the pattern's radiation and
+// anomalous column. Called after the reflections of the phase are made in the
+// pattern; does nothing for profile-matching phases (|Jbt| 2 or 3) or when the
+// phase does not contribute to the pattern.
 void SetUpPhaseSpecies(Job& job, int k, int ip);
 
 // Fills an entry's nine coefficients from the X-ray table by its name, folded

@@ -15,6 +15,7 @@ namespace corvinet {
 namespace {
 
 using testing::CapturedJob;
+using testing::HasLine;
 using testing::ScratchDir;
 
 // A job positioned at the atom lines of phase 1 of the given kind.
@@ -40,11 +41,6 @@ struct AtomJob {
   AtomSite& Atom(int i) { return job->atoms[i]; }
   std::string Out() { return testing::FlushedReport(dir, *job); }
 };
-
-bool HasLine(const std::string& text, const std::string& line) {
-  const auto lines = testing::SplitLines(text);
-  return std::find(lines.begin(), lines.end(), line) != lines.end();
-}
 
 TEST(AtomLines, CrystalAtomReadsValuesOperatorRangeAndKind) {
   AtomJob run("Fe1  FE   0.125 0.25 0.375 0.45 0.5 3 5 0\n11.0 0.0 21.0 31.0 1.0\n", 0, 1);

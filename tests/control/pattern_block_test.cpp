@@ -30,11 +30,6 @@ struct BlockJob {
   bool Stops(void (*step)(Job&)) { return !testing::RunsWithoutStop(*job, step); }
 };
 
-bool HasLine(const std::string& text, const std::string& line) {
-  const auto lines = testing::NormaliseLines(testing::SplitLines(text));
-  return std::find(lines.begin(), lines.end(), testing::NormaliseLine(line)) != lines.end();
-}
-
 TEST(Codewords, DecodeParameterAndMultiplier) {
   EXPECT_EQ(DecodeCodeword(0.0f).parameterNumber, 0);
   EXPECT_EQ(DecodeCodeword(1.0f).parameterNumber, 0);
@@ -88,8 +83,8 @@ TEST(PatternBlock, UnusedParameterNumberIsAHoleReportedAfterTheOthers) {
   ASSERT_NE(five, std::string::npos);
   EXPECT_LT(three, five);
   EXPECT_LT(five, console.find(" Hole(s) in the Normal Matrix"));
-  EXPECT_TRUE(
-      HasLine(job.Out(), " => Hole in the matrix!, element    5in the Normal matrix is missing"));
+  EXPECT_TRUE(testing::HasNormalisedLine(
+      job.Out(), " => Hole in the matrix!, element    5in the Normal matrix is missing"));
 }
 
 TEST(PatternBlock, ZeroCountsAreFixedWithTheirMessages) {
@@ -111,8 +106,8 @@ TEST(PatternBlock, ZeroCountsAreFixedWithTheirMessages) {
   EXPECT_FLOAT_EQ(p.Variance[2], 1.0e6f);
   EXPECT_FLOAT_EQ(p.Ytotal[3], 1.0f);
   EXPECT_FLOAT_EQ(p.Variance[3], 1.0e6f);
-  EXPECT_TRUE(
-      HasLine(job.Out(), " => Zero counts at step no.     2 at 2theta/TOF/E(KeV):      10.5000"));
+  EXPECT_TRUE(testing::HasNormalisedLine(
+      job.Out(), " => Zero counts at step no.     2 at 2theta/TOF/E(KeV):      10.5000"));
   const std::string console = job.job.Console();
   EXPECT_NE(console.find(" Zero counts al point no.      3"), std::string::npos);
   EXPECT_NE(console.find(" Program fix intensity at 1.0 and Variance at 1E6"), std::string::npos);
@@ -196,8 +191,10 @@ TEST(PatternBlock, HardLimitsAreReadAndFlagged) {
   EXPECT_FLOAT_EQ(job->limits.low[3], 0.1f);
   EXPECT_FLOAT_EQ(job->limits.high[7], 1.0f);
   const std::string out = job.Out();
-  EXPECT_TRUE(HasLine(out, " => The following parameter limits have been read:"));
-  EXPECT_TRUE(HasLine(out, "  -> Parameter no.:   3 Limits:       0.1000      0.4000"));
+  EXPECT_TRUE(
+      testing::HasNormalisedLine(out, " => The following parameter limits have been read:"));
+  EXPECT_TRUE(
+      testing::HasNormalisedLine(out, "  -> Parameter no.:   3 Limits:       0.1000      0.4000"));
 }
 
 TEST(PatternBlock, HardLimitBeyondTheTablesIsRefused) {
@@ -218,11 +215,12 @@ TEST(PatternBlock, SearchTakesItsParameterCountFromTheLimits) {
   EXPECT_EQ(job->run.Nsolu, 3);
   EXPECT_EQ(job->run.Num_Ref, 120);
   const std::string out = job.Out();
-  EXPECT_TRUE(HasLine(
+  EXPECT_TRUE(testing::HasNormalisedLine(
       out,
       "  => A number of     5000 random configurations will be tested on    120 observations"));
-  EXPECT_TRUE(HasLine(out, "     The best    3 solutions will be printed"));
-  EXPECT_TRUE(HasLine(out, "     The scale factor will be calculated automatically"));
+  EXPECT_TRUE(testing::HasNormalisedLine(out, "     The best    3 solutions will be printed"));
+  EXPECT_TRUE(
+      testing::HasNormalisedLine(out, "     The scale factor will be calculated automatically"));
 }
 
 TEST(PatternBlock, EndLinesGiveLinePrinterScalesAndRpaRange) {

@@ -38,11 +38,6 @@ struct PhaseJob {
   std::string Out() { return testing::FlushedReport(dir, *job); }
 };
 
-bool HasLine(const std::string& text, const std::string& line) {
-  const auto lines = testing::NormaliseLines(testing::SplitLines(text));
-  return std::find(lines.begin(), lines.end(), testing::NormaliseLine(line)) != lines.end();
-}
-
 void ReadPhaseOne(Job& job) {
   ReadPhase(job, 1);
 }
@@ -77,8 +72,8 @@ TEST(PhaseBlock, PatternMatchingWithFixedScaleForcesCycleFlags) {
   EXPECT_EQ(job->run.IASG, 1);
   EXPECT_FALSE(job->run.ConvergenceTestActive);
   const std::string out = job.Out();
-  EXPECT_TRUE(HasLine(out, " => Pattern Matching (fixed scale)"));
-  EXPECT_TRUE(HasLine(out, " => Input data if irf=2: Integrated Intensities"));
+  EXPECT_TRUE(testing::HasNormalisedLine(out, " => Pattern Matching (fixed scale)"));
+  EXPECT_TRUE(testing::HasNormalisedLine(out, " => Input data if irf=2: Integrated Intensities"));
 }
 
 TEST(PhaseBlock, VariableScaleMatchingNeedsReflectionsWithIntensities) {
@@ -95,7 +90,8 @@ TEST(PhaseBlock, NullOrientationAxisBecomesC) {
   ASSERT_TRUE(job.Runs(ReadPhaseOne));
   EXPECT_FLOAT_EQ(job->phases[1].pat[1].PREF[1], 0.0f);
   EXPECT_FLOAT_EQ(job->phases[1].pat[1].PREF[3], 1.0f);
-  EXPECT_TRUE(HasLine(job.Out(), " => Preferred orientation vector:    0.000   0.000   1.000"));
+  EXPECT_TRUE(testing::HasNormalisedLine(
+      job.Out(), " => Preferred orientation vector:    0.000   0.000   1.000"));
 }
 
 TEST(PhaseBlock, PatternWithoutContributionStillGetsNormalisedFields) {
@@ -113,9 +109,11 @@ TEST(PhaseBlock, NegativeIntegratedSourceReadsPartialStructureFactors) {
   ASSERT_TRUE(job.Runs(ReadPhaseOne));
   EXPECT_TRUE(job->run.integratedObservations);
   const std::string out = job.Out();
-  EXPECT_TRUE(HasLine(out, " => Integrated intensities as observations for phase:  1"));
-  EXPECT_TRUE(HasLine(out, "    Partial Structure Factors, Fp=A+iB, read from file"));
-  EXPECT_TRUE(HasLine(out, " => Crystal Structure Refinement"));
+  EXPECT_TRUE(
+      testing::HasNormalisedLine(out, " => Integrated intensities as observations for phase:  1"));
+  EXPECT_TRUE(
+      testing::HasNormalisedLine(out, "    Partial Structure Factors, Fp=A+iB, read from file"));
+  EXPECT_TRUE(testing::HasNormalisedLine(out, " => Crystal Structure Refinement"));
   EXPECT_FLOAT_EQ(job->phases[1].pat[1].Rmua, 1.0f);
 }
 
@@ -125,8 +123,9 @@ TEST(PhaseBlock, NegativeVectorCountAddsMinusK) {
   EXPECT_EQ(job->phases[1].addMinusK, 'Y');
   EXPECT_EQ(job->phases[1].Nvk, 2);
   const std::string out = job.Out();
-  EXPECT_TRUE(HasLine(out, " => The list of [K] vectors has been augmented with [-K]"));
-  EXPECT_TRUE(HasLine(out, " => Number of propagation vectors [K]+[-K] =   4"));
+  EXPECT_TRUE(
+      testing::HasNormalisedLine(out, " => The list of [K] vectors has been augmented with [-K]"));
+  EXPECT_TRUE(testing::HasNormalisedLine(out, " => Number of propagation vectors [K]+[-K] =   4"));
 }
 
 TEST(PhaseBlock, MagneticPhaseMakesThePatternMagnetic) {
@@ -152,9 +151,9 @@ TEST(PhaseBlock, MoreLineGivesViewWordAndJob) {
   ASSERT_TRUE(job.Runs(ReadPhaseOne));
   EXPECT_EQ(job->phases[1].pat[1].Jtyp, 1);
   const std::string out = job.Out();
-  EXPECT_TRUE(HasLine(out, " => Schakal File (*.sch) is output for phase: 1"));
-  EXPECT_TRUE(HasLine(out, " => Different job for phase:  1"));
-  EXPECT_TRUE(HasLine(out, "    Neutron diffraction data"));
+  EXPECT_TRUE(testing::HasNormalisedLine(out, " => Schakal File (*.sch) is output for phase: 1"));
+  EXPECT_TRUE(testing::HasNormalisedLine(out, " => Different job for phase:  1"));
+  EXPECT_TRUE(testing::HasNormalisedLine(out, "    Neutron diffraction data"));
 }
 
 std::string Summary(PhaseJob& job) {
@@ -192,9 +191,10 @@ TEST(PhaseBlock, EveryPhaseKindHasItsWord) {
 TEST(PhaseBlock, PhaseWordGoesToTheSummaryWithThePhaseNumber) {
   PhaseJob job(Flags(-10, 0) + "P 1\n");
   ASSERT_TRUE(job.Runs(ReadPhaseOne));
-  EXPECT_TRUE(HasLine(job.Out(), " => Crystal+Magnetic(Spherical) Structure Refinement"));
-  EXPECT_TRUE(
-      HasLine(Summary(job), " => Crystal+Magnetic(Spherical) Structure Refinement for phase: 1"));
+  EXPECT_TRUE(testing::HasNormalisedLine(job.Out(),
+                                         " => Crystal+Magnetic(Spherical) Structure Refinement"));
+  EXPECT_TRUE(testing::HasNormalisedLine(
+      Summary(job), " => Crystal+Magnetic(Spherical) Structure Refinement for phase: 1"));
 }
 
 TEST(PhaseBlock, PhaseKindWithoutAWordWritesNoWord) {
@@ -209,8 +209,8 @@ TEST(PhaseBlock, MatchingOnSquaredStructureFactorsSaysSo) {
   job->run.ConvergenceTestActive = true;  // as the head of the control file leaves it
   ASSERT_TRUE(job.Runs(ReadPhaseOne));
   const std::string out = job.Out();
-  EXPECT_TRUE(HasLine(out, " => Pattern Matching (fixed scale)"));
-  EXPECT_TRUE(HasLine(out, " => Input data if irf=2: F(H)^2"));
+  EXPECT_TRUE(testing::HasNormalisedLine(out, " => Pattern Matching (fixed scale)"));
+  EXPECT_TRUE(testing::HasNormalisedLine(out, " => Input data if irf=2: F(H)^2"));
   EXPECT_FALSE(job->run.ConvergenceTestActive);
 }
 
@@ -218,7 +218,8 @@ TEST(PhaseBlock, VariableScaleMatchingKeepsTheConvergenceTest) {
   PhaseJob job(Flags(3, 2) + "P 1\n");
   job->run.ConvergenceTestActive = true;  // as the head of the control file leaves it
   ASSERT_TRUE(job.Runs(ReadPhaseOne));
-  EXPECT_TRUE(HasLine(job.Out(), " => Input data if irf=2: Integrated Intensities"));
+  EXPECT_TRUE(
+      testing::HasNormalisedLine(job.Out(), " => Input data if irf=2: Integrated Intensities"));
   EXPECT_TRUE(job->run.ConvergenceTestActive);
   EXPECT_EQ(job->phases[1].Nat, 0);
 }
@@ -226,14 +227,16 @@ TEST(PhaseBlock, VariableScaleMatchingKeepsTheConvergenceTest) {
 TEST(PhaseBlock, ReflectionListFromFileIsAnnounced) {
   PhaseJob job(Flags(0, 3) + "P 1\n");
   ASSERT_TRUE(job.Runs(ReadPhaseOne));
-  EXPECT_TRUE(HasLine(job.Out(), " => Reflection list & partial structure factors read from file"));
+  EXPECT_TRUE(testing::HasNormalisedLine(
+      job.Out(), " => Reflection list & partial structure factors read from file"));
 }
 
 TEST(PhaseBlock, OwnProfileOfAPhaseIsAnnouncedWithItsTypedNumber) {
   PhaseJob job(Flags(0, 0, 7) + "P 1\n");
   ASSERT_TRUE(job.Runs(ReadPhaseOne));
   EXPECT_EQ(job->phases[1].pat[1].Npr, 8);
-  EXPECT_TRUE(HasLine(job.Out(), " => The  7th profile function was selected for phase no.  1"));
+  EXPECT_TRUE(testing::HasNormalisedLine(
+      job.Out(), " => The  7th profile function was selected for phase no.  1"));
 }
 
 TEST(PhaseBlock, IntegratedIntensitiesDoNotAnnounceTheirProfile) {
@@ -250,7 +253,7 @@ TEST(PhaseBlock, ViewWordsOfStruploAndClusters) {
   for (const auto& [jvi, word] : words) {
     PhaseJob job(Flags(0, 0, 0, 1) + std::to_string(jvi) + " 0 0 0 0 0 1.0 0 0 0 0\nP 1\n");
     ASSERT_TRUE(job.Runs(ReadPhaseOne)) << jvi;
-    EXPECT_TRUE(HasLine(job.Out(), word)) << jvi;
+    EXPECT_TRUE(testing::HasNormalisedLine(job.Out(), word)) << jvi;
   }
 }
 
@@ -264,15 +267,15 @@ TEST(PhaseBlock, TimeOfFlightJobOfAPhaseIsNamed) {
   PhaseJob job(Flags(0, 0, 0, 1) + "0 0 0 0 0 0 1.0 0 0 0 -1\nP 1\n");
   ASSERT_TRUE(job.Runs(ReadPhaseOne));
   const std::string out = job.Out();
-  EXPECT_TRUE(HasLine(out, " => Different job for phase:  1"));
-  EXPECT_TRUE(HasLine(out, "    Neutron T.O.F. diffraction data"));
+  EXPECT_TRUE(testing::HasNormalisedLine(out, " => Different job for phase:  1"));
+  EXPECT_TRUE(testing::HasNormalisedLine(out, "    Neutron T.O.F. diffraction data"));
 }
 
 TEST(PhaseBlock, XrayJobOfAPhaseInANeutronPatternIsNamed) {
   PhaseJob job(Flags(0, 0, 0, 1) + "0 0 0 0 0 0 1.0 0 0 0 0\nP 1\n");
   job->patterns[1].JOBTYP = 1;
   ASSERT_TRUE(job.Runs(ReadPhaseOne));
-  EXPECT_TRUE(HasLine(job.Out(), "    X-ray diffraction data"));
+  EXPECT_TRUE(testing::HasNormalisedLine(job.Out(), "    X-ray diffraction data"));
 }
 
 TEST(ProfileLines, CellBecomesTheReciprocalCoefficients) {
@@ -300,7 +303,8 @@ TEST(ProfileLines, IntegratedIntensitiesDropTheCellCodes) {
   const PhasePattern& c = job->phases[1].pat[1];
   for (int s = 6; s <= 11; ++s) EXPECT_EQ(c.PAC[s].parameterNumber, 0) << s;
   EXPECT_EQ(c.PAC[1].parameterNumber, 1);
-  EXPECT_TRUE(HasLine(job.Out(), " ==> CODEWORDS FOR Scale and Extinction PARAMETERS:"));
+  EXPECT_TRUE(
+      testing::HasNormalisedLine(job.Out(), " ==> CODEWORDS FOR Scale and Extinction PARAMETERS:"));
 }
 
 // The number of lines a profile block reads for the given flags, found by

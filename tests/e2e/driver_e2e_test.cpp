@@ -15,25 +15,20 @@ using testing::ScratchDir;
 using testing::SplitLines;
 using testing::TestData;
 
-bool HasLine(const std::string& text, const std::string& line) {
-  const auto lines = NormaliseLines(SplitLines(text));
-  return std::find(lines.begin(), lines.end(), testing::NormaliseLine(line)) != lines.end();
-}
-
 TEST(DriverEndToEnd, CommandLineWithOneWordTakesTheControlCodeForTheData) {
   ScratchDir dir;
   dir.Write("abc.pcr", TestData("head/calc.pcr"));
   RunBinary(dir.path, "abc");
-  EXPECT_TRUE(
-      HasLine(dir.Read("abc.out"), " => DAT file code: abc -> Relative contribution:   1.00000"));
+  EXPECT_TRUE(testing::HasNormalisedLine(
+      dir.Read("abc.out"), " => DAT file code: abc -> Relative contribution:   1.00000"));
 }
 
 TEST(DriverEndToEnd, SecondWordOfTheCommandLineIsTheDataCode) {
   ScratchDir dir;
   dir.Write("abc.pcr", TestData("head/calc.pcr"));
   RunBinary(dir.path, "abc mydata");
-  EXPECT_TRUE(HasLine(dir.Read("abc.out"),
-                      " => DAT file code: mydata -> Relative contribution:   1.00000"));
+  EXPECT_TRUE(testing::HasNormalisedLine(
+      dir.Read("abc.out"), " => DAT file code: mydata -> Relative contribution:   1.00000"));
 }
 
 TEST(DriverEndToEnd, NoCommandLineOpensTheDialogsAndRemembersNothing) {
@@ -56,8 +51,8 @@ TEST(DriverEndToEnd, DataDialogOpensWhenNoDataFileHasTheControlCode) {
   auto run = RunBinary(dir.path, "", "abc.pcr\nother.xy\n");
   EXPECT_NE(run.output.find("Select data file: [Data files: *.dat; *.uxd; *.int; *.acq]"),
             std::string::npos);
-  EXPECT_TRUE(
-      HasLine(dir.Read("abc.out"), " => DAT file code: other -> Relative contribution:   1.00000"));
+  EXPECT_TRUE(testing::HasNormalisedLine(
+      dir.Read("abc.out"), " => DAT file code: other -> Relative contribution:   1.00000"));
 }
 
 TEST(DriverEndToEnd, DialogInAnotherDirectoryRunsThere) {

@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <string>
 
-#include "run/defaults.h"
-#include "run/file_set.h"
 #include "surface/console.h"
 #include "test_support.h"
 
@@ -48,15 +46,22 @@ struct SpeciesJob {
     a.N_t = nt;
     return a;
   }
+  // Adds a scattering entry of the pattern: a name and its f' or scattering length.
+  void AddEntry(const std::string& name, float fprime) {
+    Pattern& p = job->patterns[1];
+    p.NSCAT = ++p.scatteringCount;
+    p.scattering[p.scatteringCount].NAM = name;
+    p.scattering[p.scatteringCount].Fprime = fprime;
+  }
+  // Sets up the species of phase k in every pattern, as the reader does pattern by pattern.
   bool SetUp(int k = 1) {
-    return testing::RunsWithoutStop(*job, [k](Job& j) { SetUpPhaseSpecies(j, k); });
+    return testing::RunsWithoutStop(*job, [k](Job& j) {
+      for (int ip = 1; ip <= j.run.NPATT; ++ip) SetUpPhaseSpecies(j, k, ip);
+    });
   }
   const PhasePattern& Table(int k = 1) { return job->phases[k].pat[1]; }
   std::string Out() { return testing::FlushedReport(dir, *job); }
-  bool OutHas(const std::string& line) {
-    const auto lines = testing::SplitLines(Out());
-    return std::find(lines.begin(), lines.end(), line) != lines.end();
-  }
+  bool OutHas(const std::string& line) { return testing::HasLine(Out(), line); }
   bool ConsoleHas(const std::string& text) { return job.Console().find(text) != std::string::npos; }
 };
 
@@ -190,11 +195,7 @@ TEST(ScatteringSpecies, LabelInTheTablesIsFoundBeforeObjectLabels) {
   // A scattering entry named like an object is a species of the table: the
   // atom takes it, with a positive number, and no object is made.
   SpeciesJob s(kNeutron, 0);
-  Pattern& p = s.job->patterns[1];
-  p.NSCAT = 1;
-  p.scatteringCount = 1;
-  p.scattering[1].NAM = "SPHE";
-  p.scattering[1].Fprime = 0.5f;
+  s.AddEntry("SPHE", 0.5f);
   AtomSite& a = s.AddAtom(1, "SPHE");
   AtomSite& h = s.AddAtom(1, "H");
   ASSERT_TRUE(s.SetUp());
@@ -251,11 +252,7 @@ TEST(ScatteringSpecies, NeutronRetryWithTheSecondCharacter) {
 
 TEST(ScatteringSpecies, LengthGivenByAnEntryReachesALabelTheTableCannot) {
   SpeciesJob s(kNeutron, 0);
-  Pattern& p = s.job->patterns[1];
-  p.NSCAT = 1;
-  p.scatteringCount = 1;
-  p.scattering[1].NAM = "SM";
-  p.scattering[1].Fprime = 0.08f;
+  s.AddEntry("SM", 0.08f);
   AtomSite& sm = s.AddAtom(1, "SM");
   AtomSite& o = s.AddAtom(1, "O");
   ASSERT_TRUE(s.SetUp());
@@ -342,6 +339,61 @@ TEST(ScatteringSpecies, RunningCountPassesToTheNextPhaseOfThePattern) {
   EXPECT_EQ(s.Table(2).speciesCount, 3);
   EXPECT_EQ(s.Table(2).species[3].label, "ti  ");
   EXPECT_EQ(s.Table(2).species[2].label, "o   ");
+}
+
+TEST(ScatteringSpecies, RunningCountPassesOverAProfileMatchingPhase) {
+  SpeciesJob s(kXray, 0);
+  s.AddAtom(1, "Fe");
+  s.AddAtom(1, "O");
+  s.AddPhase(2, 2);
+  s.AddPhase(3, 0);
+  AtomSite& o = s.AddAtom(3, "O");
+  AtomSite& ti = s.AddAtom(3, "Ti");
+  ASSERT_TRUE(s.SetUp(1));
+  ASSERT_TRUE(s.SetUp(2));
+  ASSERT_TRUE(s.SetUp(3));
+  EXPECT_EQ(s.Table(2).speciesCount, 0);
+  EXPECT_EQ(o.nuclearSpecies, 2);
+  EXPECT_EQ(ti.nuclearSpecies, 3);
+  EXPECT_EQ(s.Table(3).speciesCount, 3);
+  EXPECT_EQ(s.Table(3).species[1].label, "fe  ");
+}
+
+TEST(ScatteringSpecies, EntriesStayTheFirstSpeciesOfLaterPhases) {
+  SpeciesJob s(kNeutron, 0);
+  s.AddEntry("SM", 0.08f);
+  s.AddAtom(1, "O");
+  s.AddPhase(2, 0);
+  AtomSite& sm = s.AddAtom(2, "SM");
+  AtomSite& fe = s.AddAtom(2, "FE");
+  ASSERT_TRUE(s.SetUp(1));
+  ASSERT_TRUE(s.SetUp(2));
+  EXPECT_EQ(s.Table(1).speciesCount, 2);
+  EXPECT_EQ(sm.nuclearSpecies, 1);
+  EXPECT_FLOAT_EQ(s.Table(2).species[1].fp, 0.08f);
+  EXPECT_EQ(s.Table(2).species[2].label, "O   ");
+  EXPECT_EQ(fe.nuclearSpecies, 3);
+  EXPECT_EQ(s.Table(2).speciesCount, 3);
+}
+
+TEST(ScatteringSpecies, RadiationIsTheMagnitudeOfTheJobType) {
+  // -1 (time of flight) and 3 (calculation) are neutron jobs: O takes its length.
+  for (const int jobtyp : {-1, 3, -3}) {
+    SpeciesJob s(jobtyp, 0);
+    AtomSite& o = s.AddAtom(1, "O");
+    ASSERT_TRUE(s.SetUp()) << jobtyp;
+    EXPECT_EQ(o.nuclearSpecies, 1) << jobtyp;
+    EXPECT_EQ(s.Table().species[1].label, "O   ") << jobtyp;
+    EXPECT_FLOAT_EQ(s.Table().species[1].fp, 0.5803f) << jobtyp;
+  }
+  // 2 and -2 (calculations) are X-ray jobs: the label is folded and has nine coefficients.
+  for (const int jobtyp : {2, -2}) {
+    SpeciesJob s(jobtyp, 0);
+    s.AddAtom(1, "O");
+    ASSERT_TRUE(s.SetUp()) << jobtyp;
+    EXPECT_EQ(s.Table().species[1].label, "o   ") << jobtyp;
+    EXPECT_FLOAT_EQ(s.Table().species[1].coeff[1], 3.0485f) << jobtyp;
+  }
 }
 
 TEST(ScatteringSpecies, ProfileMatchingPhaseHasNoSpecies) {
