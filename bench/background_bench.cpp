@@ -6,7 +6,7 @@
 
 #include "observations/background.h"
 #include "observations/fourier.h"
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 namespace {

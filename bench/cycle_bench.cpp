@@ -9,13 +9,13 @@
 #include <string>
 
 #include "control/run_block.h"
-#include "crystal/reflection.h"
+#include "format/fortran_format.h"
+#include "io/file_set.h"
+#include "records/reflection.h"
 #include "refine/cycle_driver.h"
 #include "refine/cycle_work.h"
 #include "refine/parameter_families.h"
 #include "run/defaults.h"
-#include "run/file_set.h"
-#include "run/fortran_format.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "run/field_reader.h"
+#include "io/field_reader.h"
 
 namespace {
 

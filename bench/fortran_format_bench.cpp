@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
 
 namespace corvinet {
 namespace {

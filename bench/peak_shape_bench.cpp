@@ -7,7 +7,7 @@
 #include "model/peak_shape.h"
 #include "model/peak_shape_setup.h"
 #include "model/tch_widths.h"
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 namespace {

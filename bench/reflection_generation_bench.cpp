@@ -7,6 +7,7 @@
 #include "crystal/metric.h"
 #include "crystal/reflection_generation.h"
 #include "crystal/symmetry_operators.h"
+#include "model/lorentz_polarisation.h"
 
 namespace {
 
@@ -52,7 +53,8 @@ Table1<float, 6> Cell(float a, float b, float c, float beta) {
 void Run(benchmark::State& state, Job& job) {
   for (auto _ : state) {
     job.patterns[1].reflections.total = 0;
-    benchmark::DoNotOptimize(corvinet::GenerateReflections(job, 1, 1));
+    benchmark::DoNotOptimize(
+        corvinet::GenerateReflections(job, 1, 1, corvinet::ReflectionLorentzPolarisation));
   }
   state.counters["reflections"] = job.patterns[1].reflections.total;
 }
@@ -75,7 +77,8 @@ void BM_GenerateAndSortMonoclinic(benchmark::State& state) {
     corvinet::ReflectionTable& table = job->patterns[1].reflections;
     table.total = 0;
     table.start[1] = 0;
-    table.count[1] = corvinet::GenerateReflections(*job, 1, 1);
+    table.count[1] =
+        corvinet::GenerateReflections(*job, 1, 1, corvinet::ReflectionLorentzPolarisation);
     corvinet::SortReflections(table, table.count[1], 1);
     benchmark::DoNotOptimize(table.slot[1].position);
   }

@@ -2,8 +2,8 @@
 #include "test_support.h"
 
 #include "control/run_block.h"
+#include "io/file_set.h"
 #include "run/defaults.h"
-#include "run/file_set.h"
 #include "surface/console.h"
 
 #include <sys/wait.h>

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "run/job.h"
+#include "records/job.h"
 #include "surface/console.h"
 
 namespace corvinet::testing {

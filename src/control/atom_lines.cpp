@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "control/codeword_check.h"
-#include "run/field_reader.h"
-#include "run/fortran_format.h"
-#include "run/text.h"
+#include "format/fortran_format.h"
+#include "format/text.h"
+#include "io/field_reader.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -1,7 +1,7 @@
 // Atom lines of a phase: reading them with their codes, and decoding the codes into parameters.
 #pragma once
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "control/control_writer.h"
-#include "run/fortran_format.h"
-#include "run/text.h"
+#include "format/fortran_format.h"
+#include "format/text.h"
 
 namespace corvinet {
 

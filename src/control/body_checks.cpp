@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "control/pattern_block.h"
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -3,8 +3,8 @@
 
 #include "control/pattern_block.h"
 #include "control/run_block.h"
-#include "run/field_reader.h"
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
+#include "io/field_reader.h"
 #include "surface/console.h"
 
 namespace corvinet {

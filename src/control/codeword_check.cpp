@@ -1,7 +1,7 @@
 // Decoding of a typed code with the check that its parameter fits the normal equations.
 #include "control/codeword_check.h"
 
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -1,8 +1,8 @@
 // Decoding of a typed code with the check that its parameter fits the normal equations.
 #pragma once
 
-#include "control/codeword.h"
-#include "run/job.h"
+#include "records/codeword.h"
+#include "records/job.h"
 
 namespace corvinet {
 

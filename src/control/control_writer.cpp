@@ -4,9 +4,9 @@
 #include <cmath>
 #include <cstdio>
 
-#include "run/file_set.h"
-#include "run/fortran_format.h"
-#include "run/text.h"
+#include "format/fortran_format.h"
+#include "format/text.h"
+#include "io/file_set.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "control/codeword.h"
-#include "run/job.h"
+#include "records/codeword.h"
+#include "records/job.h"
 
 namespace corvinet {
 

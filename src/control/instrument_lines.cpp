@@ -2,8 +2,8 @@
 #include <cmath>
 
 #include "control/pattern_block.h"
-#include "run/field_reader.h"
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
+#include "io/field_reader.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -1,7 +1,7 @@
 // Reading of the pattern block and the body of the control file, with the checks that close it.
 #pragma once
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

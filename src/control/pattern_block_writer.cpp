@@ -3,8 +3,8 @@
 
 #include "control/control_writer.h"
 #include "control/pattern_block.h"
-#include "run/fortran_format.h"
-#include "run/text.h"
+#include "format/fortran_format.h"
+#include "format/text.h"
 
 namespace corvinet {
 

@@ -10,12 +10,13 @@
 #include "control/profile_lines.h"
 #include "crystal/reflection_generation.h"
 #include "crystal/reflection_list.h"
+#include "format/fortran_format.h"
+#include "io/field_reader.h"
+#include "model/lorentz_polarisation.h"
 #include "model/scattering_species.h"
 #include "observations/background.h"
 #include "observations/powder_data.h"
 #include "refine/reflection_calculation.h"
-#include "run/field_reader.h"
-#include "run/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -111,7 +112,7 @@ bool StopReadingAt(Job& job, const std::string& what) {
 void MakeContributionReflections(Job& job, int k, int ip) {
   Phase& ph = job.phases[k];
   PhasePattern& c = ph.pat[ip];
-  MakeReflections(job, k, ip);
+  MakeReflections(job, k, ip, ReflectionLorentzPolarisation);
   if (c.Irf <= 0 || std::abs(c.Irf) == 4) c.laueWidthFlag = LaueWidthFlag(ph.group.LAUE);
   SetUpPhaseSpecies(job, k, ip);
   if (job.patterns[ip].LST1 == 1) WriteReflectionList(job, k, ip);

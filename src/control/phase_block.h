@@ -2,7 +2,7 @@
 // space-group line.
 #pragma once
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

@@ -5,8 +5,8 @@
 
 #include "control/control_writer.h"
 #include "crystal/rotation_table.h"
-#include "run/fortran_format.h"
-#include "run/text.h"
+#include "format/fortran_format.h"
+#include "format/text.h"
 
 namespace corvinet {
 

@@ -8,9 +8,10 @@
 #include <cstdlib>
 #include <vector>
 
-#include "run/field_reader.h"
-#include "run/fortran_format.h"
-#include "run/text.h"
+#include "crystal/metric.h"
+#include "format/fortran_format.h"
+#include "format/text.h"
+#include "io/field_reader.h"
 #include "surface/console.h"
 
 namespace corvinet {

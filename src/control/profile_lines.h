@@ -1,7 +1,7 @@
 // Reading of the profile block of a phase in each pattern, and the decoding of its codes.
 #pragma once
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

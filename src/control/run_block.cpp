@@ -7,10 +7,9 @@
 
 #include "control/pattern_block.h"
 #include "control/run_messages.h"
-#include "run/field_reader.h"
-#include "run/file_set.h"
-#include "run/fortran_format.h"
-#include "run/run_driver.h"
+#include "format/fortran_format.h"
+#include "io/field_reader.h"
+#include "io/file_set.h"
 #include "surface/console.h"
 #include "surface/prompts.h"
 
@@ -68,7 +67,7 @@ void ReadForm(Job& job) {
       ConsoleLine(job, "  ==> Give the name of data file (yy for yy.dat)  ");
       ConsoleLine(job, "                             (yy.uxd, or yy.acq)  ");
       ConsoleLine(job, "                       (<cr> =" + job.driver.PcrCode + "): ");
-      auto answer = ReadConsoleAnswer(job);
+      auto answer = ReadConsoleAnswer(job.console);
       job.driver.DatCode = answer ? TrimmedCopy(*answer) : std::string();
       if (job.driver.DatCode.empty()) job.driver.DatCode = job.driver.PcrCode;
     }

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

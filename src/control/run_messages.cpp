@@ -3,8 +3,8 @@
 
 #include <cstdlib>
 
-#include "run/fortran_format.h"
-#include "run/run_driver.h"
+#include "format/date_time.h"
+#include "format/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -2,7 +2,7 @@
 // head.
 #pragma once
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

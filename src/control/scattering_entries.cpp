@@ -3,11 +3,11 @@
 #include <cmath>
 
 #include "control/pattern_block.h"
+#include "format/fortran_format.h"
+#include "format/text.h"
+#include "io/field_reader.h"
 #include "model/form_factor_fit.h"
 #include "model/scattering_species.h"
-#include "run/field_reader.h"
-#include "run/fortran_format.h"
-#include "run/text.h"
 #include "surface/console.h"
 
 namespace corvinet {

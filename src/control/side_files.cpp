@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "control/run_block.h"
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {

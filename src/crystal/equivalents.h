@@ -3,8 +3,8 @@
 
 #include <array>
 
-#include "crystal/space_group.h"
-#include "run/table1.h"
+#include "records/space_group.h"
+#include "records/table1.h"
 
 namespace corvinet {
 

@@ -1,6 +1,6 @@
 // The reflections of one phase in one pattern as the pattern block asks for them by Irf.
 #include "crystal/reflection_generation.h"
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -21,12 +21,12 @@ void RefuseIntegratedIntensities(Job& job, int k, int ip) {
   StopBox(job, " Integrated intensities (Irf=4/-4) are not supported ");
 }
 
-void MakeByIrf(Job& job, int k, int ip) {
+void MakeByIrf(Job& job, int k, int ip, LorentzFactor lorentz) {
   switch (job.phases[k].pat[ip].Irf) {
     case 0:
     case -1:
       ConsoleLine(job, Fmt("(A,I2)", " => Generating reflections for pattern: ", ip));
-      GenerateReflections(job, k, ip);
+      GenerateReflections(job, k, ip, lorentz);
       return;
     case 1:
     case 2:
@@ -34,7 +34,7 @@ void MakeByIrf(Job& job, int k, int ip) {
     case 3:
     case -3:
       ConsoleLine(job, Fmt("(A,I2)", " => Reading reflections for pattern: ", ip));
-      ReflectionsFromFile(job, k, ip);
+      ReflectionsFromFile(job, k, ip, lorentz);
       return;
     case 4:
     case -4:
@@ -47,10 +47,10 @@ void MakeByIrf(Job& job, int k, int ip) {
 
 }  // namespace
 
-void MakeReflections(Job& job, int k, int ip) {
+void MakeReflections(Job& job, int k, int ip, LorentzFactor lorentz) {
   ReflectionTable& table = job.patterns[ip].reflections;
   table.start[k] = table.total;
-  MakeByIrf(job, k, ip);
+  MakeByIrf(job, k, ip, lorentz);
   table.count[k] = table.total - table.start[k];
   SortReflections(table, table.count[k], k);
   if (LastPhaseOfPattern(job, k, ip)) SortReflections(table, table.total, kWholePattern);

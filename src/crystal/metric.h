@@ -3,19 +3,10 @@
 
 #include <array>
 
-#include "run/table1.h"
+#include "records/cell_metric.h"
+#include "records/table1.h"
 
 namespace corvinet {
-
-// Direct and reciprocal metric tensors of a cell, with the Cartesian frame
-// (a along x, b in the xy plane) and its inverse.
-struct CellMetric {
-  Table2<double, 3, 3> G;            // direct metric
-  Table2<double, 3, 3> Gstar;        // reciprocal metric, the inverse of G
-  Table2<double, 3, 3> orthonormal;  // fractional to Cartesian
-  Table2<double, 3, 3> fractional;   // Cartesian to fractional
-  double volume = 0.0;
-};
 
 // Gives the cell the constraints of its Laue class (1..14).
 void ForceCellToLaueClass(Table1<float, 6>& cell, int laue, int uniqueAxis);

@@ -7,9 +7,9 @@
 #include "crystal/phase_symmetry.h"
 #include "crystal/space_group_symbol.h"
 #include "crystal/symmetry_operators.h"
-#include "run/field_reader.h"
-#include "run/fortran_format.h"
-#include "run/text.h"
+#include "format/fortran_format.h"
+#include "format/text.h"
+#include "io/field_reader.h"
 #include "surface/console.h"
 
 namespace corvinet {

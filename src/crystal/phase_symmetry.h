@@ -3,8 +3,8 @@
 
 #include <string_view>
 
-#include "crystal/space_group.h"
-#include "run/job.h"
+#include "records/job.h"
+#include "records/space_group.h"
 
 namespace corvinet {
 

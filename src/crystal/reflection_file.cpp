@@ -7,9 +7,9 @@
 #include "crystal/metric.h"
 #include "crystal/reflection_generation.h"
 #include "crystal/space_group_symbol.h"
-#include "run/file_set.h"
-#include "run/fortran_format.h"
-#include "run/text.h"
+#include "format/fortran_format.h"
+#include "format/text.h"
+#include "io/file_set.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -98,7 +98,7 @@ void AddVector(const Phase& ph, ReflectionSource& source) {
 
 }  // namespace
 
-int ReflectionsFromFile(Job& job, int k, int ip, const HklShift& shift) {
+int ReflectionsFromFile(Job& job, int k, int ip, LorentzFactor lorentz, const HklShift& shift) {
   const Phase& ph = job.phases[k];
   const int form = std::abs(ph.pat[ip].Irf);
   OpenFiles(job, 6, ip, k);
@@ -113,7 +113,7 @@ int ReflectionsFromFile(Job& job, int k, int ip, const HklShift& shift) {
     CheckVectorCount(job, ph, title);
     CompareVectors(job, ph);
   }
-  const SlotContext context = MakeSlotContext(job, k, ip, shift);
+  const SlotContext context = MakeSlotContext(job, k, ip, lorentz, shift);
   int taken = 0;
   std::string record;
   while (NextDataRecord(job, record)) {

@@ -10,7 +10,7 @@
 #include "crystal/metric.h"
 #include "crystal/reflection_wedge.h"
 #include "crystal/space_group_symbol.h"
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -184,10 +184,10 @@ bool SelectedByPreferredVector(const Table1<float, 3>& pref, int h, int k, int l
          PassesDivisor(h + k + l, p1 + p2 + p3);
 }
 
-int GenerateReflections(Job& job, int k, int ip, const HklShift& shift) {
+int GenerateReflections(Job& job, int k, int ip, LorentzFactor lorentz, const HklShift& shift) {
   const Phase& ph = job.phases[k];
   if (ph.group.UniqueAxis > 3) StopBox(job, " Illegal SP symb:if cubic, set 3 instead of -3");
-  GenerationState state{job, k, ip, MakeSlotContext(job, k, ip, shift), {}, 0};
+  GenerationState state{job, k, ip, MakeSlotContext(job, k, ip, lorentz, shift), {}, 0};
   const IndexLimits limits =
       GenerationIndexLimits(state.context.coefficients, state.context.range.sHigh, ph.Nvk > 0);
   ReportGeneration(job, k, ip, state.context.range);

@@ -3,8 +3,8 @@
 
 #include <cstdlib>
 
-#include "crystal/reflection.h"
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
+#include "records/reflection.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -1,7 +1,7 @@
 // The listing of a phase's reflections on the report, as the control file's list option asks.
 #pragma once
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

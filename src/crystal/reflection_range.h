@@ -1,7 +1,7 @@
 // Range of a pattern in (sin theta/lambda)^2, wavelengths, and positions in each unit.
 #pragma once
 
-#include "control/pattern.h"
+#include "records/pattern.h"
 
 namespace corvinet {
 

@@ -4,9 +4,8 @@
 #include <cstdlib>
 
 #include "crystal/metric.h"
-#include "crystal/reflection.h"
-#include "model/lorentz_polarisation.h"
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
+#include "records/reflection.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -47,7 +46,8 @@ Reflection& TakeSlot(Job& job, int ip) {
 
 }  // namespace
 
-SlotContext MakeSlotContext(const Job& job, int k, int ip, const HklShift& shift) {
+SlotContext MakeSlotContext(const Job& job, int k, int ip, LorentzFactor lorentz,
+                            const HklShift& shift) {
   const Phase& ph = job.phases[k];
   const PhasePattern& c = ph.pat[ip];
   const Pattern& p = job.patterns[ip];
@@ -59,6 +59,7 @@ SlotContext MakeSlotContext(const Job& job, int k, int ip, const HklShift& shift
   context.range = RangeOfPattern(p, context.widths, std::abs(ph.Jbt) == 2);
   context.wavelengths = WavelengthCount(p);
   context.shift = shift;
+  context.lorentz = lorentz;
   return context;
 }
 
@@ -85,8 +86,8 @@ int StoreReflection(Job& job, const SlotContext& c, const ReflectionSource& sour
     // The constant part of the intensity: phase multiplicity factor times
     // multiplicity times the Lorentz-polarisation factor at this position.
     const int phaseMult = job.phases[c.phase].group.multiplicityFactor;
-    slot.LpM = static_cast<float>(phaseMult * source.multiplicity) *
-               ReflectionLorentzPolarisation(p, q, w, slot.position);
+    slot.LpM =
+        static_cast<float>(phaseMult * source.multiplicity) * c.lorentz(p, q, w, slot.position);
     slot.fileValue1 = source.fileValue1;
     slot.fileValue2 = source.fileValue2;
     ++taken;

@@ -5,7 +5,7 @@
 #include <functional>
 
 #include "crystal/reflection_range.h"
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 
@@ -13,6 +13,11 @@ namespace corvinet {
 // shift of the size and strain models), in the unit of the pattern; it is
 // given the real indices and 1/d². An empty function means no shift.
 using HklShift = std::function<float(const std::array<double, 3>& hkl, double q)>;
+
+// The Lorentz-polarisation factor of a reflection of 1/d² = q at wavelength w
+// placed at `position`. The intensity model gives it, so that placing
+// reflections needs nothing of the model.
+using LorentzFactor = float (*)(const Pattern& p, double q, int w, float position);
 
 // One reflection to be stored, before its positions are known.
 struct ReflectionSource {
@@ -33,11 +38,13 @@ struct SlotContext {
   ReflectionRange range;
   int wavelengths = 1;
   HklShift shift;
+  LorentzFactor lorentz = nullptr;  // Lp of a placed reflection
 };
 
 // The context of phase k in pattern ip: coefficients PAR[6..11], widths
 // PAR[3..5], the range with its margin and the wavelengths.
-SlotContext MakeSlotContext(const Job& job, int k, int ip, const HklShift& shift);
+SlotContext MakeSlotContext(const Job& job, int k, int ip, LorentzFactor lorentz,
+                            const HklShift& shift);
 
 // Whether 1/d² = q lies inside the range of the context.
 bool InsideRange(const SlotContext& context, double q);

@@ -1,7 +1,7 @@
 // The asymmetric wedge the generation walks: loop class, lattice steps, starts and limits.
 #pragma once
 
-#include "crystal/space_group.h"
+#include "records/space_group.h"
 
 namespace corvinet {
 

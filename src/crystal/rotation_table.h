@@ -1,7 +1,7 @@
 // The fixed table IROT of the 36 rotations that operators are matched against.
 #pragma once
 
-#include "run/table1.h"
+#include "records/table1.h"
 
 namespace corvinet {
 

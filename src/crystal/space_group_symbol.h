@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "crystal/space_group.h"
-#include "run/table1.h"
+#include "records/space_group.h"
+#include "records/table1.h"
 
 namespace corvinet {
 

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "crystal/space_group.h"
 #include "crystal/space_group_symbol.h"
-#include "run/table1.h"
+#include "records/space_group.h"
+#include "records/table1.h"
 
 namespace corvinet {
 

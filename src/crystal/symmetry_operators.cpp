@@ -1,7 +1,7 @@
 // Matching of operators against IROT, the reduced operator list and the group of a symbol.
 #include "crystal/symmetry_operators.h"
 
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
 
 #include <cmath>
 #include <cstdlib>

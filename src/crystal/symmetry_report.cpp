@@ -6,7 +6,7 @@
 #include "crystal/rotation_table.h"
 #include "crystal/space_group_symbol.h"
 #include "crystal/symmetry_texts.h"
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -1,7 +1,7 @@
 // Asymmetry factor of a point under a low-angle peak (IASYM 0) and the tan 2θ it divides by.
 #pragma once
 
-#include "control/phase.h"
+#include "records/phase.h"
 
 namespace corvinet {
 

@@ -5,8 +5,8 @@
 #include <array>
 #include <span>
 
-#include "control/pattern.h"
-#include "model/chemical_species.h"
+#include "records/chemical_species.h"
+#include "records/pattern.h"
 
 namespace corvinet {
 

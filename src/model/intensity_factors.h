@@ -3,8 +3,8 @@
 
 #include <array>
 
-#include "run/job.h"
-#include "run/table1.h"
+#include "records/job.h"
+#include "records/table1.h"
 
 namespace corvinet {
 

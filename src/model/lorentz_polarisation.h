@@ -1,7 +1,7 @@
 // Lorentz-polarisation factor of a reflection for every geometry and unit, with the .cor term.
 #pragma once
 
-#include "control/pattern.h"
+#include "records/pattern.h"
 
 namespace corvinet {
 

@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "run/bisection.h"
+#include "format/bisection.h"
 
 namespace corvinet {
 

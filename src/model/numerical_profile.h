@@ -1,7 +1,7 @@
 // The user's numerical peak shapes (code 9): interpolation in the table of the shape file.
 #pragma once
 
-#include "control/pattern.h"
+#include "records/pattern.h"
 
 namespace corvinet {
 

@@ -1,10 +1,10 @@
 // The normalised peak of a reflection at one point: per-reflection constants, value, slopes.
 #pragma once
 
-#include "control/pattern.h"
 #include "model/peak_width.h"
 #include "model/pearson_constants.h"
 #include "model/tch_widths.h"
+#include "records/pattern.h"
 
 namespace corvinet {
 

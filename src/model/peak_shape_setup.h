@@ -2,7 +2,7 @@
 #pragma once
 
 #include "model/peak_shape.h"
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

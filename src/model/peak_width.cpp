@@ -3,8 +3,8 @@
 
 #include <cmath>
 
+#include "format/fortran_format.h"
 #include "model/tch_widths.h"
-#include "run/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {

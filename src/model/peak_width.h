@@ -1,7 +1,7 @@
 // The width law of a constant-wavelength reflection: FWHM from U, V, W and the shape terms.
 #pragma once
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <cmath>
 
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {

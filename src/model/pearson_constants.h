@@ -1,7 +1,7 @@
 // The Pearson VII constants for one exponent m: normaliser and the terms of the m-slope.
 #pragma once
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

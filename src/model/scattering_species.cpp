@@ -7,10 +7,10 @@
 #include <cstdlib>
 #include <string>
 
+#include "format/fortran_format.h"
+#include "format/text.h"
+#include "io/field_reader.h"
 #include "model/scattering_tables.h"
-#include "run/field_reader.h"
-#include "run/fortran_format.h"
-#include "run/text.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -4,8 +4,8 @@
 
 #include <string_view>
 
-#include "model/chemical_species.h"
-#include "run/job.h"
+#include "records/chemical_species.h"
+#include "records/job.h"
 
 namespace corvinet {
 

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "run/text.h"
+#include "format/text.h"
 
 namespace corvinet {
 

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "run/table1.h"
+#include "records/table1.h"
 
 namespace corvinet {
 

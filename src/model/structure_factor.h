@@ -3,8 +3,8 @@
 
 #include <array>
 
-#include "run/dimension_limits.h"
-#include "run/job.h"
+#include "records/dimension_limits.h"
+#include "records/job.h"
 
 namespace corvinet {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "observations/background_terms.h"
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

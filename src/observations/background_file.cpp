@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <string>
 
-#include "run/file_set.h"
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
+#include "io/file_set.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -4,8 +4,8 @@
 #include <span>
 #include <vector>
 
-#include "control/codeword.h"
 #include "observations/spline.h"
+#include "records/codeword.h"
 #include "surface/console.h"
 
 namespace corvinet {

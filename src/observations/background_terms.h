@@ -1,9 +1,9 @@
 // Closed-form background terms: the polynomial in X/Bkpos - 1 and the Debye-like sin(x)/x terms.
 #pragma once
 
-#include "control/pattern.h"
-#include "run/dimension_limits.h"
-#include "run/table1.h"
+#include "records/dimension_limits.h"
+#include "records/pattern.h"
+#include "records/table1.h"
 
 namespace corvinet {
 

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <vector>
 
-#include "run/bisection.h"
-#include "run/fortran_format.h"
+#include "format/bisection.h"
+#include "format/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -3,7 +3,7 @@
 
 #include <span>
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

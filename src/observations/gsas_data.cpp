@@ -2,8 +2,8 @@
 #include <string>
 #include <vector>
 
+#include "format/text.h"
 #include "observations/powder_data_common.h"
-#include "run/text.h"
 
 namespace corvinet {
 

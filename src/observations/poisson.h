@@ -1,7 +1,7 @@
 // Poisson-distributed counts from the run's random source, for the noise of simulated patterns.
 #pragma once
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

@@ -3,8 +3,8 @@
 
 #include <cstddef>
 
+#include "io/file_set.h"
 #include "observations/powder_data_common.h"
-#include "run/file_set.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -1,7 +1,7 @@
 // Reading of a pattern's file of observed intensities, in the format that INSTR selects.
 #pragma once
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

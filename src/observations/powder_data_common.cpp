@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "run/dimension_limits.h"
+#include "records/dimension_limits.h"
 #include "surface/console.h"
 
 namespace corvinet {

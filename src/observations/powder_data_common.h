@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "run/fortran_format.h"
-#include "run/job.h"
+#include "format/fortran_format.h"
+#include "records/job.h"
 
 namespace corvinet {
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "io/field_reader.h"
 #include "observations/powder_data_common.h"
-#include "run/field_reader.h"
 #include "surface/console.h"
 #include "surface/prompts.h"
 
@@ -29,7 +29,7 @@ BnblDate DateOfData(DataFile& file, const std::string& header) {
   if (std::optional<BnblDate> date = DateNamedIn(header)) return *date;
   for (;;) {
     ConsoleLine(file.job, "     When was this data taken. OCT85,FEB86 or AUG86 ?");
-    std::optional<std::string> answer = ReadConsoleAnswer(file.job);
+    std::optional<std::string> answer = ReadConsoleAnswer(file.job.console);
     if (!answer) StopBadData(file.job);
     if (std::optional<BnblDate> date = DateNamedIn(*answer)) return *date;
   }

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "format/text.h"
+#include "io/field_reader.h"
 #include "observations/powder_data_common.h"
-#include "run/field_reader.h"
-#include "run/text.h"
 
 namespace corvinet {
 

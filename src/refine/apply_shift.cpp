@@ -5,7 +5,7 @@
 #include <cmath>
 #include <string>
 
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {

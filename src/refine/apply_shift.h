@@ -1,9 +1,9 @@
 // The update of one refined value by its share of the shift, with the hard limits of its parameter.
 #pragma once
 
-#include "control/codeword.h"
-#include "control/parameter_limits.h"
-#include "run/job.h"
+#include "records/codeword.h"
+#include "records/job.h"
+#include "records/parameter_limits.h"
 
 namespace corvinet {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "format/fortran_format.h"
 #include "refine/apply_shift.h"
-#include "run/fortran_format.h"
 
 namespace corvinet {
 

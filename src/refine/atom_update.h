@@ -2,10 +2,10 @@
 // parameters.
 #pragma once
 
-#include "control/phase.h"
+#include "records/job.h"
+#include "records/phase.h"
 #include "refine/parameter_report.h"
 #include "refine/update_pass.h"
-#include "run/job.h"
 
 namespace corvinet {
 

@@ -1,8 +1,8 @@
 // The Bragg R-factors of every phase and pattern, with their report lines.
 #include <cstdlib>
 
+#include "format/fortran_format.h"
 #include "refine/bragg_factors.h"
-#include "run/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "crystal/reflection.h"
 #include "observations/background.h"
+#include "records/reflection.h"
 #include "refine/bragg_factors.h"
 #include "refine/excluded_points.h"
 #include "refine/order_reflections.h"

@@ -1,9 +1,9 @@
 // The peaks of the point loop as the Bragg partition reads them after a cycle.
 #pragma once
 
+#include "records/job.h"
 #include "refine/bragg_factors.h"
 #include "refine/cycle_work.h"
-#include "run/job.h"
 
 namespace corvinet {
 

@@ -4,9 +4,9 @@
 
 #include <array>
 
-#include "control/phase.h"
-#include "run/job.h"
-#include "run/table1.h"
+#include "records/job.h"
+#include "records/phase.h"
+#include "records/table1.h"
 
 namespace corvinet {
 

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "format/fortran_format.h"
 #include "observations/background.h"
 #include "refine/bragg_profile.h"
 #include "refine/cycle_work.h"
@@ -15,7 +16,6 @@
 #include "refine/point_calculation.h"
 #include "refine/reflection_calculation.h"
 #include "refine/reliability.h"
-#include "run/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -2,7 +2,7 @@
 // tests.
 #pragma once
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

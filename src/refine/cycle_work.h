@@ -4,8 +4,8 @@
 
 #include "model/peak_shape.h"
 #include "model/structure_factor.h"
-#include "run/dimension_limits.h"
-#include "run/table1.h"
+#include "records/dimension_limits.h"
+#include "records/table1.h"
 
 namespace corvinet {
 

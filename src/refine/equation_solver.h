@@ -1,8 +1,8 @@
 // Inversion of the normal matrix and solution for the shifts, in double precision.
 #pragma once
 
-#include "refine/normal_matrix.h"
-#include "run/job.h"
+#include "records/job.h"
+#include "records/normal_matrix.h"
 
 namespace corvinet {
 

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "control/pattern.h"
+#include "records/pattern.h"
 
 namespace corvinet {
 

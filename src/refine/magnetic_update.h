@@ -2,9 +2,9 @@
 // each moment.
 #pragma once
 
-#include "control/phase.h"
+#include "records/job.h"
+#include "records/phase.h"
 #include "refine/update_pass.h"
-#include "run/job.h"
 
 namespace corvinet {
 

@@ -6,11 +6,11 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "crystal/reflection.h"
 #include "crystal/reflection_generation.h"
+#include "format/bisection.h"
+#include "format/fortran_format.h"
+#include "records/reflection.h"
 #include "refine/excluded_points.h"
-#include "run/bisection.h"
-#include "run/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -1,7 +1,7 @@
 // The order table of a pattern: for each point the first and last reflection whose peak reaches it.
 #pragma once
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

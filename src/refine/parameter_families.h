@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

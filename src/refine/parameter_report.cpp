@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
 
 namespace corvinet {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "run/table1.h"
+#include "records/table1.h"
 
 namespace corvinet {
 

@@ -2,6 +2,7 @@
 // and sigmas are printed.
 #include "refine/parameter_update.h"
 
+#include "format/fortran_format.h"
 #include "observations/fourier.h"
 #include "refine/apply_shift.h"
 #include "refine/atom_update.h"
@@ -11,7 +12,6 @@
 #include "refine/peak_update.h"
 #include "refine/reliability.h"
 #include "refine/update_pass.h"
-#include "run/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {

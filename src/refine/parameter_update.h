@@ -4,8 +4,8 @@
 
 #include <string>
 
+#include "records/job.h"
 #include "refine/bragg_factors.h"
-#include "run/job.h"
 
 namespace corvinet {
 

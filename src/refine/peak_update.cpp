@@ -4,9 +4,9 @@
 
 #include <cstdlib>
 
+#include "format/fortran_format.h"
 #include "refine/apply_shift.h"
 #include "refine/cell_update.h"
-#include "run/fortran_format.h"
 
 namespace corvinet {
 

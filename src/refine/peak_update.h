@@ -2,11 +2,11 @@
 // vectors.
 #pragma once
 
+#include "records/dimension_limits.h"
+#include "records/job.h"
+#include "records/table1.h"
 #include "refine/parameter_report.h"
 #include "refine/update_pass.h"
-#include "run/dimension_limits.h"
-#include "run/job.h"
-#include "run/table1.h"
 
 namespace corvinet {
 

@@ -4,11 +4,11 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "crystal/reflection.h"
 #include "model/asymmetry_factor.h"
 #include "model/boole_average.h"
 #include "model/peak_shape_setup.h"
 #include "observations/background.h"
+#include "records/reflection.h"
 #include "refine/order_reflections.h"
 #include "refine/parameter_families.h"
 

@@ -6,12 +6,12 @@
 #include <cstdlib>
 
 #include "crystal/metric.h"
-#include "crystal/reflection.h"
 #include "model/asymmetry_factor.h"
 #include "model/intensity_factors.h"
 #include "model/peak_shape_setup.h"
 #include "model/peak_width.h"
 #include "model/structure_factor.h"
+#include "records/reflection.h"
 #include "refine/parameter_families.h"
 
 namespace corvinet {

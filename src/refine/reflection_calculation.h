@@ -2,8 +2,8 @@
 // row.
 #pragma once
 
+#include "records/job.h"
 #include "refine/cycle_work.h"
-#include "run/job.h"
 
 namespace corvinet {
 

@@ -3,9 +3,9 @@
 
 #include <string_view>
 
-#include "control/pattern.h"
-#include "refine/reliability_state.h"
-#include "run/job.h"
+#include "records/job.h"
+#include "records/pattern.h"
+#include "records/reliability_state.h"
 
 namespace corvinet {
 

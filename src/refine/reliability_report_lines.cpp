@@ -1,7 +1,7 @@
 // Text of the reliability report lines: .out and .sum blocks, console, .rpa rows, Scor.
 #include "refine/reliability_report_lines.h"
 
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "refine/reliability_state.h"
-#include "run/job.h"
+#include "records/job.h"
+#include "records/reliability_state.h"
 
 namespace corvinet {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 

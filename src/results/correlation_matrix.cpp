@@ -3,8 +3,8 @@
 #include <cmath>
 #include <limits>
 
+#include "format/fortran_format.h"
 #include "results/final_report.h"
-#include "run/fortran_format.h"
 
 namespace corvinet {
 

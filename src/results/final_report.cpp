@@ -11,16 +11,16 @@
 
 #include "control/control_writer.h"
 #include "control/pattern_block.h"
-#include "crystal/reflection.h"
+#include "format/date_time.h"
+#include "format/fortran_format.h"
+#include "format/text.h"
+#include "io/file_set.h"
 #include "observations/background.h"
+#include "records/reflection.h"
 #include "refine/bragg_profile.h"
 #include "refine/cycle_work.h"
+#include "results/dimension_report.h"
 #include "results/profile_files.h"
-#include "run/defaults.h"
-#include "run/file_set.h"
-#include "run/fortran_format.h"
-#include "run/run_driver.h"
-#include "run/text.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -172,8 +172,8 @@ ProfileFileContext ContextOf(const Job& job, const PlotExtremes& extremes) {
   const DateTimeStamp now = DateTime();
   ProfileFileContext c;
   c.extremes = extremes;
-  c.date = now.date.substr(6, 2) + "/" + now.date.substr(4, 2) + "/" + now.date.substr(0, 4);
-  c.time = now.time.substr(0, 2) + ":" + now.time.substr(2, 2) + ":" + now.time.substr(4, 2);
+  c.date = DayText(now);
+  c.time = ClockText(now, false);
   c.poissonNoise = job.run.IDUM < 0;
   return c;
 }

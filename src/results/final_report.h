@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "records/job.h"
+#include "records/normal_matrix.h"
 #include "refine/bragg_factors.h"
-#include "refine/normal_matrix.h"
-#include "run/job.h"
 
 namespace corvinet {
 

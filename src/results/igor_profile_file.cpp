@@ -4,11 +4,11 @@
 #include <cstdlib>
 #include <string>
 
-#include "crystal/reflection.h"
+#include "format/text.h"
+#include "io/file_set.h"
+#include "records/reflection.h"
 #include "results/plot_geometry.h"
 #include "results/profile_files.h"
-#include "run/file_set.h"
-#include "run/text.h"
 #include "surface/console.h"
 
 namespace corvinet {

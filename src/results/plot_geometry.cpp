@@ -3,9 +3,9 @@
 
 #include <cstdlib>
 
-#include "crystal/reflection.h"
+#include "format/text.h"
+#include "records/reflection.h"
 #include "refine/order_reflections.h"
-#include "run/text.h"
 #include "surface/console.h"
 
 namespace corvinet {

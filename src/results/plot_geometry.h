@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
+#include "format/fortran_format.h"
+#include "records/job.h"
 #include "results/profile_files.h"
-#include "run/fortran_format.h"
-#include "run/job.h"
 
 namespace corvinet {
 

@@ -3,12 +3,12 @@
 #include <cmath>
 #include <string>
 
-#include "crystal/reflection.h"
+#include "format/fortran_format.h"
+#include "format/text.h"
+#include "records/reflection.h"
 #include "refine/excluded_points.h"
 #include "results/plot_geometry.h"
 #include "results/profile_files.h"
-#include "run/fortran_format.h"
-#include "run/text.h"
 #include "surface/console.h"
 
 namespace corvinet {

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "crystal/reflection.h"
+#include "io/file_set.h"
 #include "observations/background.h"
+#include "records/reflection.h"
 #include "results/plot_geometry.h"
 #include "results/profile_files.h"
-#include "run/file_set.h"
 #include "surface/console.h"
 
 namespace corvinet {

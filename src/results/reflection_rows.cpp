@@ -2,10 +2,10 @@
 // reflection, the Bragg factor lines with fractions, and the BRAG row of the parameter record.
 #include <cmath>
 
-#include "crystal/reflection.h"
+#include "format/fortran_format.h"
+#include "records/reflection.h"
 #include "refine/order_reflections.h"
 #include "results/final_report.h"
-#include "run/fortran_format.h"
 
 namespace corvinet {
 

@@ -3,12 +3,12 @@
 #include <cstdlib>
 #include <vector>
 
+#include "format/fortran_format.h"
+#include "format/text.h"
+#include "io/file_set.h"
 #include "observations/poisson.h"
 #include "results/final_report.h"
 #include "results/plot_geometry.h"
-#include "run/file_set.h"
-#include "run/fortran_format.h"
-#include "run/text.h"
 #include "surface/console.h"
 
 namespace corvinet {

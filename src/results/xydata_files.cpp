@@ -3,11 +3,11 @@
 #include <cmath>
 #include <string>
 
+#include "format/fortran_format.h"
+#include "format/text.h"
+#include "io/file_set.h"
 #include "observations/background.h"
 #include "results/profile_files.h"
-#include "run/file_set.h"
-#include "run/fortran_format.h"
-#include "run/text.h"
 #include "surface/console.h"
 
 namespace corvinet {

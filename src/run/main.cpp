@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "run/job.h"
+#include "records/job.h"
 #include "run/run_driver.h"
 
 int main(int argc, char** argv) {

@@ -11,12 +11,13 @@
 #include <memory>
 
 #include "control/run_block.h"
+#include "format/date_time.h"
+#include "format/fortran_format.h"
+#include "io/file_set.h"
 #include "refine/cycle_driver.h"
 #include "refine/cycle_work.h"
 #include "results/final_report.h"
 #include "run/defaults.h"
-#include "run/file_set.h"
-#include "run/fortran_format.h"
 #include "surface/console.h"
 #include "surface/prompts.h"
 
@@ -79,7 +80,7 @@ void ChooseJob(Job& job) {
     return;
   }
   auto chosen =
-      FileOpenDialog(job, "PCR files", "*.PCR", "Select input PCR file:", d.startDirectory);
+      FileOpenDialog(job.console, "PCR files", "*.PCR", "Select input PCR file:", d.startDirectory);
   if (!chosen) return;
   std::string directory, file;
   SplitPath(*chosen, directory, file);
@@ -95,7 +96,7 @@ void ChooseJob(Job& job) {
       return;
     }
   }
-  auto data = FileOpenDialog(job, "Data files", "*.dat; *.uxd; *.int; *.acq",
+  auto data = FileOpenDialog(job.console, "Data files", "*.dat; *.uxd; *.int; *.acq",
                              "Select data file:", d.startDirectory);
   if (!data) return;
   SplitPath(*data, directory, file);
@@ -124,14 +125,6 @@ void WriteReportBanner(Job& job) {
   WriteReports(job, "                Refinement of X-ray and/or Neutron Data");
   WriteReports(job, "");
   WriteReports(job, "");
-}
-
-// "dd/mm/yyyy" and "hh:mm:ss.sss" of a stamp.
-std::string DayText(const DateTimeStamp& s) {
-  return s.date.substr(6, 2) + "/" + s.date.substr(4, 2) + "/" + s.date.substr(0, 4);
-}
-std::string ClockText(const DateTimeStamp& s) {
-  return s.time.substr(0, 2) + ":" + s.time.substr(2, 2) + ":" + s.time.substr(4, 6);
 }
 
 bool IsCyclicCode(const std::string& code) {
@@ -224,9 +217,9 @@ int Main(Job& job, const std::vector<std::string>& arguments) {
 }
 
 void AskContinue(Job& job) {
-  if (AskYesNo(job, "Corvinet Refinement", "Continue with the same data?", true)) {
+  if (AskYesNo(job.console, "Corvinet Refinement", "Continue with the same data?", true)) {
     job.driver.answer = 's';
-  } else if (AskYesNo(job, "Corvinet Refinement", "Continue with other data?", true)) {
+  } else if (AskYesNo(job.console, "Corvinet Refinement", "Continue with other data?", true)) {
     job.driver.answer = 'a';
   } else {
     job.driver.answer = 'k';
@@ -259,21 +252,6 @@ void CpuTimer(Job& job, int mode, bool print) {
     ConsoleLine(job, line);
     WriteReports(job, line);
   }
-}
-
-DateTimeStamp DateTime() {
-  using namespace std::chrono;
-  const auto now = system_clock::now();
-  const std::time_t t = system_clock::to_time_t(now);
-  const int millis =
-      static_cast<int>(duration_cast<milliseconds>(now.time_since_epoch()).count() % 1000);
-  std::tm local{};
-  localtime_r(&t, &local);
-  DateTimeStamp s;
-  s.date = Fmt("(I4.4,I2.2,I2.2)", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
-  s.time = Fmt("(3I2.2,'.',I3.3)", local.tm_hour, local.tm_min, local.tm_sec, millis);
-  s.DateLine = "    Date: " + DayText(s) + "  Time: " + ClockText(s);
-  return s;
 }
 
 std::string NumberedCode(const std::string& stem, int n) {
@@ -315,7 +293,7 @@ void RunCyclic(Job& job) {
   DriverState& d = job.driver;
   d.PcrCode.clear();
   ConsoleLine(job, "  ==> Code of the starting *.pcr file (xx for xx.pcr): ");
-  auto answer = ReadConsoleAnswer(job);
+  auto answer = ReadConsoleAnswer(job.console);
   if (!answer) {
     ConsoleLine(job, " => Normal end...");
     return;
@@ -325,7 +303,7 @@ void RunCyclic(Job& job) {
   ConsoleLine(job, "  ==> Give the code of data files (yy for yynnn.dat,uxd,acq)  ");
   ConsoleLine(job,
               "                               (<cr> =" + FixedText(d.PcrCode, shownLength) + "): ");
-  answer = ReadConsoleAnswer(job);
+  answer = ReadConsoleAnswer(job.console);
   d.DatCode = answer ? TrimmedCopy(*answer) : std::string();
   if (d.DatCode.empty()) d.DatCode = d.PcrCode;
   const std::string dataCodeStem = CutText(d.DatCode, 16);
@@ -333,13 +311,13 @@ void RunCyclic(Job& job) {
   int firstNumber = 0;
   int lastNumber = 0;
   ConsoleLine(job, "  ==> Number of the starting *.dat file: ");
-  answer = ReadConsoleAnswer(job);
+  answer = ReadConsoleAnswer(job.console);
   if (!answer || ReadListLine(*answer, {{ReadTarget(&firstNumber)}}) == ReadStatus::BadValue) {
     ConsoleLine(job, " => Normal end...");
     return;
   }
   ConsoleLine(job, "  ==> Number of the     last *.dat file: ");
-  answer = ReadConsoleAnswer(job);
+  answer = ReadConsoleAnswer(job.console);
   if (!answer || ReadListLine(*answer, {{ReadTarget(&lastNumber)}}) == ReadStatus::BadValue) {
     ConsoleLine(job, " => Normal end...");
     return;

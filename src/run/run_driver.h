@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet {
 
@@ -26,15 +26,6 @@ void SplitPath(const std::string& path, std::string& directoryOut, std::string& 
 // Mode 1 records the start of the CPU clock; mode 2 records the end and, with
 // `print`, writes the CPU time on the console, the report and the summary.
 void CpuTimer(Job& job, int mode, bool print);
-
-// Today's date as YYYYMMDD, the time as hhmmss.sss, and the record
-// "    Date: dd/mm/yyyy  Time: hh:mm:ss.sss".
-struct DateTimeStamp {
-  std::string date;
-  std::string time;
-  std::string DateLine;
-};
-DateTimeStamp DateTime();
 
 // The data code of number n in the cyclic mode: the stem and n without blanks.
 std::string NumberedCode(const std::string& stem, int n);

@@ -3,7 +3,7 @@
 
 #include <cstdio>
 
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
 
 namespace corvinet {
 
@@ -11,30 +11,30 @@ namespace {
 
 constexpr std::size_t kConsoleWidth = 132;
 
-void EmitConsole(Job& job, std::string_view line) {
+void EmitConsole(Channels& channels, std::string_view line) {
   line = TrimRight(line.substr(0, std::min(line.size(), kConsoleWidth)));
   if (line.empty()) line = "  ";
-  if (job.console.ConsoleUnit == Unit::Console) {
-    std::fwrite(line.data(), 1, line.size(), job.console.out);
-    std::fputc('\n', job.console.out);
-    std::fflush(job.console.out);
+  if (channels.console.ConsoleUnit == Unit::Console) {
+    std::fwrite(line.data(), 1, line.size(), channels.console.out);
+    std::fputc('\n', channels.console.out);
+    std::fflush(channels.console.out);
   } else {
-    WriteRecord(job.files.units[job.console.ConsoleUnit], line);
+    WriteRecord(channels.files.units[channels.console.ConsoleUnit], line);
   }
 }
 
 }  // namespace
 
-void ConsoleLine(Job& job, std::string_view text) {
+void ConsoleLine(Channels& channels, std::string_view text) {
   text = TrimRight(text);
   if (text.size() >= 2 && text[0] == '=' && text[1] == '=') {
-    EmitConsole(job, " =>" + std::string(text));
+    EmitConsole(channels, " =>" + std::string(text));
   } else {
-    EmitConsole(job, text);
+    EmitConsole(channels, text);
   }
 }
 
-void ConsoleLineWithNumber(Job& job, std::string_view text, int intValue, float realValue,
+void ConsoleLineWithNumber(Channels& channels, std::string_view text, int intValue, float realValue,
                            int mode) {
   const bool arrow = text.size() >= 2 && text[0] == '=' && text[1] == '=';
   std::string line = arrow ? " =>" : "   ";
@@ -52,7 +52,7 @@ void ConsoleLineWithNumber(Job& job, std::string_view text, int intValue, float 
     default:
       break;
   }
-  EmitConsole(job, line);
+  EmitConsole(channels, line);
 }
 
 void ClearText(std::string& text) {
@@ -60,8 +60,8 @@ void ClearText(std::string& text) {
   for (std::size_t i = 0; i < n; ++i) text[i] = ' ';
 }
 
-void StopBox(Job& job, std::string_view text, int stopFlag) {
-  std::FILE* out = job.console.out;
+void StopBox(Channels& channels, std::string_view text, int stopFlag) {
+  std::FILE* out = channels.console.out;
   std::fputs("=== Stop/Warning Box ===\n", out);
   std::string_view shown = TrimRight(text);
   std::fwrite(shown.data(), 1, shown.size(), out);
@@ -70,19 +70,19 @@ void StopBox(Job& job, std::string_view text, int stopFlag) {
   if (stopFlag != 0) throw ProcessStop{0};
 }
 
-void WriteLine(Job& job, int unit, std::string_view text) {
+void WriteLine(Channels& channels, int unit, std::string_view text) {
   if (unit == Unit::Console) {
-    std::fwrite(text.data(), 1, text.size(), job.console.out);
-    std::fputc('\n', job.console.out);
-    std::fflush(job.console.out);
+    std::fwrite(text.data(), 1, text.size(), channels.console.out);
+    std::fputc('\n', channels.console.out);
+    std::fflush(channels.console.out);
     return;
   }
-  WriteRecord(job.files.units[unit], text);
+  WriteRecord(channels.files.units[unit], text);
 }
 
-void WriteReports(Job& job, std::string_view text) {
-  WriteLine(job, Unit::Out, text);
-  WriteLine(job, Unit::Sum, text);
+void WriteReports(Channels& channels, std::string_view text) {
+  WriteLine(channels, Unit::Out, text);
+  WriteLine(channels, Unit::Sum, text);
 }
 
 }  // namespace corvinet

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "run/job.h"
-#include "run/text.h"
+#include "format/text.h"
+#include "records/channels.h"
 
 namespace corvinet {
 
@@ -17,22 +17,22 @@ struct ProcessStop {
 
 // Writes a console line: an empty text gives two blanks, a text that begins
 // with "==" gets " =>" in front.
-void ConsoleLine(Job& job, std::string_view text);
+void ConsoleLine(Channels& channels, std::string_view text);
 
 // Writes the text followed by a number: mode 1 the integer in I8, 2 the real
 // in G12.4, 3 both joined by "and ".
-void ConsoleLineWithNumber(Job& job, std::string_view text, int intValue, float realValue,
+void ConsoleLineWithNumber(Channels& channels, std::string_view text, int intValue, float realValue,
                            int mode);
 
 // Blanks the text over its trimmed length.
 void ClearText(std::string& text);
 
 // Shows the box "Stop/Warning Box" with the text; a non-zero flag ends the process.
-void StopBox(Job& job, std::string_view text, int stopFlag = 1);
+void StopBox(Channels& channels, std::string_view text, int stopFlag = 1);
 
 // Writes a line on a unit; unit 6 is the console.
-void WriteLine(Job& job, int unit, std::string_view text);
+void WriteLine(Channels& channels, int unit, std::string_view text);
 // Writes a line on the report (unit 7) and the summary (unit 8).
-void WriteReports(Job& job, std::string_view text);
+void WriteReports(Channels& channels, std::string_view text);
 
 }  // namespace corvinet

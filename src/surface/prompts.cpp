@@ -10,32 +10,33 @@ namespace corvinet {
 
 namespace {
 
-void Show(Job& job, std::string_view text) {
-  std::fwrite(text.data(), 1, text.size(), job.console.out);
-  std::fflush(job.console.out);
+void Show(ConsoleState& console, std::string_view text) {
+  std::fwrite(text.data(), 1, text.size(), console.out);
+  std::fflush(console.out);
 }
 
 }  // namespace
 
-std::optional<std::string> ReadConsoleAnswer(Job& job) {
+std::optional<std::string> ReadConsoleAnswer(ConsoleState& console) {
   std::string line;
-  int c = std::fgetc(job.console.in);
+  int c = std::fgetc(console.in);
   if (c == EOF) return std::nullopt;
   while (c != EOF && c != '\n') {
     line.push_back(static_cast<char>(c));
-    c = std::fgetc(job.console.in);
+    c = std::fgetc(console.in);
   }
   if (!line.empty() && line.back() == '\r') line.pop_back();
   return line;
 }
 
-bool AskYesNo(Job& job, std::string_view title, std::string_view question, bool yesPreset) {
+bool AskYesNo(ConsoleState& console, std::string_view title, std::string_view question,
+              bool yesPreset) {
   for (;;) {
-    Show(job,
+    Show(console,
          std::string(title) + ": " + std::string(question) + (yesPreset ? " [Y/n] " : " [y/N] "));
-    std::optional<std::string> answer = ReadConsoleAnswer(job);
+    std::optional<std::string> answer = ReadConsoleAnswer(console);
     if (!answer) {
-      Show(job, "\n");
+      Show(console, "\n");
       return false;
     }
     std::string_view word = Trim(*answer);
@@ -46,16 +47,16 @@ bool AskYesNo(Job& job, std::string_view title, std::string_view question, bool 
   }
 }
 
-std::optional<std::string> FileOpenDialog(Job& job, std::string_view filterName,
+std::optional<std::string> FileOpenDialog(ConsoleState& console, std::string_view filterName,
                                           std::string_view pattern, std::string_view title,
                                           std::string_view startDirectory) {
   std::string prompt =
       std::string(title) + " [" + std::string(filterName) + ": " + std::string(pattern) + "]";
   if (!startDirectory.empty()) prompt += " in " + std::string(startDirectory);
-  Show(job, prompt + " ");
-  std::optional<std::string> answer = ReadConsoleAnswer(job);
+  Show(console, prompt + " ");
+  std::optional<std::string> answer = ReadConsoleAnswer(console);
   if (!answer) {
-    Show(job, "\n");
+    Show(console, "\n");
     return std::nullopt;
   }
   std::string path = TrimmedCopy(*answer);

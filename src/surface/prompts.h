@@ -5,21 +5,22 @@
 #include <string>
 #include <string_view>
 
-#include "run/job.h"
+#include "records/channels.h"
 
 namespace corvinet {
 
 // Asks a Yes/No question; an empty answer takes the preset, end of input answers No.
-bool AskYesNo(Job& job, std::string_view title, std::string_view question, bool yesPreset);
+bool AskYesNo(ConsoleState& console, std::string_view title, std::string_view question,
+              bool yesPreset);
 
 // The file-open dialog: shows the title, the filter and the start directory and
 // reads a path. A relative answer is taken inside the start directory. An empty
 // answer or end of input cancels.
-std::optional<std::string> FileOpenDialog(Job& job, std::string_view filterName,
+std::optional<std::string> FileOpenDialog(ConsoleState& console, std::string_view filterName,
                                           std::string_view pattern, std::string_view title,
                                           std::string_view startDirectory);
 
 // Reads one answer line from the terminal; empty at end of input.
-std::optional<std::string> ReadConsoleAnswer(Job& job);
+std::optional<std::string> ReadConsoleAnswer(ConsoleState& console);
 
 }  // namespace corvinet

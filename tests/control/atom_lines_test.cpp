@@ -7,8 +7,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "io/file_set.h"
 #include "run/defaults.h"
-#include "run/file_set.h"
 #include "test_support.h"
 
 namespace corvinet {

@@ -7,7 +7,7 @@
 #include "control/control_writer.h"
 #include "control/pattern_block.h"
 #include "control/run_block.h"
-#include "run/text.h"
+#include "format/text.h"
 #include "surface/console.h"
 #include "test_support.h"
 

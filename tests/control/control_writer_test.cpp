@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "control/control_writer.h"
+#include "format/fortran_format.h"
+#include "records/text_unit.h"
 #include "run/defaults.h"
-#include "run/fortran_format.h"
-#include "run/text_unit.h"
 #include "surface/console.h"
 #include "test_support.h"
 

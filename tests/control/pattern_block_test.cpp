@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "control/codeword.h"
+#include "io/file_set.h"
+#include "records/codeword.h"
 #include "run/defaults.h"
-#include "run/file_set.h"
 #include "surface/console.h"
 #include "test_support.h"
 

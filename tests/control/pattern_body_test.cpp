@@ -7,8 +7,8 @@
 
 #include "control/pattern_block.h"
 #include "control/run_block.h"
+#include "io/file_set.h"
 #include "run/defaults.h"
-#include "run/file_set.h"
 #include "surface/console.h"
 #include "test_support.h"
 

@@ -8,8 +8,8 @@
 
 #include "control/profile_lines.h"
 #include "control/run_block.h"
+#include "io/file_set.h"
 #include "run/defaults.h"
-#include "run/file_set.h"
 #include "surface/console.h"
 #include "test_support.h"
 

@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
+#include "io/file_set.h"
 #include "run/defaults.h"
-#include "run/file_set.h"
 #include "surface/console.h"
 #include "test_support.h"
 

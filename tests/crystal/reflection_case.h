@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "crystal/metric.h"
-#include "crystal/reflection.h"
 #include "crystal/symmetry_operators.h"
+#include "format/text.h"
+#include "io/file_set.h"
+#include "records/reflection.h"
 #include "run/defaults.h"
-#include "run/file_set.h"
-#include "run/text.h"
 #include "surface/console.h"
 #include "test_support.h"
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "crystal/reflection_generation.h"
+#include "model/lorentz_polarisation.h"
 #include "reflection_case.h"
 
 namespace corvinet {
@@ -27,7 +28,7 @@ struct FileCase : ReflectionCase {
 };
 
 void Read(Job& job) {
-  ReflectionsFromFile(job, 1, 1);
+  ReflectionsFromFile(job, 1, 1, ReflectionLorentzPolarisation);
 }
 
 TEST(ReflectionFile, Irf1ReadsIndicesAndMultiplicityAndSkipsWhatIsOutOfRange) {
@@ -123,7 +124,7 @@ TEST(ReflectionFile, UnreadableRecordStops) {
 
 TEST(ReflectionFile, PatternBlockAnnouncesTheReading) {
   FileCase c(2, "t\nt\n1 0 0 6 1.0\n1 1 0 12 2.0\n");
-  ASSERT_TRUE(c.Runs([](Job& job) { MakeReflections(job, 1, 1); }));
+  ASSERT_TRUE(c.Runs([](Job& job) { MakeReflections(job, 1, 1, ReflectionLorentzPolarisation); }));
   EXPECT_TRUE(HasLine(c.job.Console(), " => Reading reflections for pattern:  1"));
   EXPECT_EQ(c.P().reflections.count[1], 2);
 }

@@ -17,6 +17,7 @@
 #include "crystal/reflection_generation.h"
 #include "crystal/space_group_symbol.h"
 #include "crystal/symmetry_operators.h"
+#include "model/lorentz_polarisation.h"
 #include "test_support.h"
 
 namespace corvinet {
@@ -225,7 +226,7 @@ SymbolOutcome CheckGeneratedList(GenerationJob& g, const TabulatedForms& t) {
     }
   }
   g.SetUp(group, coefficients, static_cast<float>(std::sqrt(maxQ) * 1.001));
-  GenerateReflections(*g.job, 1, 1);
+  GenerateReflections(*g.job, 1, 1, ReflectionLorentzPolarisation);
   const ReflectionTable& table = g.job->patterns[1].reflections;
   out.generated = table.total;
   std::map<Triple, int> seen;

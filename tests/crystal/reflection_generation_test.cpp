@@ -1,5 +1,6 @@
 // Generation of the reflection list: range, positions, satellites, report and failures.
 #include "crystal/reflection_generation.h"
+#include "model/lorentz_polarisation.h"
 
 #include <gtest/gtest.h>
 
@@ -22,7 +23,7 @@ using GenerationCase = testing::ReflectionCase;
 constexpr double kPi = 3.14159265358979323846;
 
 void Generate(Job& job) {
-  GenerateReflections(job, 1, 1);
+  GenerateReflections(job, 1, 1, ReflectionLorentzPolarisation);
 }
 
 const Reflection* Find(const std::vector<Reflection>& slots, int h, int k, int l, int sat = 0,
@@ -281,7 +282,7 @@ TEST(ReflectionGeneration, NoReflectionInRangeLeavesTheBlockEmpty) {
   GenerationCase c("P m 3 m", Cell(4, 4, 4), 4);
   c.P().THMIN = 0.01f;
   c.P().THMAX = 0.2f;
-  ASSERT_TRUE(c.Runs([](Job& job) { MakeReflections(job, 1, 1); }));
+  ASSERT_TRUE(c.Runs([](Job& job) { MakeReflections(job, 1, 1, ReflectionLorentzPolarisation); }));
   EXPECT_EQ(c.P().reflections.total, 0);
   EXPECT_EQ(c.P().reflections.count[1], 0);
 }
@@ -530,7 +531,7 @@ TEST(MakeReflections, GeneratesSortsAndAnnounces) {
   GenerationCase c("P m 3 m", Cell(4, 4, 4), 4);
   c.P().THMIN = 0.2f;
   c.P().THMAX = 0.9f;
-  ASSERT_TRUE(c.Runs([](Job& job) { MakeReflections(job, 1, 1); }));
+  ASSERT_TRUE(c.Runs([](Job& job) { MakeReflections(job, 1, 1, ReflectionLorentzPolarisation); }));
   EXPECT_TRUE(HasLine(c.job.Console(), " => Generating reflections for pattern:  1"));
   const std::vector<Reflection> slots = c.Slots();
   ASSERT_GT(slots.size(), 3u);
@@ -543,7 +544,7 @@ TEST(MakeReflections, GeneratesSortsAndAnnounces) {
 TEST(MakeReflections, IllegalIrfStops) {
   GenerationCase c("P m 3 m", Cell(4, 4, 4), 4);
   c.Ph().pat[1].Irf = 7;
-  EXPECT_FALSE(c.Runs([](Job& job) { MakeReflections(job, 1, 1); }));
+  EXPECT_FALSE(c.Runs([](Job& job) { MakeReflections(job, 1, 1, ReflectionLorentzPolarisation); }));
   EXPECT_TRUE(HasLine(c.job.Console(), " Illegal IRF value"));
 }
 
@@ -551,7 +552,8 @@ TEST(MakeReflections, IntegratedIntensitiesAreRefusedClearly) {
   for (int irf : {4, -4}) {
     GenerationCase c("P m 3 m", Cell(4, 4, 4), 4);
     c.Ph().pat[1].Irf = irf;
-    EXPECT_FALSE(c.Runs([](Job& job) { MakeReflections(job, 1, 1); }));
+    EXPECT_FALSE(
+        c.Runs([](Job& job) { MakeReflections(job, 1, 1, ReflectionLorentzPolarisation); }));
     const std::string console = c.job.Console();
     EXPECT_TRUE(HasLine(console, "    are not read by this version of the program")) << irf;
     EXPECT_TRUE(HasLine(console, " Integrated intensities (Irf=4/-4) are not supported")) << irf;
@@ -566,8 +568,8 @@ TEST(MakeReflections, TwoPhasesWithEqualPositionsKeepTheOrderOfTheirBlocks) {
   Phase& second = c.job->phases[2];
   second = c.Ph();
   ASSERT_TRUE(c.Runs([](Job& job) {
-    MakeReflections(job, 1, 1);
-    MakeReflections(job, 2, 1);
+    MakeReflections(job, 1, 1, ReflectionLorentzPolarisation);
+    MakeReflections(job, 2, 1, ReflectionLorentzPolarisation);
   }));
   const ReflectionTable& t = c.P().reflections;
   EXPECT_EQ(t.start[2], t.count[1]);

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "crystal/space_group.h"
+#include "records/space_group.h"
 
 namespace corvinet {
 namespace {

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "crystal/rotation_table.h"
-#include "crystal/space_group.h"
 #include "crystal/symmetry_operators.h"
+#include "records/space_group.h"
 
 namespace corvinet {
 namespace {

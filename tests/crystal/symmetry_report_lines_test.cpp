@@ -17,8 +17,8 @@
 #include <vector>
 
 #include "crystal/phase_symmetry.h"
+#include "io/file_set.h"
 #include "run/defaults.h"
-#include "run/file_set.h"
 #include "surface/console.h"
 #include "test_support.h"
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "run/fortran_format.h"
+#include "format/fortran_format.h"
 #include "test_support.h"
 
 namespace corvinet {

@@ -7,6 +7,7 @@
 
 #include "crystal/reflection_case.h"
 #include "crystal/reflection_generation.h"
+#include "model/lorentz_polarisation.h"
 
 namespace corvinet {
 namespace {
@@ -57,7 +58,8 @@ TEST(ReflectionLpM, SiliconPhaseHasTheFactorOfAnFCentredCentrosymmetricGroup) {
 TEST(ReflectionLpM, Silicon111WithoutMonochromatorIsTheBareLorentzFactor) {
   Silicon si;
   si.P().Cthm = 0.0f;
-  ASSERT_TRUE(si.Runs([](Job& job) { GenerateReflections(job, 1, 1); }));
+  ASSERT_TRUE(
+      si.Runs([](Job& job) { GenerateReflections(job, 1, 1, ReflectionLorentzPolarisation); }));
   const std::vector<Reflection> slots = si.Slots();
   const Reflection* r = Find(slots, 1, 1, 1);
   ASSERT_NE(r, nullptr);
@@ -71,7 +73,8 @@ TEST(ReflectionLpM, Silicon111WithoutMonochromatorIsTheBareLorentzFactor) {
 TEST(ReflectionLpM, Silicon111UnpolarisedBeamTakesOnePlusCosSquaredTwoTheta) {
   Silicon si;
   si.P().Cthm = 1.0f;
-  ASSERT_TRUE(si.Runs([](Job& job) { GenerateReflections(job, 1, 1); }));
+  ASSERT_TRUE(
+      si.Runs([](Job& job) { GenerateReflections(job, 1, 1, ReflectionLorentzPolarisation); }));
   const std::vector<Reflection> slots = si.Slots();
   const Reflection* r = Find(slots, 1, 1, 1);
   ASSERT_NE(r, nullptr);
@@ -83,7 +86,8 @@ TEST(ReflectionLpM, Silicon111UnpolarisedBeamTakesOnePlusCosSquaredTwoTheta) {
 TEST(ReflectionLpM, EveryReflectionOfTheListCarriesItsOwnFactor) {
   Silicon si;
   si.P().Cthm = 0.8f;
-  ASSERT_TRUE(si.Runs([](Job& job) { GenerateReflections(job, 1, 1); }));
+  ASSERT_TRUE(
+      si.Runs([](Job& job) { GenerateReflections(job, 1, 1, ReflectionLorentzPolarisation); }));
   const std::vector<Reflection> slots = si.Slots();
   ASSERT_GE(slots.size(), 3u);  // 111, 220 and 311 lie between 20 and 60 degrees
   for (const Reflection& r : slots) {
@@ -99,7 +103,8 @@ TEST(ReflectionLpM, SecondWavelengthUsesItsOwnAngle) {
   si.P().Cthm = 1.0f;
   si.P().LAMBDA[2] = 1.544390f;
   si.P().RATIO[2] = 0.5f;
-  ASSERT_TRUE(si.Runs([](Job& job) { GenerateReflections(job, 1, 1); }));
+  ASSERT_TRUE(
+      si.Runs([](Job& job) { GenerateReflections(job, 1, 1, ReflectionLorentzPolarisation); }));
   const std::vector<Reflection> slots = si.Slots();
   const Reflection* r = Find(slots, 1, 1, 1, 2);
   ASSERT_NE(r, nullptr);
@@ -116,7 +121,8 @@ TEST(ReflectionLpM, NeutronTimeOfFlightListTakesTheSpacingForm) {
   c.P().THMIN = 3000.0f;
   c.P().THMAX = 21000.0f;
   ASSERT_EQ(c.Ph().group.multiplicityFactor, 4);  // primitive and centrosymmetric: (1*2)^2
-  ASSERT_TRUE(c.Runs([](Job& job) { GenerateReflections(job, 1, 1); }));
+  ASSERT_TRUE(
+      c.Runs([](Job& job) { GenerateReflections(job, 1, 1, ReflectionLorentzPolarisation); }));
   const std::vector<Reflection> slots = c.Slots();
   ASSERT_FALSE(slots.empty());
   for (const Reflection& r : slots) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "observations/background.h"
-#include "run/job.h"
+#include "records/job.h"
 
 namespace corvinet::testing {
 

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "crystal/reflection.h"
+#include "records/reflection.h"
 #include "run/defaults.h"
 #include "test_support.h"
 

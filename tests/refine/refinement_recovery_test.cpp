@@ -6,15 +6,15 @@
 #include <string>
 
 #include <memory>
-#include "crystal/reflection.h"
+#include "format/fortran_format.h"
 #include "observations/poisson.h"
+#include "records/reflection.h"
 #include "refine/cycle_driver.h"
 #include "refine/cycle_work.h"
 #include "refine/order_reflections.h"
 #include "refine/parameter_families.h"
 #include "refine/point_calculation.h"
 #include "refine/reflection_calculation.h"
-#include "run/fortran_format.h"
 #include "test_support.h"
 
 namespace corvinet {

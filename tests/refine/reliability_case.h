@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "records/text_unit.h"
 #include "refine/order_reflections.h"
-#include "run/text_unit.h"
 #include "test_support.h"
 
 namespace corvinet::testing {

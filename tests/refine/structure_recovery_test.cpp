@@ -6,9 +6,9 @@
 #include <cmath>
 #include <string>
 
+#include "format/fortran_format.h"
 #include "observations/poisson.h"
 #include "refine/cycle_driver.h"
-#include "run/fortran_format.h"
 #include "test_support.h"
 
 namespace corvinet {

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "control/codeword.h"
+#include "records/codeword.h"
+#include "records/text_unit.h"
 #include "refine/bragg_factors.h"
 #include "refine/order_reflections.h"
 #include "refine/update_pass.h"
-#include "run/text_unit.h"
 #include "test_support.h"
 
 namespace corvinet::testing {

@@ -8,10 +8,10 @@
 #include <cmath>
 #include <string>
 
-#include "crystal/reflection.h"
+#include "format/fortran_format.h"
 #include "observations/poisson.h"
+#include "records/reflection.h"
 #include "refine/cycle_driver.h"
-#include "run/fortran_format.h"
 #include "test_support.h"
 
 namespace corvinet {

@@ -1,9 +1,9 @@
 // Tests of the line-printer table and plot written on the .out unit.
 #include <gtest/gtest.h>
 
+#include "io/file_set.h"
 #include "plot_case.h"
 #include "results/profile_files.h"
-#include "run/file_set.h"
 
 namespace corvinet::testing {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "crystal/reflection.h"
+#include "records/reflection.h"
 #include "results/profile_files.h"
 #include "test_support.h"
 

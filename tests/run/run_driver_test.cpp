@@ -1,4 +1,4 @@
-// Tests of the run driver's pieces: paths, numbered codes, dates, the continue dialogs and the
+// Tests of the run driver's pieces: paths, numbered codes, the continue dialogs and the
 // directory memory.
 #include "run/run_driver.h"
 
@@ -33,16 +33,6 @@ TEST(RunDriver, NumberedCodesHaveNoBlanksOrLeadingZeros) {
   EXPECT_EQ(NumberedCode("ser", 42), "ser42");
   EXPECT_EQ(NumberedCode("ser", 999), "ser999");
   EXPECT_EQ(NumberedCode("ser  ", 12345), "ser12345");
-}
-
-TEST(RunDriver, DateLineHasItsLayout) {
-  DateTimeStamp s = DateTime();
-  EXPECT_TRUE(std::regex_match(s.date, std::regex(R"(\d{8})")));
-  EXPECT_TRUE(std::regex_match(s.time, std::regex(R"(\d{6}\.\d{3})")));
-  EXPECT_TRUE(std::regex_match(
-      s.DateLine, std::regex(R"(    Date: \d\d/\d\d/\d{4}  Time: \d\d:\d\d:\d\d\.\d{3})")));
-  EXPECT_EQ(s.DateLine.substr(10, 2), s.date.substr(6, 2));
-  EXPECT_EQ(s.DateLine.substr(16, 4), s.date.substr(0, 4));
 }
 
 TEST(RunDriver, ContinueDialogsGiveSameOtherOrStop) {

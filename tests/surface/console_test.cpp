@@ -90,23 +90,25 @@ TEST(Console, ClearTextBlanksTheTrimmedLength) {
 
 TEST(Prompts, EmptyAnswerTakesThePresetAndEndOfInputAnswersNo) {
   CapturedJob job("\nn\ny\n");
-  EXPECT_TRUE(AskYesNo(*job, "T", "Q?", true));
-  EXPECT_FALSE(AskYesNo(*job, "T", "Q?", true));
-  EXPECT_TRUE(AskYesNo(*job, "T", "Q?", false));
-  EXPECT_FALSE(AskYesNo(*job, "T", "Q?", true));
+  EXPECT_TRUE(AskYesNo(job->console, "T", "Q?", true));
+  EXPECT_FALSE(AskYesNo(job->console, "T", "Q?", true));
+  EXPECT_TRUE(AskYesNo(job->console, "T", "Q?", false));
+  EXPECT_FALSE(AskYesNo(job->console, "T", "Q?", true));
   EXPECT_NE(job.Console().find("T: Q?"), std::string::npos);
 }
 
 TEST(Prompts, FileDialogTakesRelativeAnswersInsideTheStartDirectory) {
   CapturedJob job("abc.pcr\n/x/y.pcr\n\n");
-  EXPECT_EQ(FileOpenDialog(*job, "PCR files", "*.PCR", "Select input PCR file:", "/w/").value(),
-            "/w/abc.pcr");
-  EXPECT_EQ(FileOpenDialog(*job, "PCR files", "*.PCR", "Select input PCR file:", "/w/").value(),
-            "/x/y.pcr");
+  EXPECT_EQ(
+      FileOpenDialog(job->console, "PCR files", "*.PCR", "Select input PCR file:", "/w/").value(),
+      "/w/abc.pcr");
+  EXPECT_EQ(
+      FileOpenDialog(job->console, "PCR files", "*.PCR", "Select input PCR file:", "/w/").value(),
+      "/x/y.pcr");
   EXPECT_FALSE(
-      FileOpenDialog(*job, "PCR files", "*.PCR", "Select input PCR file:", "").has_value());
+      FileOpenDialog(job->console, "PCR files", "*.PCR", "Select input PCR file:", "").has_value());
   EXPECT_FALSE(
-      FileOpenDialog(*job, "PCR files", "*.PCR", "Select input PCR file:", "").has_value());
+      FileOpenDialog(job->console, "PCR files", "*.PCR", "Select input PCR file:", "").has_value());
   EXPECT_NE(job.Console().find("Select input PCR file: [PCR files: *.PCR] in /w/"),
             std::string::npos);
 }

@@ -1,0 +1,393 @@
+// Field-mask scanning of free-format lines: fields, their descriptors, and the report of bad
+// fields.
+#include "io/field_reader.h"
+
+#include <vector>
+
+#include "surface/console.h"
+
+namespace corvinet {
+
+namespace {
+
+constexpr std::size_t kLineLength = 132;
+constexpr std::size_t kFormatLength = 132;
+
+bool IsSign(char c) {
+  return c == '+' || c == '-';
+}
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+bool IsExponentLetter(char c) {
+  return c == 'E' || c == 'e' || c == 'D' || c == 'd';
+}
+
+// Reads records until one is neither a comment ("!" in column 1) nor blank.
+// Returns false at the end of the data unit.
+bool ReadQualifyingLine(Job& job, int unit, std::string& line, int& lineNumber, int& error) {
+  for (;;) {
+    RecordRead got = ReadRecord(job.files.units[unit], line, kLineLength);
+    if (got == RecordRead::End) {
+      error = FieldError::EndOfFile;
+      ConsoleLine(job, Fmt("(A,I3)", " => Not FATAL End of file !,  logical unit: ", unit));
+      if (unit == Unit::Data) return false;
+      throw ProcessStop{1};
+    }
+    if (got == RecordRead::Error) {
+      error = -1 - 100;
+      ReportFieldError(job, error, line, 0);
+      StopAtLine(job, lineNumber);
+    }
+    if (!line.empty() && line[0] != '!' && !TrimRight(line).empty()) return true;
+    ++lineNumber;
+  }
+}
+
+// Stops the run with the report of `error`.
+[[noreturn]] void Fail(Job& job, int error, std::string_view line, int position, int lineNumber) {
+  ReportFieldError(job, error, line, position);
+  StopAtLine(job, lineNumber);
+}
+
+}  // namespace
+
+void ToUpper(std::string& text) {
+  for (char& c : text) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  }
+}
+
+void ToLower(std::string& text) {
+  for (char& c : text) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+}
+
+int NextDescriptor(std::string_view mask, int& maskPos, int maskLen, int& error) {
+  if (maskPos >= maskLen) return 0;
+  char c = mask[static_cast<std::size_t>(maskPos)];
+  ++maskPos;
+  if (c == 'I' || c == 'i') return kDescriptorInteger;
+  if (c == 'F' || c == 'f') return kDescriptorReal;
+  if (c >= '1' && c <= '9') return c;
+  error = FieldError::BadMaskLetter;
+  return 0;
+}
+
+void ScanNumber(int kind, std::string& line, int lineLen, int& position, int& width, int& error) {
+  const int start = position;
+  width = 0;
+  bool signSeen = false;
+  bool dotSeen = false;
+  char c = ' ';
+  // Stage 1: find the first character of the number.
+  for (;;) {
+    if (position >= lineLen) return;
+    ++position;
+    ++width;
+    c = line[static_cast<std::size_t>(position - 1)];
+    if (c == ' ') {
+      if (signSeen) {
+        error = FieldError::IncompleteNumber;
+        return;
+      }
+      continue;
+    }
+    if (IsSign(c)) {
+      signSeen = true;
+      continue;
+    }
+    if (c == '\t') {
+      if (width == 1 && start >= 1) {
+        line[static_cast<std::size_t>(position - 1)] = ' ';
+        continue;
+      }
+      if (signSeen) {
+        error = FieldError::IncompleteNumber;
+        return;
+      }
+      --position;
+      --width;
+      return;
+    }
+    break;
+  }
+  // Stage 2: judge the first character.
+  if (start >= 2 && width == 1) {
+    error = FieldError::SeparatorMissing;
+    return;
+  }
+  if (c == '.') {
+    if (kind == kDescriptorInteger) {
+      error = FieldError::IntegerFoundReal;
+      return;
+    }
+    dotSeen = true;
+  } else if (IsExponentLetter(c)) {
+    error = kind == kDescriptorInteger ? FieldError::BadIntegerCharacter
+                                       : FieldError::IncompleteExponent;
+    return;
+  } else if (!IsDigit(c)) {
+    error = FieldError::BadNumericCharacter;
+    return;
+  }
+  // Stage 3: walk over the number.
+  const int firstWidth = width;
+  char previous = c;
+  for (;;) {
+    if (position >= lineLen) return;
+    ++position;
+    ++width;
+    c = line[static_cast<std::size_t>(position - 1)];
+    if (c == ' ' || c == '\t') {
+      if (IsSign(previous)) {
+        error = FieldError::IncompleteNumber;
+        return;
+      }
+      --position;
+      --width;
+      return;
+    }
+    if (c == '.') {
+      if (dotSeen) {
+        error = FieldError::BeggedDot;
+        return;
+      }
+      if (kind == kDescriptorInteger) {
+        error = FieldError::IntegerFoundReal;
+        return;
+      }
+      dotSeen = true;
+    } else if (IsSign(c)) {
+      if (IsSign(previous)) {
+        error = FieldError::BeggedDot;
+        return;
+      }
+      if (width > firstWidth && (kind == kDescriptorInteger || !IsExponentLetter(previous))) {
+        // A sign ends the field: "12-3" and "1.5-2.5" are two fields.
+        --position;
+        --width;
+        return;
+      }
+    } else if (IsExponentLetter(c)) {
+      if (kind == kDescriptorInteger) {
+        error = FieldError::BadIntegerCharacter;
+        return;
+      }
+      if (IsSign(previous)) {
+        error = FieldError::IncompleteExponent;
+        return;
+      }
+      if (previous == c) {
+        error = FieldError::BeggedDot;
+        return;
+      }
+    } else if (!IsDigit(c)) {
+      error = FieldError::BadNumericCharacter;
+      return;
+    }
+    previous = c;
+  }
+}
+
+void ScanText(int kind, std::string_view line, int lineLen, int& position, int& width, int& skip,
+              int& error) {
+  const int n = kind - '0';
+  width = 0;
+  skip = 0;
+  if (position >= lineLen) return;
+  if (position > 1) {
+    char c = line[static_cast<std::size_t>(position)];
+    if (c != ' ' && c != '\t') {
+      ++position;
+      error = FieldError::SeparatorMissing;
+      return;
+    }
+    ++position;
+    ++width;
+  }
+  while (position < lineLen && line[static_cast<std::size_t>(position)] == ' ') {
+    ++position;
+    ++width;
+  }
+  skip = width;
+  int taken = 0;
+  while (position < lineLen && taken < n) {
+    char c = line[static_cast<std::size_t>(position)];
+    if (c == ' ' || c == '\t') break;
+    ++position;
+    ++width;
+    ++taken;
+  }
+  if (taken == 0) error = FieldError::EmptyField;
+}
+
+void AppendDescriptor(int kind, int width, int skip, std::string& format, int& error) {
+  std::string item;
+  if (kind == kDescriptorInteger) {
+    item = "I" + std::to_string(width) + ",";
+  } else if (kind == kDescriptorReal) {
+    item = "F" + std::to_string(width) + ".0,";
+  } else {
+    if (skip > 0) item = std::to_string(skip) + "X,";
+    item += "A" + std::to_string(width - skip) + ",";
+  }
+  if (format.size() + item.size() > kFormatLength) {
+    error = FieldError::FormatTooLong;
+    return;
+  }
+  format += item;
+}
+
+std::string FieldErrorText(int error) {
+  switch (error) {
+    case -1:
+      return "FindFMT: End of file !";
+    case 0:
+      return "FindFMT: no error";
+    case 1:
+      return "FindFMT: empty format descriptor (0 field) !";
+    case 2:
+      return "FindFMT: data string, read error !";
+    case 3:
+      return "FindFMT: integer field found real !";
+    case 4:
+      return "FindFMT: begged dot, sign or \"e\" character !";
+    case 5:
+      return "FindFMT: invalid character in an integer field !";
+    case 6:
+      return "FindFMT: invalid field in format descriptor !";
+    case 7:
+      return "FindFMT: invalid character in a numeric field !";
+    case 8:
+      return "FindFMT: 0 character in current field !";
+    case 9:
+      return "FindFMT: format string length exceeded !";
+    case 10:
+      return "FindFMT: separator missing !";
+    case 11:
+      return "FindFMT: incomplete E or D format !";
+    case 12:
+      return "FindFMT: incomplete number !";
+    default:
+      break;
+  }
+  if (error < -1)
+    return Fmt("(A,I0)", "FindFMT: error reading the data line, error number:", -error - 100);
+  return Fmt("(A,I0)", "FMT decode error number:", error);
+}
+
+void ReportFieldError(Job& job, int error, std::string_view line, int position) {
+  if (error == 0 || error == -1) return;
+  ConsoleLine(job, FieldErrorText(error));
+  std::string_view text = TrimRight(line);
+  // The caret stands under column `position` of the line as shown.
+  if (text.size() <= 129) {
+    ConsoleLine(job, "\"" + std::string(text) + "\"");
+    if (position == 2) {
+      ConsoleLine(job, "  ^----");
+      ConsoleLine(job, "");
+    } else {
+      ConsoleLine(
+          job, " " + std::string(static_cast<std::size_t>(std::max(position - 1, 0)), '-') + "^");
+    }
+  } else {
+    ConsoleLine(job, text);
+    ConsoleLine(job, position <= 1
+                         ? std::string("^")
+                         : " " + std::string(static_cast<std::size_t>(position - 2), '-') + "^");
+  }
+}
+
+void StopAtLine(Job& job, int lineNumber) {
+  StopBox(job, Fmt("(A,I0,A)", " => Please check your input file at line: ", lineNumber, " !"));
+  throw ProcessStop{0};
+}
+
+void FindFMT(Job& job, int unit, std::string& line, std::string& mask, std::string& format,
+             int& position, int& lineNumber, int& error) {
+  position = 0;
+  error = 0;
+  int maskPos = 0;
+  format = "(";
+  std::string_view trimmedMask = Trim(mask);
+  if (trimmedMask.empty()) {
+    error = FieldError::EmptyMask;
+    Fail(job, error, line, position, lineNumber);
+  }
+  mask = std::string(trimmedMask);
+  ToUpper(mask);
+  if (unit > 0 && !ReadQualifyingLine(job, unit, line, lineNumber, error)) return;
+
+  const int lineLen = static_cast<int>(TrimRight(line).size());
+  const int maskLen = static_cast<int>(mask.size());
+  bool lineExhausted = false;
+  for (;;) {
+    int kind = NextDescriptor(mask, maskPos, maskLen, error);
+    if (error != 0) Fail(job, error, line, position, lineNumber);
+    if (kind == 0) break;
+    int width = 0;
+    int skip = 0;
+    if (kind > 0) {
+      ScanText(kind, line, lineLen, position, width, skip, error);
+      if (error == FieldError::EmptyField) return;
+    } else {
+      ScanNumber(kind, line, lineLen, position, width, error);
+      if (error == 0 && width == 0) {
+        error = FieldError::EmptyField;
+        return;
+      }
+    }
+    if (error != 0) Fail(job, error, line, position, lineNumber);
+    AppendDescriptor(kind, width, skip, format, error);
+    if (error != 0) Fail(job, error, line, position, lineNumber);
+    if (position >= lineLen) {
+      lineExhausted = true;
+      break;
+    }
+  }
+  if (lineExhausted) {
+    // Fields beyond the end of the line read as blanks: 0 or an empty text.
+    for (;;) {
+      int kind = NextDescriptor(mask, maskPos, maskLen, error);
+      if (error != 0) Fail(job, error, line, position, lineNumber);
+      if (kind == 0) break;
+      AppendDescriptor(kind, 1, 0, format, error);
+      if (error != 0) Fail(job, error, line, position, lineNumber);
+    }
+  }
+  if (format.back() == ',')
+    format.back() = ')';
+  else
+    format += ')';
+}
+
+int ReadMaskedLine(Job& job, int unit, std::string_view mask, int& lineNumber,
+                   std::initializer_list<ReadTarget> targets, std::string* lineOut) {
+  return ReadMaskedLineList(job, unit, mask, lineNumber,
+                            std::span<const ReadTarget>(targets.begin(), targets.size()), lineOut);
+}
+
+int ReadMaskedLineList(Job& job, int unit, std::string_view mask, int& lineNumber,
+                       std::span<const ReadTarget> targets, std::string* lineOut) {
+  std::string line;
+  std::string maskText(mask);
+  std::string format;
+  int position = 0;
+  int error = 0;
+  ++lineNumber;
+  FindFMT(job, unit, line, maskText, format, position, lineNumber, error);
+  if (lineOut != nullptr) *lineOut = line;
+  if (error == FieldError::EndOfFile) return error;
+  if (format.back() == ',') format.back() = ')';
+  if (format == "(") return error;
+  ReadStatus status = ReadFormattedLine(format, line, targets);
+  if (status == ReadStatus::BadValue) {
+    ReportFieldError(job, FieldError::ReadError, line, position);
+    StopAtLine(job, lineNumber);
+  }
+  return error;
+}
+
+}  // namespace corvinet

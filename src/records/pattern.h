@@ -1,0 +1,155 @@
+// Per-pattern record: flags and instrument values of the control file, and the per-point arrays.
+#pragma once
+
+#include <cstdlib>
+#include <string>
+
+#include "records/codeword.h"
+#include "records/dimension_limits.h"
+#include "records/reflection.h"
+#include "records/table1.h"
+
+namespace corvinet {
+
+// An additional scattering entry of a pattern: a species with its anomalous
+// terms, or a neutron scattering length, or a form factor by coefficients or
+// by a table of points.
+struct ScatteringEntry {
+  std::string NAM;        // species name, at most 4 characters
+  float Fprime = 0.0f;    // f', or the scattering length
+  float Fsecond = 0.0f;   // f''
+  int ITAB = 0;           // entry type
+  Table1<float, 9> coef;  // form-factor coefficients
+  int tablePoints = 0;    // points of a table, at most 59
+  Table1<float, 59> tableX;
+  Table1<float, 59> tableY;
+};
+
+struct Pattern {
+  float W_PAT = 1.0f;          // relative weight, normalised at reading
+  std::string DatCode;         // data-file stem
+  std::string ResolutionFile;  // resolution-file name
+  int JOBTYP = 0;              // job type (Job)
+  int NPROF = 6;               // profile function as stored: the typed number plus 1 (Npr)
+  int NBCKGD = 0;              // magnitude of the background code (Nba)
+  int backgroundSign = 1;      // sign of the typed background code
+  int noBackgroundPoints = 0;  // 1 for the background forms that read no points
+  int NEXCRG = 0;              // excluded regions (Nex)
+  int NSCAT = 0;               // scattering entries; negative: tables of points (Nsc)
+  int scatteringCount = 0;     // |NSCAT|
+  int NORI = 0;                // preferred orientation model (Nor)
+  int IWGT = 0;                // weighting (Iwg)
+  int ILOR = 0;                // geometry (Ilo)
+  int IASYM = 0;               // asymmetry model (Asym)
+  int IRESO = 0;               // resolution function (Res)
+  int ISTEP = 0;               // point reduction factor (Ste)
+  int IXUNIT = 0;              // abscissa unit (Uni)
+  int ICORR = 0;               // intensity corrections from file (Cor)
+  int IOT = 0;                 // print observed and calculated intensities (Ipr)
+  int IPL = 0;                 // plot and background file output (Ppl)
+  int IPC = 1;                 // integrated intensities output (Ioc)
+  int LST1 = 0, LST2 = 0, LST3 = 0;
+  int IPL2 = 1;                // .prf file (Prf)
+  int INSTR = 0;               // data-file format (Ins)
+  int JLKH = 0;                // reflection file (Hkl)
+  int JFOU = 0;                // Fourier file (Fou)
+  int IANALY = 0;              // final analysis (Ana)
+  int isXray = 0;              // 1 when JOBTYP is 0 or 2
+  float idumScale = 0.0f;      // 1.0 when IDUM is 3
+  int Iabscor = 2;             // absorption correction type of non-angle data
+  float Temperature = 293.0f;  // sample temperature
+  float Cnorm = 1.0f;          // count normalisation of the variances
+
+  // Instrument and range (instrument and cycle lines).
+  Table1<float, 2> LAMBDA;                        // the two wavelengths
+  Table1<float, 2> RATIO;                         // intensity of each wavelength; RATIO[1] is 1
+  bool separateUVW2 = false;                      // Ratio typed negative: own U,V,W for LAMBDA[2]
+  float Bkpos = 0.0f;                             // origin of the background polynomial
+  float Wdt = 0.0f;                               // peak range in half widths
+  float Cthm = 0.0f;                              // cos of the monochromator angle
+  float muR = 0.0f;                               // effective absorption
+  float AsyLim = 0.0f;                            // asymmetry applied below this angle
+  float Rpolarz = 0.0f;                           // polarisation
+  float THMIN = 0.0f, STEP = 0.0f, THMAX = 0.0f;  // range and step
+  float PSD = 0.0f;
+  float Sent0 = 0.0f;    // low-angle limit of the scale correction
+  int MORE = 0;          // microabsorption line follows
+  int equalStep = 1;     // 1 when the abscissa is equidistant
+  int stepKind = 0;      // 0 constant step, 1 interpolated at read, 2 listed points
+  float TSET = 0.0f;     // regulation temperature from the data header
+  float MONITOR = 0.0f;  // monitor from the data header
+  float Dtt1 = 0.0f, Dtt2 = 0.0f, TwoSinTh = 0.0f;  // TOF / energy conversion constants
+
+  // Global parameters with their typed codes and decoded codewords.
+  Table1<float, DimensionLimits::NGL> GLB;
+  Table1<float, DimensionLimits::NGL> GLBcode;
+  Table1<Codeword, DimensionLimits::NGL> GLBword;
+
+  // Background points and excluded regions.
+  Table1<float, DimensionLimits::IBACP + 1> BackPos;
+  Table1<float, DimensionLimits::IBACP + 1> BackInt;
+  Table1<float, DimensionLimits::IBACP + 1> BackIntCode;
+  Table1<float, DimensionLimits::IEXCL> ExclLow;
+  Table1<float, DimensionLimits::IEXCL> ExclHigh;
+  float FourierWindow = 0.0f;
+
+  // Additional scattering entries.
+  Table1<ScatteringEntry, DimensionLimits::N_SPE> scattering;
+  int scatteringTypeSum = 0;  // sum of ITAB over the entries
+
+  // Scales of the line-printer plot, read from the end lines.
+  int Iscale = 100;
+  int Idif = 100;
+
+  // Intensity-correction table of the .cor file.
+  int corrMode = 1;
+  int corrForm = 1;
+  int corrCount = 0;
+  Table1<float, DimensionLimits::NPRC> corrX;
+  Table1<float, DimensionLimits::NPRC> corrY;
+
+  // Per-point arrays.
+  int NPTS = 0;
+  Table1<float, DimensionLimits::IDSZ> X;
+  Table1<float, DimensionLimits::IDSZ> Ytotal;
+  Table1<float, DimensionLimits::IDSZ> Variance;
+  Table1<float, DimensionLimits::IDSZ> Backg;
+  Table1<float, DimensionLimits::IDSZ> Ycalc;
+  Table1<float, DimensionLimits::IDSZ> CountNorm;
+  Table1<int, DimensionLimits::IDSZ> OrderCode;
+
+  // Background model state.
+  int backReadCount = 0;                             // pairs read from the .bac file
+  Table1<float, DimensionLimits::IDSZ> backReadPos;  // positions of the .bac file
+  Table1<float, DimensionLimits::IDSZ> backRead;     // heights of the .bac file (BackRead)
+  Table1<Codeword, DimensionLimits::IBACP + 1> backPointWord;  // decoded BackIntCode
+  int backRefinedPoints = 0;                                   // point heights with a parameter
+  Table1<float, DimensionLimits::IBACP + 1> backSplineY2;      // spline second derivatives
+  // Row k: the change of each spline second derivative per unit change of height k.
+  Table2<float, DimensionLimits::IBACP + 1, DimensionLimits::IBACP + 1> backSplineGain;
+
+  // Reflections of all phases.
+  ReflectionTable reflections;
+};
+
+// Numerical peak shapes of the .shp file, shared by all patterns.
+struct NumericalProfile {
+  int shapePoints = 0;
+  int shapeCount = 0;
+  Table1<float, DimensionLimits::INPR> shapeAngle;
+  Table1<float, DimensionLimits::NPR> shapeX;
+  Table2<float, DimensionLimits::NPR, DimensionLimits::INPR> shapeY;
+  Table2<float, DimensionLimits::NPR, DimensionLimits::INPR> shapeDy;
+};
+
+// A neutron job type: |JOBTYP| 1 (refinement, -1 time of flight) or 3 (calculation).
+// Every other job type is an X-ray one.
+inline bool IsNeutronJob(int jobtyp) {
+  return std::abs(jobtyp) == 1 || std::abs(jobtyp) == 3;
+}
+
+inline bool IsNeutronPattern(const Pattern& p) {
+  return IsNeutronJob(p.JOBTYP);
+}
+
+}  // namespace corvinet

@@ -1,0 +1,236 @@
+// Tests of the names, units and open modes of the file set.
+#include "io/file_set.h"
+
+#include <gtest/gtest.h>
+
+#include "surface/console.h"
+#include "test_support.h"
+
+namespace corvinet {
+namespace {
+
+using testing::CapturedJob;
+using testing::ScratchDir;
+
+std::string NameOn(Job& job, int unit) {
+  return job.files.units[unit].name;
+}
+
+TEST(FileSet, SinglePatternNamesHaveNoSuffix) {
+  ScratchDir dir;
+  dir.Write("abc.pcr", "title\n");
+  CapturedJob job;
+  job->driver.PcrCode = "abc";
+  job->patterns[1].DatCode = "abc";
+  OpenFiles(*job, 1, 0, 0);
+  OpenFiles(*job, 2, 0, 0);
+  OpenFiles(*job, 11, 1, 0);
+  OpenFiles(*job, 12, 1, 0);
+  EXPECT_EQ(NameOn(*job, 1), "abc.pcr");
+  EXPECT_EQ(NameOn(*job, 7), "abc.out");
+  EXPECT_EQ(NameOn(*job, 8), "abc.sum");
+  EXPECT_EQ(NameOn(*job, 17), "abc.prf");
+  EXPECT_EQ(NameOn(*job, 12), "abc.bac");
+}
+
+TEST(FileSet, MultiPatternNamesCarryThePatternSuffix) {
+  ScratchDir dir;
+  CapturedJob job;
+  job->driver.PcrCode = "abc";
+  job->patterns[2].DatCode = "data2";
+  OpenFiles(*job, 1000, 1, 1);
+  OpenFiles(*job, 12, 2, 0);
+  OpenFiles(*job, 11, 2, 0);
+  EXPECT_EQ(NameOn(*job, 12), "data2_2.bac");
+  EXPECT_EQ(NameOn(*job, 17), "abc_2.prf");
+  EXPECT_EQ(PatternSuffix(*job, 12), "_12");
+  EXPECT_EQ(PatternSuffix(*job, 123), "_123");
+}
+
+TEST(FileSet, MultiPatternSwitchOutlivesTheRun) {
+  ScratchDir dir;
+  CapturedJob job;
+  job->driver.PcrCode = "abc";
+  OpenFiles(*job, 1000, 1, 1);
+  // A later single-pattern control file in the same process keeps the suffix.
+  OpenFiles(*job, 11, 1, 0);
+  EXPECT_EQ(NameOn(*job, 17), "abc_1.prf");
+}
+
+TEST(FileSet, PhaseZeroLeavesABlankInsideTheName) {
+  ScratchDir dir;
+  CapturedJob job;
+  job->driver.PcrCode = "abc";
+  OpenFiles(*job, 15, 1, 0);
+  OpenFiles(*job, 18, 1, 0);
+  OpenFiles(*job, 19, 1, 0);
+  OpenFiles(*job, 22, 1, 0);
+  OpenFiles(*job, 10, 1, 0);
+  EXPECT_EQ(NameOn(*job, 18), "abc .sch");
+  EXPECT_EQ(NameOn(*job, 22), "abc .atm");
+  EXPECT_EQ(NameOn(*job, 23), "abc .sub");
+  EXPECT_EQ(NameOn(*job, 26), "abc .int");
+  EXPECT_EQ(NameOn(*job, 16), "abc .hkl");
+  OpenFiles(*job, 18, 1, 3);
+  EXPECT_EQ(NameOn(*job, 22), "abc3.atm");
+}
+
+TEST(FileSet, PhaseDigitsComeFromTheirTable) {
+  EXPECT_EQ(PhaseDigit(0), ' ');
+  EXPECT_EQ(PhaseDigit(1), '1');
+  EXPECT_EQ(PhaseDigit(8), '8');
+}
+
+TEST(FileSet, DirectoryOfTheCodeIsKeptButSomeNamesAreLookedForHere) {
+  ScratchDir dir;
+  dir.Write("sub/x.pcr", "t\n");
+  dir.Write("global.shp", "shape\n");
+  dir.Write("cor.cor", "c\n");
+  dir.Write("hkl2.hkl", "h\n");
+  CapturedJob job;
+  job->driver.PcrCode = "sub/x";
+  job->patterns[1].DatCode = "sub/none";
+  OpenFiles(*job, 1, 0, 0);
+  OpenFiles(*job, 18, 1, 2);
+  OpenFiles(*job, 20, 1, 0);
+  OpenFiles(*job, 21, 1, 0);
+  OpenFiles(*job, 6, 1, 2);
+  EXPECT_EQ(NameOn(*job, 1), "sub/x.pcr");
+  EXPECT_EQ(NameOn(*job, 22), "sub/x2.atm");
+  EXPECT_EQ(NameOn(*job, 24), "global.shp");
+  EXPECT_EQ(NameOn(*job, 25), "cor.cor");
+  EXPECT_EQ(NameOn(*job, 15), "hkl2.hkl");
+  EXPECT_TRUE(job->files.hklFromFile);
+}
+
+TEST(FileSet, ReflectionFileTriesThreeNamesInOrder) {
+  ScratchDir dir;
+  dir.Write("abc1.hkl", "1\n");
+  dir.Write("dat.int", "2\n");
+  CapturedJob job;
+  job->driver.PcrCode = "abc";
+  job->patterns[1].DatCode = "dat";
+  OpenFiles(*job, 6, 1, 1);
+  EXPECT_EQ(NameOn(*job, 15), "abc1.hkl");
+  EXPECT_FALSE(job->files.hklFromFile);
+  OpenFiles(*job, 6, 1, 2);
+  EXPECT_EQ(NameOn(*job, 15), "dat.int");
+  EXPECT_TRUE(job->files.hklFromFile);
+  OpenFiles(*job, 10, 1, 2);
+  EXPECT_EQ(NameOn(*job, 16), "hkl2.hkl");
+}
+
+TEST(FileSet, MissingReflectionFilesStopWithTheThreeNames) {
+  ScratchDir dir;
+  CapturedJob job;
+  job->driver.PcrCode = "abc";
+  job->patterns[1].DatCode = "dat";
+  EXPECT_THROW(OpenFiles(*job, 6, 1, 1), ProcessStop);
+  EXPECT_NE(
+      job.Console().find(" => Error opening a (hkl)-file: abc1.hkl,dat.int,hkl1.hkl Unit: 15"),
+      std::string::npos);
+}
+
+TEST(FileSet, DataFileIsLookedForAsDatThenUxdThenAcq) {
+  ScratchDir dir;
+  dir.Write("d.uxd", "u\n");
+  dir.Write("d.acq", "a\n");
+  CapturedJob job;
+  job->patterns[1].DatCode = "d";
+  OpenFiles(*job, 5, 1, 0);
+  EXPECT_EQ(NameOn(*job, 4), "d.uxd");
+}
+
+TEST(FileSet, MissingDataFileStopsWithItsCode) {
+  ScratchDir dir;
+  CapturedJob job;
+  job->patterns[1].DatCode = "nothing";
+  EXPECT_THROW(OpenFiles(*job, 5, 1, 0), ProcessStop);
+  EXPECT_NE(job.Console().find(
+                " ==> Error opening file CODEFIL.DAT(UXD,ACQ) with CODEFIL=nothing Unit:  4"),
+            std::string::npos);
+}
+
+TEST(FileSet, MissingControlFileStopsWithItsName) {
+  ScratchDir dir;
+  CapturedJob job;
+  job->driver.PcrCode = "absent";
+  EXPECT_THROW(OpenFiles(*job, 1, 0, 0), ProcessStop);
+  EXPECT_NE(job.Console().find(" => Error opening file: absent.pcr Unit:  1"), std::string::npos);
+}
+
+TEST(FileSet, IllegalOptionStops) {
+  CapturedJob job;
+  EXPECT_THROW(OpenFiles(*job, 23, 1, 0), ProcessStop);
+  EXPECT_NE(job.Console().find(" => Illegal option nopf:    23"), std::string::npos);
+}
+
+TEST(FileSet, RpaAndSavAreAppendedWhenTheyExist) {
+  ScratchDir dir;
+  dir.Write("abc.rpa", "old rpa\n");
+  dir.Write("abc.sav", "old sav\n");
+  CapturedJob job;
+  job->driver.PcrCode = "abc";
+  OpenFiles(*job, 4, 0, 0);
+  OpenFiles(*job, 9, 0, 0);
+  WriteRecord(job->files.units[2], "new rpa");
+  WriteRecord(job->files.units[11], "new sav");
+  CloseUnit(job->files.units[2]);
+  CloseUnit(job->files.units[11]);
+  EXPECT_EQ(dir.Read("abc.rpa"), "old rpa\nnew rpa\n");
+  EXPECT_EQ(dir.Read("abc.sav"), "old sav\nnew sav\n");
+}
+
+TEST(FileSet, UnknownStatusOverwritesOnWriting) {
+  ScratchDir dir;
+  dir.Write("abc.out", "an old report that is longer\n");
+  CapturedJob job;
+  job->driver.PcrCode = "abc";
+  OpenFiles(*job, 2, 0, 0);
+  WriteRecord(job->files.units[7], "new");
+  CloseUnit(job->files.units[7]);
+  EXPECT_EQ(dir.Read("abc.out"), "new\n");
+}
+
+TEST(FileSet, OtherNamesOfTheTable) {
+  ScratchDir dir;
+  dir.Write("abc.shp", "s\n");
+  dir.Write("abc_1.cor", "c\n");
+  dir.Write("res.irf", "r\n");
+  CapturedJob job;
+  job->driver.PcrCode = "abc";
+  job->patterns[1].ResolutionFile = "res.irf";
+  OpenFiles(*job, 1000, 1, 1);
+  OpenFiles(*job, 3, 0, 0);
+  OpenFiles(*job, 7, 1, 0);
+  OpenFiles(*job, 8, 1, 0);
+  OpenFiles(*job, 13, 1, 0);
+  OpenFiles(*job, 14, 0, 0);
+  OpenFiles(*job, 16, 0, 0);
+  OpenFiles(*job, 17, 0, 0);
+  EXPECT_EQ(NameOn(*job, 3), "abc.sym");
+  EXPECT_EQ(NameOn(*job, 9), "abc_1.fou");
+  EXPECT_EQ(NameOn(*job, 10), "abc_1.hkl");
+  EXPECT_EQ(NameOn(*job, 13), "res.irf");
+  EXPECT_EQ(NameOn(*job, 14), "abc.sim");
+  EXPECT_EQ(NameOn(*job, 19), "abc.new");
+  EXPECT_EQ(NameOn(*job, 21), "abc.ins");
+  OpenFiles(*job, 17, 1, 0);
+  EXPECT_EQ(NameOn(*job, 21), "abc.inp");
+  OpenFiles(*job, 20, 1, 0);
+  OpenFiles(*job, 21, 1, 0);
+  EXPECT_EQ(NameOn(*job, 24), "abc.shp");
+  EXPECT_EQ(NameOn(*job, 25), "abc_1.cor");
+  OpenFiles(*job, 22, 2, 1);
+  EXPECT_EQ(NameOn(*job, 26), "abc1_2.int");
+}
+
+TEST(FileSet, StartingCodeIsRecognisedByItsLastEightCharacters) {
+  EXPECT_TRUE(IsStartingCode("starting"));
+  EXPECT_TRUE(IsStartingCode("../starting  "));
+  EXPECT_FALSE(IsStartingCode("start"));
+  EXPECT_FALSE(IsStartingCode("startingx"));
+}
+
+}  // namespace
+}  // namespace corvinet
