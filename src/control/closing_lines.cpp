@@ -11,7 +11,7 @@ namespace corvinet {
 
 void ReadHardLimits(Job& job) {
   ParameterLimits& limits = job.limits;
-  for (int n = 1; n <= std::min(job.run.MAXS, DimensionLimits::MSZ); ++n) {
+  for (int n = 1; n <= FittedCount(job); ++n) {
     limits.low[n] = limits.high[n] = 0.0f;
     limits.limited[n] = 0;
   }

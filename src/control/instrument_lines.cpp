@@ -66,7 +66,7 @@ void ReadCycleLines(Job& job) {
     }
   }
   bool calculated = false;
-  for (int ip = 1; ip <= r.NPATT; ++ip) calculated |= std::abs(job.patterns[ip].JOBTYP) > 1;
+  for (int ip = 1; ip <= r.NPATT; ++ip) calculated |= IsCalculatedPattern(job.patterns[ip]);
   if (r.ICRYG == 2 || calculated) r.NCY = 1;
 }
 

@@ -25,7 +25,7 @@ namespace {
 
 bool AnyCalculatedPattern(const Job& job) {
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
-    if (std::abs(job.patterns[ip].JOBTYP) > 1) return true;
+    if (IsCalculatedPattern(job.patterns[ip])) return true;
   }
   return false;
 }
@@ -89,7 +89,7 @@ void BuildCalculatedAbscissa(Job& job, Pattern& p) {
 void ReadPatternBody(Job& job, int ip) {
   Pattern& p = job.patterns[ip];
   ReadGlobalParameters(job, ip);
-  if (std::abs(p.JOBTYP) <= 1) {
+  if (!IsCalculatedPattern(p)) {
     ReadObservedData(job, ip);
   } else {
     BuildCalculatedAbscissa(job, p);

@@ -44,10 +44,14 @@ struct RunData {
   ParameterLimits limits;
   RefinementState refinement;
   ReliabilityState reliability;
-  int LINE = 0;             // line counter of the control file
-  float globalChi2 = 0.0f;  // chi-square of the whole run
-  RandomSource random;      // the run's random source
+  int LINE = 0;         // line counter of the control file
+  RandomSource random;  // the run's random source
 };
+
+// The number of refined parameters the equations hold: MAXS, at most MSZ.
+inline int FittedCount(const RunData& data) {
+  return data.run.MAXS < DimensionLimits::MSZ ? data.run.MAXS : DimensionLimits::MSZ;
+}
 
 // The run's data is reachable directly (job.run, job.patterns[ip]); the driver,
 // console and file-set state (its Channels) outlive the runs of a process.

@@ -152,4 +152,9 @@ inline bool IsNeutronPattern(const Pattern& p) {
   return IsNeutronJob(p.JOBTYP);
 }
 
+// A pattern that is calculated, not refined: |JOBTYP| 2 (X-rays) or 3 (neutrons).
+inline bool IsCalculatedPattern(const Pattern& p) {
+  return std::abs(p.JOBTYP) > 1;
+}
+
 }  // namespace corvinet

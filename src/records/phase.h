@@ -79,10 +79,16 @@ struct Phase {
   Table1<std::string, DimensionLimits::MPAR> FurtherName;
 };
 
-// A phase whose atoms carry moments: |Jbt| 1, 5 or 10.
+// A phase of magnetic kind alone (|Jbt| 1 or 5): one Bragg factor, and no
+// weight in the phase fractions.
+inline bool IsMagneticKind(int jbt) {
+  return std::abs(jbt) == 1 || std::abs(jbt) == 5;
+}
+
+// A phase whose atoms carry moments: the magnetic kinds and the nuclear and
+// magnetic phase, |Jbt| 10.
 inline bool IsMagneticPhase(const Phase& phase) {
-  const int kind = std::abs(phase.Jbt);
-  return kind == 1 || kind == 5 || kind == 10;
+  return IsMagneticKind(phase.Jbt) || std::abs(phase.Jbt) == 10;
 }
 
 struct AtomSite {

@@ -36,10 +36,6 @@ void BraggFactorsOfPattern(Job& job, int ip, bool writeOut, const BraggProfile& 
 
 }  // namespace
 
-bool IsMagneticKind(int jbt) {
-  return std::abs(jbt) == 1 || std::abs(jbt) == 5;
-}
-
 std::vector<std::string> BraggFactorLines(int phase, int jbt, float rb, float rf) {
   if (IsMagneticKind(jbt)) {
     return {Fmt("(A,I3)", " => Phase:", phase), Fmt("(A,G9.3)", " => Magnetic R-factor:", rb)};

@@ -29,6 +29,10 @@ struct BraggProfile {
   // asymmetry factor (Omega from the five-point average when IASYM is 1),
   // without scale, LpM, Corr and F2; 0 when (X[i]-xk)^2/H^2 > Wdt^2.
   std::function<float(int ip, int k, int i)> peak;
+  // Optional: the calculated Bragg intensity of point i of pattern ip, the
+  // divisor of the partition. When empty, Ycalc of the pattern, which holds
+  // just the Bragg part while the cycles run.
+  std::function<float(int ip, int i)> braggCalc;
   // Optional: the Bragg factors of a phase whose Irf is 4 or -4, which come
   // from the integrated-intensity evaluation (mode 0). May be empty.
   std::function<void(int ip, int phase)> integratedIntensities;
@@ -72,10 +76,6 @@ PhaseBraggSums SumPhaseShares(const Job& job, int ip, int phase, const BraggProf
 // The partition of the phase with, for a phase with |Jbt| 2, the extraction
 // of each F2.
 PhaseBraggSums PartitionPhase(Job& job, int ip, int phase, const BraggProfile& profile);
-
-// Phases of magnetic kind (|Jbt| 1 or 5): one Bragg factor, and no weight in
-// the phase fractions.
-bool IsMagneticKind(int jbt);
 
 // 100*sumAbs/sumObs, with the divisor 1.0 unless the sum is at least 1.0.
 float BraggRatio(float sumAbs, float sumObs);

@@ -62,7 +62,8 @@ ReflectionShare PartitionReflection(const Job& job, int ip, int k, const BraggPr
     const float delta = PointInterval(p, i);
     icalc += delta * omega;
     // A weak calculated intensity is not allowed to magnify the observed one.
-    const float y = p.Ycalc[i] <= 1.0f ? 1.0f : p.Ycalc[i];
+    const float calculated = profile.braggCalc ? profile.braggCalc(ip, i) : p.Ycalc[i];
+    const float y = calculated <= 1.0f ? 1.0f : calculated;
     iobs += (p.Ytotal[i] - BackgroundAt(p, i)) / y * delta * omega;
   }
   if (iobs < 0.0f) iobs = kSmallestIobs;

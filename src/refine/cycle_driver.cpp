@@ -69,7 +69,7 @@ void ShowCycleHead(Job& job, int cycle) {
 
 void ClearEquations(Job& job) {
   NormalMatrix& n = job.refinement.normal;
-  const int fitted = std::min(job.run.MAXS, DimensionLimits::MSZ);
+  const int fitted = FittedCount(job);
   for (int i = 1; i <= fitted; ++i) {
     n.B[i] = 0.0f;
     for (int j = 1; j <= fitted; ++j) n.A(i, j) = 0.0f;
@@ -147,12 +147,6 @@ void FinalPass(Job& job, int cycle, const BraggProfile& profile) {
 }
 
 void EndingSteps(Job& job) {
-  if (job.run.ICRYG == 0) {
-    for (int ip = 1; ip <= job.run.NPATT; ++ip) {
-      Pattern& p = job.patterns[ip];
-      for (int i = 1; i <= p.NPTS; ++i) p.CountNorm[i] = static_cast<float>(p.OrderCode[i]);
-    }
-  }
   ConsoleLine(job, " Normal end, final calculations and writing...");
 }
 
@@ -161,8 +155,7 @@ void EndingSteps(Job& job) {
 void StopOnStructureFactorsNotCalculated(Job& job) {
   for (int k = 1; k <= job.run.NPHASE; ++k) {
     const int Jbt = job.phases[k].Jbt;
-    const int magnitude = std::abs(Jbt);
-    if (magnitude == 1 || magnitude == 5 || magnitude == 10 || Jbt == 4) {
+    if (IsMagneticPhase(job.phases[k]) || Jbt == 4) {
       ConsoleLine(job, Fmt("(A,I2,A,I4)", " => Phase:", k, " has Jbt =", Jbt));
       StopBox(job, " Magnetic and rigid-body structure factors are not available in this version ");
     }
@@ -207,7 +200,7 @@ void RunCycles(Job& job, int& stopFlag) {
 void RunCycles(Job& job, int& stopFlag, CycleWork& work) {
   StopOnStructureFactorsNotCalculated(job);
   RefinementState& s = job.refinement;
-  const int fitted = std::min(job.run.MAXS, DimensionLimits::MSZ);
+  const int fitted = FittedCount(job);
   stopFlag = 0;
   s.EndMarker = 0;
   s.PreviousChi2 = 1.0e38f;
@@ -220,7 +213,7 @@ void RunCycles(Job& job, int& stopFlag, CycleWork& work) {
     ShowCycleHead(job, cycle);
     ClearEquations(job);
     CalculatePatterns(job, work, cycle);
-    if (std::abs(job.patterns[1].JOBTYP) > 1) break;
+    if (IsCalculatedPattern(job.patterns[1])) break;
     ConsoleLine(job, " Solving L.S. equations...");
     s.GlobalChi2 = 0.0f;
     s.globalResidualSum = 0.0f;

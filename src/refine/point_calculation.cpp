@@ -125,8 +125,8 @@ float PeakValueAt(const Job& job, const RingEntry& entry, int ip, float x) {
 void CalculatePoint(Job& job, CycleWork& work, int ip, int i) {
   Pattern& p = job.patterns[ip];
   RefinementState& state = job.refinement;
-  const int fitted = std::min(job.run.MAXS, DimensionLimits::MSZ);
-  const bool refine = std::abs(p.JOBTYP) < 2;
+  const int fitted = FittedCount(job);
+  const bool refine = !IsCalculatedPattern(p);
   float* derivative = state.PointDerivative.ptr();
   if (refine) {
     for (int L = 0; L < fitted; ++L) derivative[L] = 0.0f;

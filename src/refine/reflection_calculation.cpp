@@ -261,7 +261,7 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   Pattern& p = job.patterns[ip];
   Reflection& r = p.reflections.slot[k];
   RingEntry& entry = work.ring[RingSlot(k)];
-  const int fitted = std::min(job.run.MAXS, DimensionLimits::MSZ);
+  const int fitted = FittedCount(job);
   float* row = &job.refinement.DerivativeRing(RingSlot(k), 1);
   for (int L = 0; L < fitted; ++L) row[L] = 0.0f;
   entry.active = false;

@@ -182,7 +182,7 @@ ProfileFileContext ContextOf(const Job& job, const PlotExtremes& extremes) {
 void WritePatternPlots(Job& job, int ip, const PlotExtremes& extremes) {
   const Pattern& p = job.patterns[ip];
   WriteProfileFile(job, ip, ContextOf(job, extremes));
-  if (p.IANALY != 0 && FittedCount(job) != 0 && std::abs(p.JOBTYP) < 2) {
+  if (p.IANALY != 0 && FittedCount(job) != 0 && !IsCalculatedPattern(p)) {
     NotWrittenLine(job, "the refinement analysis");
   }
   if (p.IOT == 1) WriteLinePrinterTable(job, ip);
@@ -203,29 +203,23 @@ void WritePatternPlots(Job& job, int ip, const PlotExtremes& extremes) {
   }
 }
 
-// The partition divides by the Bragg part of Ycalc, as in the cycles: while
-// the phase blocks are written the background is taken out again, and the
-// totals are put back afterwards exactly as they were.
-struct BraggPartOfYcalc {
-  Pattern& p;
-  std::vector<float> totals;
-  explicit BraggPartOfYcalc(Pattern& pattern) : p(pattern) {
-    totals.assign(&p.Ycalc[1], &p.Ycalc[1] + p.NPTS);
-    for (int i = 1; i <= p.NPTS; ++i) p.Ycalc[i] -= BackgroundAt(p, i);
-  }
-  ~BraggPartOfYcalc() { std::copy(totals.begin(), totals.end(), &p.Ycalc[1]); }
-};
+// The partition divides by the Bragg part of the calculated pattern, as in
+// the cycles; by now Ycalc carries the background of the plots, so the phase
+// blocks see Ycalc less the background, point by point, and Ycalc stays as it is.
+BraggProfile WithBraggPartOfYcalc(const BraggProfile& profile, const Pattern& p) {
+  BraggProfile view = profile;
+  view.braggCalc = [&p](int, int i) { return p.Ycalc[i] - BackgroundAt(p, i); };
+  return view;
+}
 
 // Everything the report writes for pattern ip.
 void ReportPattern(Job& job, int ip, const PlotExtremes& extremes, const BraggProfile& profile) {
   const PhaseFractions fractions = ComputePhaseFractions(job, ip);
   WritePatternExports(job, ip);
-  {
-    const BraggPartOfYcalc braggPart(job.patterns[ip]);
-    for (int f = 1; f <= job.run.NPHASE; ++f) {
-      if (job.phases[f].pat[ip].Contribution == 0) continue;
-      ReportPhase(job, ip, f, fractions, profile);
-    }
+  const BraggProfile braggPart = WithBraggPartOfYcalc(profile, job.patterns[ip]);
+  for (int f = 1; f <= job.run.NPHASE; ++f) {
+    if (job.phases[f].pat[ip].Contribution == 0) continue;
+    ReportPhase(job, ip, f, fractions, braggPart);
   }
   CloseUnit(job.files.units[Unit::HklOut]);
   WriteSimulatedPattern(job, ip);
@@ -234,10 +228,6 @@ void ReportPattern(Job& job, int ip, const PlotExtremes& extremes, const BraggPr
 }
 
 }  // namespace
-
-int FittedCount(const Job& job) {
-  return std::min(job.run.MAXS, DimensionLimits::MSZ);
-}
 
 void NotWrittenLine(Job& job, const std::string& what) {
   WriteLine(job, Unit::Out, " => This version of Corvinet does not write " + what);

@@ -22,7 +22,6 @@ void FinalReport(Job& job, CycleWork& work);
 void FinalReport(Job& job);
 
 // Number of refined parameters, as many as the normal matrix holds.
-int FittedCount(const Job& job);
 
 // --- Correlation matrix ---
 

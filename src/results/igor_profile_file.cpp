@@ -142,7 +142,7 @@ void WriteTextBox(Job& job, const ProfileFileContext& c, bool refinement) {
   box += refinement ? "\\rDate of fit: \\Z09 / " : "\\rPattern calculation: \\Z09 / ";
   box += c.date + "/ " + c.time + TitleText(job);
   if (refinement) {
-    box += "\\rChi2 = " + TrimmedCopy(Fmt("(F12.2)", job.globalChi2));
+    box += "\\rChi2 = " + TrimmedCopy(Fmt("(F12.2)", job.refinement.GlobalChi2));
   } else if (c.poissonNoise) {
     box += "\\Z12\\rRandomized with Poisson noise\\r";
   }
@@ -163,7 +163,7 @@ void WriteClosingCommands(Job& job, bool timeOfFlight, const ProfileFileContext&
 
 void WriteIgorProfileFile(Job& job, int ip, const ProfileFileContext& context) {
   const Pattern& p = job.patterns[ip];
-  const bool refinement = std::abs(p.JOBTYP) <= 1;
+  const bool refinement = !IsCalculatedPattern(p);
   const bool timeOfFlight = p.JOBTYP < 0;
   const char* axis = timeOfFlight ? "TOF" : "TwoTheta";
   const IgorScale s = ScaleOf(job, p, refinement);

@@ -15,7 +15,7 @@ namespace corvinet {
 PlotExtremes AddBackgroundForPlots(Job& job, int ip) {
   Pattern& p = job.patterns[ip];
   PlotExtremes e;
-  const bool calculationOnly = std::abs(p.JOBTYP) > 1;
+  const bool calculationOnly = IsCalculatedPattern(p);
   for (int i = 1; i <= p.NPTS; ++i) {
     const float background = BackgroundAt(p, i);
     p.Ycalc[i] += background;

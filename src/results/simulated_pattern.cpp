@@ -19,7 +19,7 @@ int RoundedCount(float y) {
 
 void WriteSimulatedPattern(Job& job, int ip) {
   Pattern& p = job.patterns[ip];
-  if (job.run.IDUM == 0 || std::abs(p.JOBTYP) <= 1) return;
+  if (job.run.IDUM == 0 || !IsCalculatedPattern(p)) return;
   OpenFiles(job, 14, ip, 0);
   // A negative IDUM asks for counts drawn around the calculated pattern.
   if (job.run.IDUM < 0) {

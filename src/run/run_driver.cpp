@@ -351,8 +351,8 @@ void RunCyclic(Job& job) {
     if (!FileExists(d.DatCode + ".dat")) continue;
     RunOneJob(job);
     job.console.ConsoleUnit = Unit::Console;
-    ConsoleLine(
-        job, Fmt("(A,A,A,F12.4,A)", " ##### ", d.DatCode, ": Chi2 = ", job.globalChi2, "  #####"));
+    ConsoleLine(job, Fmt("(A,A,A,F12.4,A)", " ##### ", d.DatCode,
+                         ": Chi2 = ", job.refinement.GlobalChi2, "  #####"));
     job.console.ConsoleUnit = Unit::CyclicLog;
     // The run's report and summary are removed so that they do not pile up.
     std::error_code ignored;

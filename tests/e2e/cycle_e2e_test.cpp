@@ -73,5 +73,65 @@ TEST(CycleEndToEnd, DivergenceTestEndsProfileMatchingWithAConvergedPass) {
   ExpectCycleReports("stop");
 }
 
+// The number that follows `word` in `line`.
+double NumberAfter(const std::string& line, const std::string& word) {
+  const std::size_t at = line.find(word);
+  EXPECT_NE(at, std::string::npos) << line;
+  return at == std::string::npos ? 0.0 : std::stod(line.substr(at + word.size()));
+}
+
+// The global chi-square of the one cycle of cycle1, as the independent
+// recalculation of tests/data/cycle checks it in cycle1.sum.results.
+constexpr double kCycle1GlobalChi2 = 9.665;
+
+// The text box of the IGOR profile file (Prf 2) closes with the run's chi-square.
+TEST(CycleEndToEnd, IgorProfileBoxShowsTheChiSquareOfTheRun) {
+  ScratchDir dir;
+  std::string pcr = TestData("cycle/cycle1.pcr");
+  const std::string flags = "   0   0   0   0   0   0   0   0   0   0   0   0   0   0   0   0   0";
+  const std::size_t at = pcr.find(flags, pcr.find("!Ipr Ppl"));
+  ASSERT_NE(at, std::string::npos);
+  pcr.replace(at, flags.size(),
+              "   0   0   0   0   0   0   0   0   0   2   0   0   0   0   0   0   0");
+  dir.Write("cycle1.pcr", pcr);
+  dir.Write("cycle1.dat", TestData("cycle/cycle.dat"));
+  ASSERT_EQ(testing::RunBinary(dir.path, "cycle1").exitCode, 0);
+  std::string box;
+  for (const std::string& line : SplitLines(dir.Read("cycle1.prf"))) {
+    if (line.rfind("X TextBox", 0) == 0) box = line;
+  }
+  ASSERT_NE(box.find("\\rChi2 = "), std::string::npos) << box;
+  EXPECT_NEAR(NumberAfter(box, "\\rChi2 = "), kCycle1GlobalChi2, 0.0051) << box;
+}
+
+// Each round of the cyclic mode writes the chi-square of its run: the first
+// round runs cycle1 as it is; the second starts from the control file the
+// first one rewrote, and shows the chi-square that its own cycle reported on
+// the log.
+TEST(CycleEndToEnd, CyclicLogShowsTheChiSquareOfEachRound) {
+  ScratchDir dir;
+  dir.Write("job.pcr", TestData("cycle/cycle1.pcr"));
+  dir.Write("ser1.dat", TestData("cycle/cycle.dat"));
+  dir.Write("ser2.dat", TestData("cycle/cycle.dat"));
+  const auto run = testing::RunBinary(dir.path, "cyc", "job\nser\n1\n2\n");
+  EXPECT_EQ(run.exitCode, 0);
+  std::vector<std::string> rounds;
+  for (const std::string& line : SplitLines(run.output)) {
+    if (line.rfind(" ##### ", 0) == 0) rounds.push_back(line);
+  }
+  ASSERT_EQ(rounds.size(), 2u) << run.output;
+  EXPECT_EQ(rounds[0].substr(0, 24), " ##### ser1: Chi2 =     ");
+  EXPECT_NEAR(NumberAfter(rounds[0], "Chi2 ="), kCycle1GlobalChi2, 0.0006) << rounds[0];
+  std::vector<double> reported;
+  for (const std::string& line : SplitLines(dir.Read("job.log"))) {
+    const std::string word = " => Global user-weigthed Chi2 (Bragg contrib.):";
+    if (line.rfind(word, 0) == 0) reported.push_back(NumberAfter(line, word));
+  }
+  ASSERT_EQ(reported.size(), 2u);
+  EXPECT_NEAR(reported[0], kCycle1GlobalChi2, 0.0006);
+  EXPECT_NE(reported[1], reported[0]);
+  EXPECT_NEAR(NumberAfter(rounds[1], "Chi2 ="), reported[1], 0.0006) << rounds[1];
+}
+
 }  // namespace
 }  // namespace corvinet

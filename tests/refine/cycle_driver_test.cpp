@@ -65,6 +65,21 @@ TEST(CycleDriver, NoCycleGoesStraightToTheNormalEnd) {
   EXPECT_EQ(run.Count(" Normal end, final calculations and writing..."), 1);
 }
 
+// The ordering code of the points has its own table: a run leaves the counter
+// normalisation of the data as it was read.
+TEST(CycleDriver, CountNormIsUnchangedByARun) {
+  CycleRun run(2, 2);
+  ASSERT_TRUE(run.finished) << run.job.Console();
+  const Pattern& p = run.job->patterns[1];
+  ASSERT_EQ(p.NPTS, 2001);
+  int pointsWithReflections = 0;
+  for (int i = 1; i <= p.NPTS; ++i) {
+    EXPECT_EQ(p.CountNorm[i], 1.0f) << "point " << i;
+    if (p.OrderCode[i] != 0 && p.OrderCode[i] != 1) ++pointsWithReflections;
+  }
+  EXPECT_GT(pointsWithReflections, 0);
+}
+
 TEST(CycleDriver, NoRefinedParameterInProfileMatchingRunsEveryCycle) {
   // Fixed-scale matching sets IDUM to 1 and switches the test off.
   CycleRun run(3, 0);

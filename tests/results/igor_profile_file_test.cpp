@@ -21,7 +21,7 @@ TEST(IgorProfileFile, RefinementFileHoldsWavesTicksRegionsAndCommands) {
   ScratchDir dir;
   CapturedJob job;
   FillPlotCase(*job);
-  job->globalChi2 = 1.5f;
+  job->refinement.GlobalChi2 = 1.5f;
   WriteIgorProfileFile(*job, 1, Context());
   // Inside the limits: Dmax = 300 - 280 = 20, Imax = 300. TickHeight = 10,
   // TickGap = 2, DiffShift = -(12 + 20) = -32, ExclTop = -10.
