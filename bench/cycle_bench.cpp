@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-#include "control/run_block.h"
+#include "control/control_reading.h"
 #include "format/fortran_format.h"
 #include "io/file_set.h"
 #include "records/reflection.h"

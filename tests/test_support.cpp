@@ -1,7 +1,7 @@
 // Test helpers: scratch directories, captured consoles, runs of the program, normalised reports.
 #include "test_support.h"
 
-#include "control/run_block.h"
+#include "control/control_reading.h"
 #include "io/file_set.h"
 #include "run/defaults.h"
 #include "surface/console.h"

@@ -1,9 +1,10 @@
 // Checks that close the reading of the control file: parameter holes, zero counts, capacity,
 // corrections.
+#include "control/body_checks.h"
+
 #include <cmath>
 #include <vector>
 
-#include "control/pattern_block.h"
 #include "format/fortran_format.h"
 #include "surface/console.h"
 

@@ -1,7 +1,8 @@
 // Closing lines of the control file: hard limits, the Monte Carlo line and the end lines.
+#include "control/closing_lines.h"
+
 #include <algorithm>
 
-#include "control/pattern_block.h"
 #include "control/run_block.h"
 #include "format/fortran_format.h"
 #include "io/field_reader.h"

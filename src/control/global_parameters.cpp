@@ -1,8 +1,9 @@
 // Global-parameter lines of a pattern: zero, shifts, wavelength, microabsorption and background
 // coefficients.
+#include "control/global_parameters.h"
+
 #include <cmath>
 
-#include "control/pattern_block.h"
 #include "format/fortran_format.h"
 #include "io/field_reader.h"
 #include "surface/console.h"

@@ -1,7 +1,10 @@
 // Instrument lines, cycle lines, background points and excluded regions of each pattern.
+#include "control/instrument_lines.h"
+
 #include <cmath>
 
-#include "control/pattern_block.h"
+#include "control/global_parameters.h"
+#include "control/scattering_entries.h"
 #include "format/fortran_format.h"
 #include "io/field_reader.h"
 #include "surface/console.h"
@@ -148,7 +151,6 @@ void ReadInstrumentLines(Job& job) {
   for (int ip = 1; ip <= r.NPATT; ++ip) {
     if (job.patterns[ip].NSCAT != 0) ReadScatteringEntries(job, ip);
   }
-  ReadBody(job);
 }
 
 }  // namespace corvinet

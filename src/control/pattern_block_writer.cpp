@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "control/control_writer.h"
-#include "control/pattern_block.h"
+#include "control/global_parameters.h"
 #include "format/fortran_format.h"
 #include "format/text.h"
 

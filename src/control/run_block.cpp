@@ -5,13 +5,10 @@
 #include <cstdlib>
 #include <vector>
 
-#include "control/pattern_block.h"
 #include "control/run_messages.h"
 #include "format/fortran_format.h"
 #include "io/field_reader.h"
-#include "io/file_set.h"
 #include "surface/console.h"
-#include "surface/prompts.h"
 
 namespace corvinet {
 
@@ -53,7 +50,7 @@ void ReadFromColumnSix(Job& job, const std::string& record, std::span<const Read
 }
 
 // Decides the form of the head. In the multi-pattern form reads NPATT and the weights.
-void ReadForm(Job& job) {
+void ReadForm(Job& job, const HeadSteps& steps) {
   RunOptions& r = job.run;
   std::string record;
   do {
@@ -64,11 +61,7 @@ void ReadForm(Job& job) {
     --job.LINE;
     Backspace(job.files.units[Unit::Control]);
     if (Trim(job.driver.DatCode).empty()) {
-      ConsoleLine(job, "  ==> Give the name of data file (yy for yy.dat)  ");
-      ConsoleLine(job, "                             (yy.uxd, or yy.acq)  ");
-      ConsoleLine(job, "                       (<cr> =" + job.driver.PcrCode + "): ");
-      auto answer = ReadConsoleAnswer(job.console);
-      job.driver.DatCode = answer ? TrimmedCopy(*answer) : std::string();
+      job.driver.DatCode = steps.askDataCode(job);
       if (job.driver.DatCode.empty()) job.driver.DatCode = job.driver.PcrCode;
     }
     job.patterns[1].DatCode = job.driver.DatCode;
@@ -90,7 +83,7 @@ void ReadForm(Job& job) {
   for (int ip = 1; ip <= r.NPATT; ++ip) targets.emplace_back(&job.patterns[ip].W_PAT);
   ++job.LINE;
   ReadFromColumnSix(job, weights, targets);
-  OpenFiles(job, 1000, 1, 1);
+  steps.multiPatternNames(job);
 }
 
 void NormaliseWeights(Job& job) {
@@ -180,19 +173,10 @@ std::string ReadResolutionName(Job& job) {
 }
 
 // The side files, the limits and the stored profile number of one pattern.
-void PreparePattern(Job& job, int ip) {
+void PreparePattern(Job& job, int ip, const HeadSteps& steps) {
   Pattern& p = job.patterns[ip];
   if (p.NPROF == 10) p.NPROF = 9;
-  if (p.NPROF == 8) {
-    OpenFiles(job, 20, ip, 0);
-    ReadShapeFile(job);
-    CloseUnit(job.files.units[Unit::Shape]);
-  }
-  if (p.ICORR != 0) {
-    OpenFiles(job, 21, ip, 0);
-    ReadCorrectionFile(job, ip);
-    CloseUnit(job.files.units[Unit::Corrections]);
-  }
+  steps.readSideFiles(job, ip);
   if (p.IRESO != 0 && p.NPROF != 7) {
     ConsoleLine(job, Fmt("(A,I3)", " Illegal use of resolution function for pattern: ", ip));
     StopBox(job, " ===>>> Illegal use of resolution function!! ", 0);
@@ -271,19 +255,14 @@ bool ReadNonCommentRecord(Job& job, std::string& record, std::size_t length) {
   return true;
 }
 
-void ReadControlFile(Job& job) {
-  ReadControlHead(job);
-  ReadInstrumentLines(job);
-}
-
-void ReadControlHead(Job& job) {
+void ReadRunBlock(Job& job, const HeadSteps& steps) {
   RunOptions& r = job.run;
   job.patterns[1].W_PAT = 1.0f;
   job.LINE = 1;
   r.NPATT = 1;
   ConsoleLine(job, " => Reading control file *.PCR ...");
   ReadTitle(job);
-  ReadForm(job);
+  ReadForm(job, steps);
   for (Pattern& p : job.patterns) {
     p.idumScale = 0.0f;
     p.isXray = 0;
@@ -295,7 +274,7 @@ void ReadControlHead(Job& job) {
   const int patternsRead = r.NPATT;
   ApplyJobRules(job);
   for (int ip = 1; ip <= patternsRead; ++ip) {
-    PreparePattern(job, ip);
+    PreparePattern(job, ip, steps);
     WritePatternConditions(job, ip);
   }
   if (r.ICRYG == 2) {
@@ -305,8 +284,7 @@ void ReadControlHead(Job& job) {
   }
   ReadOutputLines(job);
   ApplyOutputRules(job);
-  if (r.JSY > 0) OpenFiles(job, 3, 0, 0);
-  if (r.JCIL > 0) OpenFiles(job, 4, 0, 0);
+  steps.openOutputFiles(job);
   WriteReports(job, " ==> INPUT/OUTPUT OPTIONS:");
   if (r.JSY == 1) WriteLine(job, Unit::Sym, " " + r.Title);
   if (r.JCIL == 1) WriteRpaHead(job);

@@ -2,28 +2,34 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 
 #include "records/job.h"
 
 namespace corvinet {
 
-// Reads the whole control file on unit 1: the head, then the pattern block
-// and the body. Unit 1 must be open at its start and the defaults set.
-void ReadControlFile(Job& job);
+// What reading the head asks of its caller: the answer the text may leave
+// out and the files the head brings in. The reader itself only reads the text
+// of unit 1 and writes what it read on the reports.
+struct HeadSteps {
+  // The data code of a single-pattern file when none was given; empty for the control code.
+  std::function<std::string(Job&)> askDataCode;
+  // The multi-pattern form names the files of each pattern with its number.
+  std::function<void(Job&)> multiPatternNames;
+  // The shape and correction files of pattern ip (NPROF 8, ICORR not 0), read before
+  // the rest of its settings.
+  std::function<void(Job&, int ip)> readSideFiles;
+  // The symmetry and parameter-record files the output lines ask for (JSY, JCIL).
+  std::function<void(Job&)> openOutputFiles;
+};
 
-// Reads the head of the control file (title to output lines) and writes the
-// conditions of the run on the report and the summary.
-void ReadControlHead(Job& job);
+// Reads the head of the control file (title to output lines) on unit 1 and
+// writes the conditions of the run on the report and the summary.
+void ReadRunBlock(Job& job, const HeadSteps& steps);
 
 // Reads the next record of the control file that is not a comment ('!' in
 // column 1), counting every record read in LINE; false at the end of the file.
 bool ReadNonCommentRecord(Job& job, std::string& record, std::size_t length = 132);
-
-// Reads the numerical peak shapes of the open shape file (unit 24).
-void ReadShapeFile(Job& job);
-
-// Reads the intensity-correction table of pattern `ip` from the open unit 25.
-void ReadCorrectionFile(Job& job, int ip);
 
 }  // namespace corvinet

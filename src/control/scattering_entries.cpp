@@ -1,8 +1,9 @@
 // Additional scattering entries of a pattern: names, anomalous terms, lengths, coefficients and
 // tables.
+#include "control/scattering_entries.h"
+
 #include <cmath>
 
-#include "control/pattern_block.h"
 #include "format/fortran_format.h"
 #include "format/text.h"
 #include "io/field_reader.h"

@@ -1,5 +1,7 @@
 // Readers of the side files that the head of the control file brings in: numerical shapes and
 // corrections.
+#include "control/side_files.h"
+
 #include <vector>
 
 #include "control/run_block.h"

@@ -1,4 +1,4 @@
-// The final report of a run, step by step in its fixed order: end lines, new control file,
+// The final report of a run, step by step in its fixed order: background files, new control file,
 // correlation matrix, background, phase fractions and reflection lists, simulated data, profile
 // and plot files, and the closing records.
 #include "results/final_report.h"
@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "control/control_writer.h"
-#include "control/pattern_block.h"
 #include "format/date_time.h"
 #include "format/fortran_format.h"
 #include "format/text.h"
@@ -34,19 +33,17 @@ void WriteOut(Job& job, const std::vector<std::string>& lines) {
   for (const std::string& line : lines) WriteLine(job, Unit::Out, line);
 }
 
-// The line-printer scales and the range of the parameter record from the end
-// lines of the control file, and the background files while Ycalc is still
-// the Bragg part.
-void ReadEndValuesAndWriteBackgrounds(Job& job) {
+// The background files while Ycalc is still the Bragg part.
+void WriteBackgrounds(Job& job) {
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
     const int ipl = job.patterns[ip].IPL;
     if (ipl == 2 || ipl == 3) WriteBackgroundPlotFiles(job, ip);
   }
-  ReadEndLines(job);
 }
 
 // The new control file, with the scales of the last pattern that has a
-// line-printer plot; then the input control file is closed.
+// line-printer plot (read with the end lines of the control file); then the
+// input control file is closed.
 void WriteNewControlFile(Job& job) {
   if (job.run.NXT != 0) {
     int Iscale = 100, Idif = 100;
@@ -235,7 +232,7 @@ void NotWrittenLine(Job& job, const std::string& what) {
 
 void FinalReport(Job& job, CycleWork& work) {
   const BraggProfile profile = PointLoopProfile(job, work);
-  ReadEndValuesAndWriteBackgrounds(job);
+  WriteBackgrounds(job);
   WriteNewControlFile(job);
   WriteCorrelationMatrix(job);
   Table1<PlotExtremes, DimensionLimits::NPATT> extremes;

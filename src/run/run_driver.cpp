@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <memory>
 
-#include "control/run_block.h"
+#include "control/control_reading.h"
 #include "format/date_time.h"
 #include "format/fortran_format.h"
 #include "io/file_set.h"

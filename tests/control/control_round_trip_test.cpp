@@ -5,7 +5,6 @@
 #include <string>
 
 #include "control/control_writer.h"
-#include "control/pattern_block.h"
 #include "control/run_block.h"
 #include "format/text.h"
 #include "surface/console.h"

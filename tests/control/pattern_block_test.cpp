@@ -1,6 +1,8 @@
 // Tests of the pattern block: instrument and cycle lines, points, scattering entries, globals,
 // closing lines and checks.
-#include "control/pattern_block.h"
+#include "control/body_checks.h"
+#include "control/closing_lines.h"
+#include "control/global_parameters.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "control/pattern_block.h"
 #include "control/run_block.h"
 #include "io/file_set.h"
 #include "run/defaults.h"

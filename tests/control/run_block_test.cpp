@@ -4,6 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
 
 #include "io/file_set.h"
 #include "run/defaults.h"
@@ -312,6 +316,67 @@ TEST(RunBlock, BadFieldOfTheJobLineIsReportedWithItsLine) {
   EXPECT_NE(console.find("FindFMT: integer field found real !"), std::string::npos);
   EXPECT_NE(console.find("\"0 5 1.0 0\""), std::string::npos);
   EXPECT_NE(console.find(" => Please check your input file at line: 3 !"), std::string::npos);
+}
+
+// The head read from a text in memory through the reader alone: no file is
+// opened, nothing is asked on the console, and the steps a run would take
+// (prompt, side files, output files) are only recorded.
+TEST(RunBlock, ReaderAloneFillsTheRecordsFromATextInMemory) {
+  ScratchDir dir;
+  CapturedJob job;
+  ResetDefaults(*job);
+  job->driver.PcrCode = "x";
+  std::string text =
+      "COMM Reader alone\n"
+      "! Job Npr Nph Nba Nex Nsc Nor Dum Iwg Ilo Ias Res Ste Nre Cry Uni Cor\n"
+      "   0   8   2   4   1   0   0   1   0   0   0   0   0   0   0   0   1\n"
+      "! Ipr Ppl Ioc Mat Pcr Ls1 Ls2 Ls3 Syo Prf Ins Rpa Sym Hkl Fou Sho Ana\n"
+      "   1   0   1   2   1   0   0   0   0   1   0   1   1   0   0   0   0\n";
+  TextUnit& control = job->files.units[Unit::Control];
+  control.file = ::fmemopen(text.data(), text.size(), "r");
+  ASSERT_NE(control.file, nullptr);
+  std::vector<std::string> calls;
+  HeadSteps steps;
+  steps.askDataCode = [&](Job&) {
+    calls.emplace_back("ask");
+    return std::string("data7");
+  };
+  steps.multiPatternNames = [&](Job&) { calls.emplace_back("names"); };
+  steps.readSideFiles = [&](Job& j, int ip) {
+    calls.push_back("side " + std::to_string(ip) + " " + std::to_string(j.patterns[ip].NPROF));
+  };
+  steps.openOutputFiles = [&](Job& j) {
+    calls.push_back("output " + std::to_string(j.run.JSY) + " " + std::to_string(j.run.JCIL));
+  };
+  ASSERT_TRUE(testing::RunsWithoutStop(*job, [&](Job& j) { ReadRunBlock(j, steps); }))
+      << job.Console();
+  CloseUnit(control);
+
+  EXPECT_EQ(calls, (std::vector<std::string>{"ask", "side 1 8", "output 1 1"}));
+  EXPECT_EQ(job->run.Title, "Reader alone");
+  EXPECT_EQ(job->run.commentedOutput, 1);
+  EXPECT_TRUE(job->run.singlePatternForm);
+  EXPECT_EQ(job->run.NPATT, 1);
+  EXPECT_EQ(job->run.NPHASE, 2);
+  EXPECT_EQ(job->run.IDUM, 1);
+  EXPECT_EQ(job->run.MAT, 2);
+  EXPECT_EQ(job->run.NXT, 1);
+  EXPECT_EQ(job->run.JCIL, 1);
+  EXPECT_EQ(job->run.JSY, 1);
+  const Pattern& p = job->patterns[1];
+  EXPECT_EQ(job->driver.DatCode, "data7");
+  EXPECT_EQ(p.DatCode, "data7");
+  EXPECT_EQ(p.NPROF, 9);  // stored one above the typed number
+  EXPECT_EQ(p.NBCKGD, 4);
+  EXPECT_EQ(p.NEXCRG, 1);
+  EXPECT_EQ(p.ICORR, 1);
+  EXPECT_EQ(p.IOT, 1);
+  EXPECT_EQ(p.IPC, 1);
+  EXPECT_EQ(p.IPL2, 1);
+  EXPECT_EQ(p.W_PAT, 1.0f);
+  EXPECT_EQ(job->LINE, 5);
+  EXPECT_EQ(job.Console().find("Give the name of data file"), std::string::npos);
+  EXPECT_TRUE(std::filesystem::is_empty(dir.path));
 }
 
 }  // namespace

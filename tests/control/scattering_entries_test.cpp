@@ -7,7 +7,7 @@
 #include <cmath>
 #include <string>
 
-#include "control/pattern_block.h"
+#include "control/scattering_entries.h"
 #include "model/scattering_species.h"
 #include "surface/console.h"
 #include "test_support.h"

@@ -1,0 +1,81 @@
+// The data of a pattern as its control lines ask: read from its data file or built from the range
+// of the cycle line, then its background.
+#include "control/pattern_data.h"
+
+#include <cmath>
+#include <cstdlib>
+
+#include "control/body_checks.h"
+#include "format/fortran_format.h"
+#include "observations/background.h"
+#include "observations/powder_data.h"
+#include "surface/console.h"
+
+namespace corvinet {
+
+namespace {
+
+void WriteRange(Job& job, const Pattern& p) {
+  if (p.IXUNIT == 1) {
+    WriteReports(job, " ==> T.O.F. range, and number of points:");
+    WriteReports(job, Fmt("(A,F12.3,A,F12.3,A,I6)", "    TOFmin: ", p.THMIN, "  TOFmax: ", p.THMAX,
+                          "    No. of points: ", p.NPTS));
+  } else if (p.IXUNIT == 2) {
+    WriteReports(job, " ==> Energy range, and number of points:");
+    WriteReports(job, Fmt("(A,F10.4,A,F10.4,A,I6)", "   Emin: ", p.THMIN, "  Emax: ", p.THMAX,
+                          "    No. of points: ", p.NPTS));
+  } else {
+    WriteReports(job, " ==> Angular range, step and number of points:");
+    WriteReports(job, Fmt("(A,F10.4,A,F10.4,A,F10.6,A,I6)", "     2Thmin: ", p.THMIN,
+                          "  2Thmax: ", p.THMAX, "  Step: ", p.STEP, "  No. of points: ", p.NPTS));
+  }
+}
+
+void ReadObservedData(Job& job, int ip) {
+  Pattern& p = job.patterns[ip];
+  ConsoleLine(job, " => Reading intensity file *.DAT...");
+  ReadPattern(job, ip);
+  if (p.ICORR == 2 && p.corrMode == 2) ApplyIntensityCorrection(p);
+  if (p.equalStep == 0 && p.IPL2 == 1) p.IPL2 = -3;
+  if (p.IWGT == 2) {
+    for (int i = 1; i <= p.NPTS; ++i) p.Variance[i] = 1.0f;
+  }
+  if (p.ISTEP > 1) {
+    WriteReports(job, " => The number of data points has been reduced");
+    WriteReports(job, Fmt("(A,I4)", "    by a factor of ", p.ISTEP));
+  }
+  WriteRange(job, p);
+}
+
+void StopOnTooManyPoints(Job& job, int points) {
+  if (points <= DimensionLimits::IDSZ) return;
+  WriteLine(job, Unit::Out,
+            Fmt("(A,I6,A)", " => Program can handle only", DimensionLimits::IDSZ, " points"));
+  WriteLine(job, Unit::Out, Fmt("(A,I8,A)", "  => A number of ", points, " points were input"));
+  ConsoleLine(job, " Too many data points NPTS>IDSZ!");
+  StopBox(job, " Too many data points ");
+}
+
+// A pattern to calculate has its abscissa from the range of the cycle line.
+void BuildCalculatedAbscissa(Job& job, Pattern& p) {
+  const double points = std::trunc((p.THMAX - p.THMIN) * (1.0f / p.STEP) + 1.5f);
+  StopOnTooManyPoints(job, points > 1.0e9 ? 1000000000 : static_cast<int>(points));
+  p.equalStep = 1;
+  p.NPTS = static_cast<int>(points);
+  for (int i = 1; i <= p.NPTS; ++i) p.X[i] = p.THMIN + static_cast<float>(i - 1) * p.STEP;
+}
+
+}  // namespace
+
+void ReadPatternData(Job& job, int ip) {
+  Pattern& p = job.patterns[ip];
+  if (!IsCalculatedPattern(p)) {
+    ReadObservedData(job, ip);
+  } else {
+    BuildCalculatedAbscissa(job, p);
+  }
+  StopOnTooManyPoints(job, p.NPTS);
+  EvaluateBackground(job, ip);
+}
+
+}  // namespace corvinet
