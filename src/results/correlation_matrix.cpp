@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "format/fortran_format.h"
-#include "results/final_report.h"
+#include "results/correlation_matrix.h"
 
 namespace corvinet {
 

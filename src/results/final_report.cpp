@@ -18,8 +18,13 @@
 #include "records/reflection.h"
 #include "refine/bragg_profile.h"
 #include "refine/cycle_work.h"
+#include "results/correlation_matrix.h"
 #include "results/dimension_report.h"
+#include "results/pattern_exports.h"
+#include "results/phase_fractions.h"
 #include "results/profile_files.h"
+#include "results/reflection_rows.h"
+#include "results/simulated_pattern.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -62,29 +67,6 @@ void WriteCorrelationMatrix(Job& job) {
   if (job.run.MAT == 0) return;
   WriteOut(job, CorrelationMatrixLines(job.refinement.normal, FittedCount(job)));
 }
-
-}  // namespace
-
-void WritePatternExports(Job& job, int ip) {
-  for (int f = 1; f <= job.run.NPHASE; ++f) {
-    const Phase& ph = job.phases[f];
-    if (ip != 1 || ph.More == 0) continue;
-    if (ph.Jvi == 1 || ph.Jvi == 2) {
-      NotWrittenLine(job, Fmt("(A,I2)", "the Schakal/STRUPLO file (.sch) of phase", f));
-    }
-    if (ph.Jdi == 2 && f > DimensionLimits::NPHT) StopBox(job, "Illegal phase number");
-  }
-  const Pattern& p = job.patterns[ip];
-  if (p.JFOU != 0) NotWrittenLine(job, Fmt("(A,I2)", "the Fourier file (.fou) of pattern", ip));
-  if (std::abs(p.JFOU) == 2) NotWrittenLine(job, "the SHELX file (.ins)");
-  if (std::abs(p.JFOU) == 3 || std::abs(p.JFOU) == 4) {
-    NotWrittenLine(job, "the Fourier template (.inp)");
-  }
-  if (p.JLKH != 0) OpenFiles(job, 8, ip, 0);
-  if (job.run.JCIL == 2) NotWrittenLine(job, "the collected results file (.sav)");
-}
-
-namespace {
 
 void WritePhaseHeader(Job& job, int ip, int f) {
   const std::string dashes(80, '-');
@@ -225,10 +207,6 @@ void ReportPattern(Job& job, int ip, const PlotExtremes& extremes, const BraggPr
 }
 
 }  // namespace
-
-void NotWrittenLine(Job& job, const std::string& what) {
-  WriteLine(job, Unit::Out, " => This version of Corvinet does not write " + what);
-}
 
 void FinalReport(Job& job, CycleWork& work) {
   const BraggProfile profile = PointLoopProfile(job, work);

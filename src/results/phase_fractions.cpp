@@ -1,7 +1,7 @@
 // Weight and volume fractions of the phases of a pattern, with their standard deviations.
-#include <cmath>
+#include "results/phase_fractions.h"
 
-#include "results/final_report.h"
+#include <cmath>
 
 namespace corvinet {
 

@@ -1,11 +1,12 @@
 // The reflection rows of the final report: headers of the reflection file by JLKH, one row per
 // reflection, the Bragg factor lines with fractions, and the BRAG row of the parameter record.
+#include "results/reflection_rows.h"
+
 #include <cmath>
 
 #include "format/fortran_format.h"
 #include "records/reflection.h"
 #include "refine/order_reflections.h"
-#include "results/final_report.h"
 
 namespace corvinet {
 

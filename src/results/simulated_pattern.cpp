@@ -1,4 +1,6 @@
 // The simulated pattern of a calculation job, optionally with Poisson noise, as integer counts.
+#include "results/simulated_pattern.h"
+
 #include <cmath>
 #include <cstdlib>
 #include <vector>
@@ -7,7 +9,6 @@
 #include "format/text.h"
 #include "io/file_set.h"
 #include "observations/poisson.h"
-#include "results/final_report.h"
 #include "results/plot_geometry.h"
 #include "surface/console.h"
 
