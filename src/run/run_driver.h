@@ -1,4 +1,4 @@
-// The top of the program: choice of the job, the loop of runs, the cyclic mode and the run itself.
+// The top of the program: the loop of jobs and one run.
 #pragma once
 
 #include <string>
@@ -13,21 +13,5 @@ int Main(Job& job, const std::vector<std::string>& arguments);
 
 // One run: defaults, control file, engine, report.
 void RunOneJob(Job& job);
-
-// One control file over a numbered series of data files.
-void RunCyclic(Job& job);
-
-// The two continue dialogs; sets job.driver.answer to 's', 'a' or 'k'.
-void AskContinue(Job& job);
-
-// Splits a path at its last '/': the directory with the '/', and the file name.
-void SplitPath(const std::string& path, std::string& directoryOut, std::string& fileOut);
-
-// Mode 1 records the start of the CPU clock; mode 2 records the end and, with
-// `print`, writes the CPU time on the console, the report and the summary.
-void CpuTimer(Job& job, int mode, bool print);
-
-// The data code of number n in the cyclic mode: the stem and n without blanks.
-std::string NumberedCode(const std::string& stem, int n);
 
 }  // namespace corvinet
