@@ -1,4 +1,5 @@
-// The cycle loop of a refinement: point passes, the equations, damping, update and the stop tests.
+// The cycle loop of a refinement: point passes, the equations, damping and the update, in the
+// order of the loop; the stop tests and the reports of a cycle are steps of their own.
 #include "refine/cycle_driver.h"
 
 #include <cmath>
@@ -8,6 +9,8 @@
 #include "format/fortran_format.h"
 #include "observations/background.h"
 #include "refine/bragg_profile.h"
+#include "refine/cycle_report.h"
+#include "refine/cycle_stop_tests.h"
 #include "refine/cycle_work.h"
 #include "refine/equation_solver.h"
 #include "refine/order_reflections.h"
@@ -57,16 +60,6 @@ void CalculatePattern(Job& job, CycleWork& work, int ip) {
   }
 }
 
-void ShowCycleHead(Job& job, int cycle) {
-  ConsoleLine(job, "   ");
-  ConsoleLineWithNumber(job, " ===================>>> CYCLE:", cycle, 0.0f, 1);
-  ConsoleLine(job, "   ");
-  ConsoleLine(job, " Control file *.pcr: " + job.driver.PcrCode);
-  for (int ip = 1; ip <= job.run.NPATT; ++ip) {
-    ConsoleLine(job, Fmt("(A,I3,1X,A)", " Pattern: ", ip, job.patterns[ip].DatCode));
-  }
-}
-
 void ClearEquations(Job& job) {
   NormalMatrix& n = job.refinement.normal;
   const int fitted = FittedCount(job);
@@ -96,42 +89,6 @@ void Symmetrise(NormalMatrix& n, int fitted) {
   }
 }
 
-void WriteDiagonal(Job& job, int cycle, int fitted) {
-  WriteLine(job, Unit::Out,
-            Fmt("(A,I4)", " => Diagonal of LSQ matrix before inversion at cycle:", cycle));
-  for (int i = 1; i <= fitted; ++i) {
-    WriteLine(job, Unit::Out, Fmt("(I5,A,E14.6)", i, ":", job.refinement.normal.A(i, i)));
-  }
-}
-
-void CheckDiagonal(Job& job, int fitted) {
-  for (int i = 1; i <= fitted; ++i) {
-    if (job.refinement.normal.A(i, i) >= 1.0e-30f) continue;
-    const std::string words =
-        Fmt("(A,I4)", " ==> Singular matrix!!, problem with parameter no.:", i);
-    WriteLine(job, Unit::Out, words);
-    ConsoleLine(job, words);
-    StopBox(job, " Singular Matrix!! ");
-  }
-}
-
-// The first parameter whose damped shift exceeds EPS sigma, or 0.
-int FirstUnconverged(Job& job, int cycle, int fitted) {
-  const NormalMatrix& n = job.refinement.normal;
-  for (int i = 1; i <= fitted; ++i) {
-    float t = job.run.EPS * std::sqrt(std::fabs(n.A(i, i)));
-    if (t <= 1.0e-7f) t = 1.0e-7f;
-    const float shift = n.B[i];
-    if (cycle == job.run.NCY || std::fabs(shift) > t) {
-      const std::string line = Fmt("(A,I3,A,F8.2,A)", " Convergence not reached because Shift-Par(",
-                                   i, ")/(eps*Sigma)=", shift / t, " abs> 1");
-      if (cycle != job.run.NCY) ConsoleLine(job, line);
-      return i;
-    }
-  }
-  return 0;
-}
-
 // The extra pass after convergence: zero shifts, statistics again, results.
 void FinalPass(Job& job, int cycle, const BraggProfile& profile) {
   RefinementState& s = job.refinement;
@@ -148,18 +105,6 @@ void FinalPass(Job& job, int cycle, const BraggProfile& profile) {
 
 void EndingSteps(Job& job) {
   ConsoleLine(job, " Normal end, final calculations and writing...");
-}
-
-// Magnetic phases and rigid bodies need structure factors that this version
-// does not calculate: such a job stops before its first cycle.
-void StopOnStructureFactorsNotCalculated(Job& job) {
-  for (int k = 1; k <= job.run.NPHASE; ++k) {
-    const int Jbt = job.phases[k].Jbt;
-    if (IsMagneticPhase(job.phases[k]) || Jbt == 4) {
-      ConsoleLine(job, Fmt("(A,I2,A,I4)", " => Phase:", k, " has Jbt =", Jbt));
-      StopBox(job, " Magnetic and rigid-body structure factors are not available in this version ");
-    }
-  }
 }
 
 }  // namespace
@@ -220,19 +165,15 @@ void RunCycles(Job& job, int& stopFlag, CycleWork& work) {
     if (job.run.ICRYG == 0) SumPatterns(job, cycle, s.EndMarker);
     Symmetrise(s.normal, fitted);
     if (job.run.MAT == 2) WriteDiagonal(job, cycle, fitted);
-    CheckDiagonal(job, fitted);
+    StopOnSingularMatrix(job, fitted);
     if (fitted > 0) SolveNormalEquations(job, s.normal, s.solver, fitted);
     for (int i = 1; i <= fitted; ++i) {
       for (int j = 1; j <= fitted; ++j) s.normal.A(i, j) *= s.GlobalChi2;
     }
     DampOscillations(job, fitted);
-    ConsoleLineWithNumber(job, " Writing results for cycle", cycle, 0.0f, 1);
-    WriteCycleResults(job, cycle, s.EndMarker, profile);
+    ReportCycle(job, cycle, profile);
     if (job.run.IDUM == 2) {
-      if (s.PreviousChi2 - s.GlobalChi2 <= 0.0f) {
-        ConsoleLineWithNumber(job, " STOP at cycle", cycle, 0.0f, 1);
-        ConsoleLine(job, " because of divergence");
-        StopBox(job, " STOP because of divergence");
+      if (StopOnDivergence(job, cycle)) {
         stopFlag = 1;
         return;
       }

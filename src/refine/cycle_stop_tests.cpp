@@ -1,0 +1,60 @@
+// The tests that stop or end the cycles: structure factors this version cannot calculate, a
+// singular normal matrix, divergence of chi-square and convergence of the shifts.
+#include "refine/cycle_stop_tests.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+#include "format/fortran_format.h"
+#include "surface/console.h"
+
+namespace corvinet {
+
+void StopOnStructureFactorsNotCalculated(Job& job) {
+  for (int k = 1; k <= job.run.NPHASE; ++k) {
+    const int Jbt = job.phases[k].Jbt;
+    if (IsMagneticPhase(job.phases[k]) || Jbt == 4) {
+      ConsoleLine(job, Fmt("(A,I2,A,I4)", " => Phase:", k, " has Jbt =", Jbt));
+      StopBox(job, " Magnetic and rigid-body structure factors are not available in this version ");
+    }
+  }
+}
+
+void StopOnSingularMatrix(Job& job, int fitted) {
+  for (int i = 1; i <= fitted; ++i) {
+    if (job.refinement.normal.A(i, i) >= 1.0e-30f) continue;
+    const std::string words =
+        Fmt("(A,I4)", " ==> Singular matrix!!, problem with parameter no.:", i);
+    WriteLine(job, Unit::Out, words);
+    ConsoleLine(job, words);
+    StopBox(job, " Singular Matrix!! ");
+  }
+}
+
+bool StopOnDivergence(Job& job, int cycle) {
+  const RefinementState& s = job.refinement;
+  if (s.PreviousChi2 - s.GlobalChi2 > 0.0f) return false;
+  ConsoleLineWithNumber(job, " STOP at cycle", cycle, 0.0f, 1);
+  ConsoleLine(job, " because of divergence");
+  StopBox(job, " STOP because of divergence");
+  return true;
+}
+
+int FirstUnconverged(Job& job, int cycle, int fitted) {
+  const NormalMatrix& n = job.refinement.normal;
+  for (int i = 1; i <= fitted; ++i) {
+    float t = job.run.EPS * std::sqrt(std::fabs(n.A(i, i)));
+    if (t <= 1.0e-7f) t = 1.0e-7f;
+    const float shift = n.B[i];
+    if (cycle == job.run.NCY || std::fabs(shift) > t) {
+      const std::string line = Fmt("(A,I3,A,F8.2,A)", " Convergence not reached because Shift-Par(",
+                                   i, ")/(eps*Sigma)=", shift / t, " abs> 1");
+      if (cycle != job.run.NCY) ConsoleLine(job, line);
+      return i;
+    }
+  }
+  return 0;
+}
+
+}  // namespace corvinet

@@ -1,0 +1,24 @@
+// The tests that stop or end the cycles: structure factors this version cannot calculate, a
+// singular normal matrix, divergence of chi-square and convergence of the shifts.
+#pragma once
+
+#include "records/job.h"
+
+namespace corvinet {
+
+// Magnetic phases and rigid bodies need structure factors that this version
+// does not calculate: such a job stops before its first cycle.
+void StopOnStructureFactorsNotCalculated(Job& job);
+
+// A diagonal element of the normal matrix below 1E-30 names its parameter and stops the run.
+void StopOnSingularMatrix(Job& job, int fitted);
+
+// With IDUM 2 a chi-square that does not fall from the last cycle stops the
+// run; true when the run stopped.
+bool StopOnDivergence(Job& job, int cycle);
+
+// The first parameter whose damped shift exceeds EPS sigma, or 0; at the last
+// cycle (NCY) the first parameter counts as not converged.
+int FirstUnconverged(Job& job, int cycle, int fitted);
+
+}  // namespace corvinet
