@@ -92,94 +92,125 @@ bool EqualsUpper(std::string_view text, std::string_view upper) {
   return true;
 }
 
+// A walk over the text of a real: the position and, for formatted fields, the
+// blanks skipped after every character taken.
+struct RealCursor {
+  std::string_view text;
+  bool blanksIgnored = false;
+  std::size_t i = 0;
+  bool AtEnd() const { return i >= text.size(); }
+  char Current() const { return text[i]; }
+  void Skip() {
+    if (blanksIgnored) {
+      while (i < text.size() && text[i] == ' ') ++i;
+    }
+  }
+  void Take() {
+    ++i;
+    Skip();
+  }
+  // Takes a '+' or '-' when there is one; true for '-'.
+  bool TakeSign() {
+    if (AtEnd() || (Current() != '+' && Current() != '-')) return false;
+    const bool negative = Current() == '-';
+    Take();
+    return negative;
+  }
+};
+
+// The words INF, INFINITY and NAN (any case) from the cursor to the end.
+Parsed ParseSpecialWord(const RealCursor& at, RealText& out) {
+  std::string_view word = at.text.substr(at.i);
+  if (at.blanksIgnored) {
+    while (!word.empty() && word.back() == ' ') word.remove_suffix(1);
+  }
+  if (EqualsUpper(word, "INF") || EqualsUpper(word, "INFINITY")) {
+    out.special = RealText::Special::Infinity;
+    return Parsed::Ok;
+  }
+  if (EqualsUpper(word, "NAN")) {
+    out.special = RealText::Special::NaN;
+    return Parsed::Ok;
+  }
+  return Parsed::Bad;
+}
+
+// What the digits before the exponent held.
+struct Mantissa {
+  bool zeroSeen = false;
+  bool anyDigit = false;  // a digit other than 0
+  bool point = false;
+  int afterPoint = 0;
+};
+
+// Digits with at most one point; the significant digits go to `canonical`.
+Mantissa ParseMantissa(RealCursor& at, std::string& canonical) {
+  Mantissa m;
+  for (; !at.AtEnd(); ++at.i, at.Skip()) {
+    const char c = at.Current();
+    if (IsDigit(c)) {
+      // Leading zeros do not change the digit string's value; leaving them out keeps it short.
+      if (c != '0' || m.anyDigit) canonical += c;
+      if (c != '0') m.anyDigit = true;
+      if (m.point) ++m.afterPoint;
+      m.zeroSeen = m.zeroSeen || c == '0';
+    } else if (c == '.' && !m.point) {
+      m.point = true;
+    } else {
+      break;
+    }
+  }
+  return m;
+}
+
+// The exponent after the mantissa: (E|D|Q)[sign]digits or sign digits; at
+// least one digit and nothing after them.
+Parsed ParseExponent(RealCursor& at, long& exponent) {
+  const char c = Upper(at.Current());
+  if (c == 'E' || c == 'D' || c == 'Q') {
+    at.Take();
+  } else if (c != '+' && c != '-') {
+    return Parsed::Bad;
+  }
+  const bool negative = at.TakeSign();
+  int digits = 0;
+  for (; !at.AtEnd(); ++at.i, at.Skip()) {
+    if (!IsDigit(at.Current())) return Parsed::Bad;
+    if (exponent < 1'000'000) exponent = exponent * 10 + (at.Current() - '0');
+    ++digits;
+  }
+  if (digits == 0) return Parsed::Bad;
+  if (negative) exponent = -exponent;
+  return Parsed::Ok;
+}
+
 // [sign] digits [. digits] [exponent], exponent = (E|D|Q)[sign]digits or
 // sign digits ("1.5-3"). Without a decimal point in the text, `implied`
 // decimals are assumed. INF, INFINITY and NAN are accepted. With
 // `blanksIgnored` (formatted fields) blanks anywhere are skipped, and a text
 // with neither digits nor exponent (blank, "-", ".") is Empty.
 Parsed ParseReal(std::string_view text, int implied, bool blanksIgnored, RealText& out) {
-  std::size_t i = 0;
-  const std::size_t n = text.size();
-  const auto skip = [&] {
-    if (blanksIgnored) {
-      while (i < n && text[i] == ' ') ++i;
-    }
-  };
+  RealCursor at{text, blanksIgnored};
   out.canonical.clear();
   out.special = RealText::Special::None;
-  out.negative = false;
-  skip();
-  if (i < n && (text[i] == '+' || text[i] == '-')) {
-    out.negative = text[i] == '-';
-    ++i;
-    skip();
-  }
-  if (i < n && (Upper(text[i]) == 'I' || Upper(text[i]) == 'N')) {
-    std::string_view word = text.substr(i);
-    if (blanksIgnored) {
-      while (!word.empty() && word.back() == ' ') word.remove_suffix(1);
-    }
-    if (EqualsUpper(word, "INF") || EqualsUpper(word, "INFINITY")) {
-      out.special = RealText::Special::Infinity;
-      return Parsed::Ok;
-    }
-    if (EqualsUpper(word, "NAN")) {
-      out.special = RealText::Special::NaN;
-      return Parsed::Ok;
-    }
-    return Parsed::Bad;
+  at.Skip();
+  out.negative = at.TakeSign();
+  if (!at.AtEnd() && (Upper(at.Current()) == 'I' || Upper(at.Current()) == 'N')) {
+    return ParseSpecialWord(at, out);
   }
   if (out.negative) out.canonical += '-';
-  bool zeroSeen = false;
-  bool anyDigit = false;
-  int afterPoint = 0;
-  bool point = false;
-  for (; i < n; ++i, skip()) {
-    const char c = text[i];
-    if (IsDigit(c)) {
-      // Leading zeros do not change the digit string's value; leaving them out keeps it short.
-      if (c != '0' || anyDigit) out.canonical += c;
-      if (c != '0') anyDigit = true;
-      if (point) ++afterPoint;
-      zeroSeen = zeroSeen || c == '0';
-    } else if (c == '.' && !point) {
-      point = true;
-    } else {
-      break;
-    }
-  }
+  const Mantissa m = ParseMantissa(at, out.canonical);
   long exponent = 0;
-  bool hasExponent = false;
-  if (i < n) {
-    const char c = Upper(text[i]);
-    if (c == 'E' || c == 'D' || c == 'Q') {
-      ++i;
-      skip();
-    } else if (c != '+' && c != '-') {
-      return Parsed::Bad;
-    }
-    hasExponent = true;
-    bool negativeExponent = false;
-    if (i < n && (text[i] == '+' || text[i] == '-')) {
-      negativeExponent = text[i] == '-';
-      ++i;
-      skip();
-    }
-    int exponentDigits = 0;
-    for (; i < n; ++i, skip()) {
-      if (!IsDigit(text[i])) return Parsed::Bad;
-      if (exponent < 1'000'000) exponent = exponent * 10 + (text[i] - '0');
-      ++exponentDigits;
-    }
-    if (exponentDigits == 0) return Parsed::Bad;
-    if (negativeExponent) exponent = -exponent;
+  const bool hasExponent = !at.AtEnd();
+  if (hasExponent && ParseExponent(at, exponent) == Parsed::Bad) return Parsed::Bad;
+  if (!m.anyDigit && !m.zeroSeen) {
+    return (hasExponent || !blanksIgnored) ? Parsed::Bad : Parsed::Empty;
   }
-  if (!anyDigit && !zeroSeen) return (hasExponent || !blanksIgnored) ? Parsed::Bad : Parsed::Empty;
-  if (!anyDigit) {
+  if (!m.anyDigit) {
     out.canonical += '0';  // a signed zero
     return Parsed::Ok;
   }
-  exponent -= point ? afterPoint : implied;
+  exponent -= m.point ? m.afterPoint : implied;
   out.canonical += 'e';
   out.canonical += std::to_string(exponent);
   return Parsed::Ok;

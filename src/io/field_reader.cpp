@@ -75,23 +75,44 @@ int NextDescriptor(std::string_view mask, int& maskPos, int maskLen, int& error)
   return 0;
 }
 
-void ScanNumber(int kind, std::string& line, int lineLen, int& position, int& width, int& error) {
-  const int start = position;
-  width = 0;
-  bool signSeen = false;
-  bool dotSeen = false;
-  char c = ' ';
-  // Stage 1: find the first character of the number.
-  for (;;) {
-    if (position >= lineLen) return;
+namespace {
+
+// Where the walk of a numeric field stands: the line, the position after the
+// last character taken and the width of the field so far.
+struct NumberWalk {
+  std::string& line;
+  int lineLen;
+  int& position;
+  int& width;
+  int& error;
+  // Takes the next character; false at the end of the line.
+  bool Take(char& c) {
+    if (position >= lineLen) return false;
     ++position;
     ++width;
     c = line[static_cast<std::size_t>(position - 1)];
+    return true;
+  }
+  // Gives the last character back: it belongs to the next field.
+  void GiveBack() {
+    --position;
+    --width;
+  }
+  bool Fail(int code) {
+    error = code;
+    return false;
+  }
+};
+
+// Stage 1: skips blanks and signs up to the first character of the number.
+// A tab at the very start of a later field counts as a blank; elsewhere it
+// ends the field. False when the field ends here (with or without an error).
+bool FindNumberStart(NumberWalk& walk, int start, char& c) {
+  bool signSeen = false;
+  for (;;) {
+    if (!walk.Take(c)) return false;
     if (c == ' ') {
-      if (signSeen) {
-        error = FieldError::IncompleteNumber;
-        return;
-      }
+      if (signSeen) return walk.Fail(FieldError::IncompleteNumber);
       continue;
     }
     if (IsSign(c)) {
@@ -99,94 +120,84 @@ void ScanNumber(int kind, std::string& line, int lineLen, int& position, int& wi
       continue;
     }
     if (c == '\t') {
-      if (width == 1 && start >= 1) {
-        line[static_cast<std::size_t>(position - 1)] = ' ';
+      if (walk.width == 1 && start >= 1) {
+        walk.line[static_cast<std::size_t>(walk.position - 1)] = ' ';
         continue;
       }
-      if (signSeen) {
-        error = FieldError::IncompleteNumber;
-        return;
-      }
-      --position;
-      --width;
-      return;
+      if (signSeen) return walk.Fail(FieldError::IncompleteNumber);
+      walk.GiveBack();
+      return false;
     }
-    break;
+    return true;
   }
-  // Stage 2: judge the first character.
-  if (start >= 2 && width == 1) {
-    error = FieldError::SeparatorMissing;
-    return;
+}
+
+// Stage 2: a later field must be set apart by a separator; the number opens
+// with a digit, or with a point in a real. False with the error set otherwise.
+bool JudgeFirstCharacter(NumberWalk& walk, int kind, int start, char c, bool& dotSeen) {
+  if (start >= 2 && walk.width == 1) return walk.Fail(FieldError::SeparatorMissing);
+  if (c == '.') {
+    if (kind == kDescriptorInteger) return walk.Fail(FieldError::IntegerFoundReal);
+    dotSeen = true;
+    return true;
+  }
+  if (IsExponentLetter(c)) {
+    return walk.Fail(kind == kDescriptorInteger ? FieldError::BadIntegerCharacter
+                                                : FieldError::IncompleteExponent);
+  }
+  if (!IsDigit(c)) return walk.Fail(FieldError::BadNumericCharacter);
+  return true;
+}
+
+enum class NumberStep { Next, End, Error };
+
+// One character inside the number after `previous`: a blank or tab ends it, a
+// sign ends it too unless it follows an exponent letter in a real.
+NumberStep JudgeNumberCharacter(NumberWalk& walk, int kind, char c, char previous, bool& dotSeen) {
+  const auto fail = [&](int code) {
+    walk.Fail(code);
+    return NumberStep::Error;
+  };
+  if (c == ' ' || c == '\t') {
+    if (IsSign(previous)) return fail(FieldError::IncompleteNumber);
+    walk.GiveBack();
+    return NumberStep::End;
   }
   if (c == '.') {
-    if (kind == kDescriptorInteger) {
-      error = FieldError::IntegerFoundReal;
-      return;
-    }
+    if (dotSeen) return fail(FieldError::BeggedDot);
+    if (kind == kDescriptorInteger) return fail(FieldError::IntegerFoundReal);
     dotSeen = true;
+  } else if (IsSign(c)) {
+    if (IsSign(previous)) return fail(FieldError::BeggedDot);
+    if (kind == kDescriptorInteger || !IsExponentLetter(previous)) {
+      // A sign ends the field: "12-3" and "1.5-2.5" are two fields.
+      walk.GiveBack();
+      return NumberStep::End;
+    }
   } else if (IsExponentLetter(c)) {
-    error = kind == kDescriptorInteger ? FieldError::BadIntegerCharacter
-                                       : FieldError::IncompleteExponent;
-    return;
+    if (kind == kDescriptorInteger) return fail(FieldError::BadIntegerCharacter);
+    if (IsSign(previous)) return fail(FieldError::IncompleteExponent);
+    if (previous == c) return fail(FieldError::BeggedDot);
   } else if (!IsDigit(c)) {
-    error = FieldError::BadNumericCharacter;
-    return;
+    return fail(FieldError::BadNumericCharacter);
   }
+  return NumberStep::Next;
+}
+
+}  // namespace
+
+void ScanNumber(int kind, std::string& line, int lineLen, int& position, int& width, int& error) {
+  const int start = position;
+  width = 0;
+  NumberWalk walk{line, lineLen, position, width, error};
+  char c = ' ';
+  if (!FindNumberStart(walk, start, c)) return;
+  bool dotSeen = false;
+  if (!JudgeFirstCharacter(walk, kind, start, c, dotSeen)) return;
   // Stage 3: walk over the number.
-  const int firstWidth = width;
   char previous = c;
-  for (;;) {
-    if (position >= lineLen) return;
-    ++position;
-    ++width;
-    c = line[static_cast<std::size_t>(position - 1)];
-    if (c == ' ' || c == '\t') {
-      if (IsSign(previous)) {
-        error = FieldError::IncompleteNumber;
-        return;
-      }
-      --position;
-      --width;
-      return;
-    }
-    if (c == '.') {
-      if (dotSeen) {
-        error = FieldError::BeggedDot;
-        return;
-      }
-      if (kind == kDescriptorInteger) {
-        error = FieldError::IntegerFoundReal;
-        return;
-      }
-      dotSeen = true;
-    } else if (IsSign(c)) {
-      if (IsSign(previous)) {
-        error = FieldError::BeggedDot;
-        return;
-      }
-      if (width > firstWidth && (kind == kDescriptorInteger || !IsExponentLetter(previous))) {
-        // A sign ends the field: "12-3" and "1.5-2.5" are two fields.
-        --position;
-        --width;
-        return;
-      }
-    } else if (IsExponentLetter(c)) {
-      if (kind == kDescriptorInteger) {
-        error = FieldError::BadIntegerCharacter;
-        return;
-      }
-      if (IsSign(previous)) {
-        error = FieldError::IncompleteExponent;
-        return;
-      }
-      if (previous == c) {
-        error = FieldError::BeggedDot;
-        return;
-      }
-    } else if (!IsDigit(c)) {
-      error = FieldError::BadNumericCharacter;
-      return;
-    }
+  while (walk.Take(c)) {
+    if (JudgeNumberCharacter(walk, kind, c, previous, dotSeen) != NumberStep::Next) return;
     previous = c;
   }
 }
