@@ -6,106 +6,13 @@
 #include "format/text.h"
 #include "io/field_reader.h"
 #include "observations/powder_data_common.h"
+#include "observations/uxd_keywords.h"
 
 namespace corvinet {
 
 namespace {
 
 constexpr std::size_t kUxdRecordLength = 128;  // type character and 127 more
-
-// The quantities the keywords of a UXD header give.
-enum class UxdItem {
-  File,
-  Sample,
-  Date,
-  RunTime,
-  Wave1,
-  Wave2,
-  Wave3,
-  WaveRatio,
-  Anode,
-  Drive,
-  Step,
-  Start,
-  TwoTheta,
-  Omega,
-  Chi,
-  Phi,
-  Tr1,
-  Tr2,
-  KiloVolt,
-  MilliAmpere,
-  Changer,
-  HighVoltage,
-  Gain,
-  LowerLevel,
-  UpperLevel,
-  Rotation,
-  Counter,
-  Divergence,
-  Oscillation,
-  Temperature,
-  StepTime,
-  StepSize,
-  StepMode,
-  StepCount,
-  Counts
-};
-
-struct UxdKeyword {
-  const char* word;
-  UxdItem item;
-};
-
-// Longer words first, so that STEPTIME is not taken for STE nor COUNTS for COU.
-constexpr UxdKeyword kKeywords[] = {
-    {"STEPTIME", UxdItem::StepTime},
-    {"STEPSIZE", UxdItem::StepSize},
-    {"STEPMODE", UxdItem::StepMode},
-    {"STEPCOUN", UxdItem::StepCount},
-    {"COUNTS", UxdItem::Counts},
-    {"FIL", UxdItem::File},
-    {"SAM", UxdItem::Sample},
-    {"SA", UxdItem::Sample},
-    {"DAT", UxdItem::Date},
-    {"RUN", UxdItem::RunTime},
-    {"WL1", UxdItem::Wave1},
-    {"WL2", UxdItem::Wave2},
-    {"WL3", UxdItem::Wave3},
-    {"WLR", UxdItem::WaveRatio},
-    {"ANO", UxdItem::Anode},
-    {"DRI", UxdItem::Drive},
-    {"STE", UxdItem::Step},
-    {"STA", UxdItem::Start},
-    {"2TH", UxdItem::TwoTheta},
-    {"THE", UxdItem::Omega},
-    {"KHI", UxdItem::Chi},
-    {"PHI", UxdItem::Phi},
-    {"X=", UxdItem::Tr1},
-    {"Y=", UxdItem::Tr2},
-    {"KV=", UxdItem::KiloVolt},
-    {"MA=", UxdItem::MilliAmpere},
-    {"CHA", UxdItem::Changer},
-    {"HV=", UxdItem::HighVoltage},
-    {"GAI", UxdItem::Gain},
-    {"LLD", UxdItem::LowerLevel},
-    {"ULD", UxdItem::UpperLevel},
-    {"ROT", UxdItem::Rotation},
-    {"COU", UxdItem::Counter},
-    {"DIV", UxdItem::Divergence},
-    {"OSC", UxdItem::Oscillation},
-    {"TEM", UxdItem::Temperature},
-};
-
-// The experiment block of the header, for the report.
-struct UxdExperiment {
-  std::string date, fileName, sample, runTime, anode, stepMode, rotation;
-  float wave1 = 0, wave2 = 0, wave3 = 0, waveRatio = 0;
-  float stepTime = 0, step = 0, start = 0, twoTheta = 0, omega = 0, chi = 0, phi = 0;
-  float tr1 = 0, tr2 = 0, kiloVolt = 0, milliAmpere = 0, highVoltage = 0, gain = 0;
-  float lowerLevel = 0, upperLevel = 0, temperature = 0;
-  bool stepGiven = false, startGiven = false, twoThetaGiven = false, temperatureGiven = false;
-};
 
 // The kinds of line, by their type character.
 enum class UxdLine { Keyword, Data, Comment, End, Skip };
@@ -171,111 +78,11 @@ int RangeNumber(std::string upper) {
 }
 
 void ReadKeyword(DataFile& file, std::string_view text, UxdExperiment& e) {
-  std::string upper(text);
-  ToUpper(upper);
-  for (const UxdKeyword& k : kKeywords) {
-    if (!upper.starts_with(k.word)) continue;
-    const std::string value = KeywordValue(text);
-    auto number = [&](bool required = false) { return HeaderNumber(file, value, required); };
-    switch (k.item) {
-      case UxdItem::File:
-        e.fileName = value;
-        break;
-      case UxdItem::Sample:
-        e.sample = value;
-        break;
-      case UxdItem::Date:
-        e.date = value;
-        break;
-      case UxdItem::RunTime:
-        e.runTime = value;
-        break;
-      case UxdItem::Wave1:
-        e.wave1 = number();
-        break;
-      case UxdItem::Wave2:
-        e.wave2 = number();
-        break;
-      case UxdItem::Wave3:
-        e.wave3 = number();
-        break;
-      case UxdItem::WaveRatio:
-        e.waveRatio = number();
-        break;
-      case UxdItem::Anode:
-        e.anode = value;
-        break;
-      case UxdItem::Step:
-      case UxdItem::StepSize:
-        e.step = number(true);
-        e.stepGiven = true;
-        break;
-      case UxdItem::Start:
-        e.start = number(true);
-        e.startGiven = true;
-        break;
-      case UxdItem::TwoTheta:
-        e.twoTheta = number();
-        e.twoThetaGiven = true;
-        break;
-      case UxdItem::Omega:
-        e.omega = number();
-        break;
-      case UxdItem::Chi:
-        e.chi = number();
-        break;
-      case UxdItem::Phi:
-        e.phi = number();
-        break;
-      case UxdItem::Tr1:
-        e.tr1 = number();
-        break;
-      case UxdItem::Tr2:
-        e.tr2 = number();
-        break;
-      case UxdItem::KiloVolt:
-        e.kiloVolt = number();
-        break;
-      case UxdItem::MilliAmpere:
-        e.milliAmpere = number();
-        break;
-      case UxdItem::HighVoltage:
-        e.highVoltage = number();
-        break;
-      case UxdItem::Gain:
-        e.gain = number();
-        break;
-      case UxdItem::LowerLevel:
-        e.lowerLevel = number();
-        break;
-      case UxdItem::UpperLevel:
-        e.upperLevel = number();
-        break;
-      case UxdItem::Rotation:
-        e.rotation = value;
-        break;
-      case UxdItem::Temperature:
-        e.temperature = number();
-        e.temperatureGiven = true;
-        break;
-      case UxdItem::StepTime:
-        e.stepTime = number();
-        break;
-      case UxdItem::StepMode:
-        e.stepMode = value;
-        break;
-      // Recognised, but nothing the reader or its report uses.
-      case UxdItem::Drive:
-      case UxdItem::Changer:
-      case UxdItem::Counter:
-      case UxdItem::Divergence:
-      case UxdItem::Oscillation:
-      case UxdItem::StepCount:
-      case UxdItem::Counts:
-        break;
-    }
-    return;
-  }
+  const UxdKeyword* keyword = FindUxdKeyword(text);
+  if (keyword == nullptr || keyword->action == nullptr) return;
+  const std::string value = KeywordValue(text);
+  const UxdValue given{value, [&](bool required) { return HeaderNumber(file, value, required); }};
+  keyword->action(e, given);
 }
 
 // The counts of a data line, in free format.
