@@ -30,6 +30,9 @@ GeneratorRow Row(int r1, int r2, int r3, int t1, int t2, int t3) {
   return row;
 }
 
+// A translation along the diagonal [110] carried by field 4 of a symbol.
+enum class DiagonalTranslation { kNone, kScrew, kGlide };
+
 // The row with x and y exchanged: (r2, r1, r3 | t2, t1, t3).
 GeneratorRow Transposed(const GeneratorRow& row) {
   return Row(row.r2, row.r1, row.r3, row.t2, row.t1, row.t3);
@@ -57,6 +60,22 @@ class RowBuilder {
   int F21() const { return w_.At(2, 1); }
   int F31() const { return w_.At(3, 1); }
   int F41() const { return w_.At(4, 1); }
+
+  // The translation along [110] that field 4 of a C-centred tetragonal symbol
+  // asks for (C 4 2 21, C -4 2 b, ...). The shortest lattice vector along the
+  // diagonal of the C cell is (1/2,1/2,0), so a screw 21 or a glide a or b
+  // there translates by (1/4,1/4,0), which the diagonal row cannot hold. The
+  // diagonal element is the product of the four-fold and the element along b,
+  // so the translation goes on one of those instead: a screw moves the
+  // four-fold to (1/4,1/4,z) (x + 1/2), a glide moves the elements along a and
+  // b to x = 1/4 (x + 1/2). Either way the diagonal element comes out as
+  // (y + 1/2, x, +-z), i.e. (1/4,1/4,0) along the diagonal.
+  DiagonalTranslation DiagonalOfCentredCell() const {
+    if (w_.latticeCode != kCodeC || F21() != kCode4 || w_.NF < 4) return DiagonalTranslation::kNone;
+    if (F41() == kCode2 && w_.At(4, 2) == kCode1) return DiagonalTranslation::kScrew;
+    if (F41() == kCodeA || F41() == kCodeB) return DiagonalTranslation::kGlide;
+    return DiagonalTranslation::kNone;
+  }
 
   // Applies the rule of the character leading field r (or standing behind its
   // '/'). A rule for a rotation axis then looks for a '/' in the field.
@@ -163,6 +182,7 @@ class RowBuilder {
 
   void FourFold(int c2) {
     GeneratorRow row = Row(3, 1, 0, 4, 4, 0);
+    if (DiagonalOfCentredCell() == DiagonalTranslation::kScrew) row.t1 = 1;
     if (c2 == kCode1) row.t3 = 2;
     if (c2 == kCode2) row.t3 = 1;
     if (c2 == kCode3) row.t3 = 3;
@@ -237,7 +257,8 @@ class RowBuilder {
   void AAxis(int c2) { w_.AddRow(Row(0, 2, 2, (c2 == kCode1 || c2 == kCode3) ? 1 : 0, 4, 4)); }
 
   void BAxis(int c2) {
-    const GeneratorRow row = Row(2, 0, 2, 4, c2 == kCode1 ? 1 : 0, 4);
+    GeneratorRow row = Row(2, 0, 2, 4, c2 == kCode1 ? 1 : 0, 4);
+    if (DiagonalOfCentredCell() == DiagonalTranslation::kGlide) row.t1 = 1;
     w_.AddRow(row);
     if (F21() == kCode4) w_.AddRow(Transposed(row));
   }
@@ -257,7 +278,8 @@ class RowBuilder {
   }
 
   void AMirror(int letter) {
-    const GeneratorRow row = Row(2, 0, 0, 4, IsGlideB(letter) ? 1 : 0, IsGlideC(letter) ? 1 : 0);
+    GeneratorRow row = Row(2, 0, 0, 4, IsGlideB(letter) ? 1 : 0, IsGlideC(letter) ? 1 : 0);
+    if (DiagonalOfCentredCell() == DiagonalTranslation::kGlide) row.t1 = 1;
     w_.AddRow(row);
     if (F21() == kCode4) w_.AddRow(Transposed(row));
   }
