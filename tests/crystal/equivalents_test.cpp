@@ -85,6 +85,23 @@ TEST(Equivalents, CentrosymmetricListHoldsOneMemberOfEachFriedelPairWithPositive
   }
 }
 
+TEST(Equivalents, CentrosymmetryComesFromTheGeneratorWordsNotTheFlags) {
+  // Operator lines set ICENT and isAcentric of their own; the reflections
+  // are generated from the words of the symbol, and so is their Friedel rule.
+  SpaceGroup centric = Built("P -1");
+  centric.ICENT = 1;
+  centric.isAcentric = 1;
+  const EquivalentList pair = Equivalents(centric, -1, -2, -3);
+  EXPECT_EQ(pair.count, 1);
+  EXPECT_EQ(pair.hkl[1], (Triple{1, 2, 3}));
+  SpaceGroup acentric = Built("P 1");
+  acentric.ICENT = 2;
+  acentric.isAcentric = 0;
+  const EquivalentList single = Equivalents(acentric, -1, -2, -3);
+  EXPECT_EQ(single.count, 1);
+  EXPECT_EQ(single.hkl[1], (Triple{-1, -2, -3}));
+}
+
 TEST(Equivalents, StabiliserOrderIsGeneratorOrderOverDistinctEntries) {
   // P 4/m m m: 16 operations; 00l has one entry up to its Friedel mate.
   const EquivalentList axial = Equivalents(Built("P 4/m m m"), 0, 0, 1);

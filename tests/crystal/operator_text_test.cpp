@@ -51,6 +51,16 @@ TEST(OperatorText, TranslationBeforeTheLetterKeepsItsOwnSign) {
   EXPECT_FLOAT_EQ(translation[2], 0.25f);
 }
 
+TEST(OperatorText, DivisorOfSeveralDigitsIsReadWhole) {
+  IntMatrix3 rotation;
+  Table1<float, 3> translation;
+  ASSERT_TRUE(ParseOperatorText("x+1/12,y-5/12,-z+11/12", 1, rotation, translation).ok());
+  EXPECT_EQ(Rows(rotation), (std::array<int, 9>{1, 0, 0, 0, 1, 0, 0, 0, -1}));
+  EXPECT_FLOAT_EQ(translation[1], 1.0f / 12.0f);
+  EXPECT_FLOAT_EQ(translation[2], -5.0f / 12.0f);
+  EXPECT_FLOAT_EQ(translation[3], 11.0f / 12.0f);
+}
+
 TEST(OperatorText, DigitBeforeALetterIsItsCoefficient) {
   IntMatrix3 rotation;
   Table1<float, 3> translation;
