@@ -34,7 +34,6 @@ bool NextDataRecord(Job& job, std::string& record) {
   ConsoleLine(job, " => Unreadable record of the reflection file:");
   ConsoleLine(job, record);
   StopBox(job, " Error reading the reflection file ");
-  throw ProcessStop{0};  // not reached: the stop box throws
 }
 
 std::string ReadTitle(Job& job) {

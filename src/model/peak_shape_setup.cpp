@@ -149,7 +149,7 @@ ShapeSlotSlopes ShapeParameterSlopes(const PeakShape& s, const ProfileSlopes& d)
 void RequireResolutionShape(Job& job, int ip, int code) {
   if (job.patterns[ip].IRESO == 0 || code == 8) return;
   ConsoleLine(job, Fmt("(A,I3)", " Illegal use of resolution function for pattern: ", ip));
-  StopBox(job, " ===>>> Illegal use of resolution function!! ", 0);
+  WarningBox(job, " ===>>> Illegal use of resolution function!! ");
   StopBox(job, "        NPROF must be equal to 7!  ");
 }
 

@@ -24,7 +24,7 @@ constexpr int U2 = 43, V2 = 44, W2 = 45, Ur = 46, Vr = 47, Wr = 48;
 constexpr int kSycos = 8;
 constexpr int kSysin = 9;
 
-void StopOnNegativeSquare(Job& job, float position, int phase) {
+[[noreturn]] void StopOnNegativeSquare(Job& job, float position, int phase) {
   WriteLine(job, Unit::Out,
             Fmt("(A,F12.4,A,I3)", " => Square of FWHM <0 at 2theta/TOF/E(KeV):", position,
                 "  Phase:", phase));

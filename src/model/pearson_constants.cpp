@@ -69,7 +69,7 @@ PearsonRatio ReadTables(float m) {
   return r;
 }
 
-void RefuseExponent(Job& job, float m) {
+[[noreturn]] void RefuseExponent(Job& job, float m) {
   const std::string line =
       Fmt("(A,F12.5)", " => Unacceptable M value in calculating Pearson VII function2", m);
   ConsoleLine(job, line);

@@ -137,16 +137,15 @@ void DampOscillations(Job& job, int fitted) {
   }
 }
 
-void RunCycles(Job& job, int& stopFlag) {
+void RunCycles(Job& job) {
   auto work = std::make_unique<CycleWork>();
-  RunCycles(job, stopFlag, *work);
+  RunCycles(job, *work);
 }
 
-void RunCycles(Job& job, int& stopFlag, CycleWork& work) {
+void RunCycles(Job& job, CycleWork& work) {
   StopOnStructureFactorsNotCalculated(job);
   RefinementState& s = job.refinement;
   const int fitted = FittedCount(job);
-  stopFlag = 0;
   s.EndMarker = 0;
   s.PreviousChi2 = 1.0e38f;
   s.LastShift.Fill(0.0f);
@@ -173,10 +172,7 @@ void RunCycles(Job& job, int& stopFlag, CycleWork& work) {
     DampOscillations(job, fitted);
     ReportCycle(job, cycle, profile);
     if (job.run.IDUM == 2) {
-      if (StopOnDivergence(job, cycle)) {
-        stopFlag = 1;
-        return;
-      }
+      StopOnDivergence(job, cycle);
       s.PreviousChi2 = s.GlobalChi2;
     }
     const bool tested = job.run.ConvergenceTestActive;

@@ -32,13 +32,12 @@ void StopOnSingularMatrix(Job& job, int fitted) {
   }
 }
 
-bool StopOnDivergence(Job& job, int cycle) {
+void StopOnDivergence(Job& job, int cycle) {
   const RefinementState& s = job.refinement;
-  if (s.PreviousChi2 - s.GlobalChi2 > 0.0f) return false;
+  if (s.PreviousChi2 - s.GlobalChi2 > 0.0f) return;
   ConsoleLineWithNumber(job, " STOP at cycle", cycle, 0.0f, 1);
   ConsoleLine(job, " because of divergence");
   StopBox(job, " STOP because of divergence");
-  return true;
 }
 
 int FirstUnconverged(Job& job, int cycle, int fitted) {

@@ -13,9 +13,8 @@ void StopOnStructureFactorsNotCalculated(Job& job);
 // A diagonal element of the normal matrix below 1E-30 names its parameter and stops the run.
 void StopOnSingularMatrix(Job& job, int fitted);
 
-// With IDUM 2 a chi-square that does not fall from the last cycle stops the
-// run; true when the run stopped.
-bool StopOnDivergence(Job& job, int cycle);
+// With IDUM 2 a chi-square that does not fall from the last cycle stops the run.
+void StopOnDivergence(Job& job, int cycle);
 
 // The first parameter whose damped shift exceeds EPS sigma, or 0; at the last
 // cycle (NCY) the first parameter counts as not converged.

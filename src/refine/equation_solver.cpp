@@ -53,7 +53,6 @@ void ChoosePivot(SolverWork& w, int k, int n) {
   WriteLine(job, Unit::Out, " ==> Singular matrix!!, fix some parameters!");
   ConsoleLine(job, " Singular matrix!!, fix some parameters!");
   StopBox(job, " Singular Matrix!! ");
-  throw ProcessStop{0};
 }
 
 // One Jordan exchange: equation k is solved for the unknown of its pivot
