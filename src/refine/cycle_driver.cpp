@@ -12,7 +12,6 @@
 #include "refine/cycle_report.h"
 #include "refine/cycle_stop_tests.h"
 #include "refine/cycle_work.h"
-#include "refine/equation_solver.h"
 #include "refine/order_reflections.h"
 #include "refine/parameter_families.h"
 #include "refine/parameter_update.h"
@@ -165,7 +164,7 @@ void RunCycles(Job& job, CycleWork& work) {
     Symmetrise(s.normal, fitted);
     if (job.run.MAT == 2) WriteDiagonal(job, cycle, fitted);
     StopOnSingularMatrix(job, fitted);
-    if (fitted > 0) SolveNormalEquations(job, s.normal, s.solver, fitted);
+    if (fitted > 0) SolveCycleEquations(job, fitted);
     for (int i = 1; i <= fitted; ++i) {
       for (int j = 1; j <= fitted; ++j) s.normal.A(i, j) *= s.GlobalChi2;
     }

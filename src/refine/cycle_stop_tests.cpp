@@ -7,6 +7,7 @@
 #include <string>
 
 #include "format/fortran_format.h"
+#include "refine/equation_solver.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -30,6 +31,14 @@ void StopOnSingularMatrix(Job& job, int fitted) {
     ConsoleLine(job, words);
     StopBox(job, " Singular Matrix!! ");
   }
+}
+
+void SolveCycleEquations(Job& job, int fitted) {
+  RefinementState& s = job.refinement;
+  if (SolveNormalEquations(s.normal, s.solver, fitted).status == SolveStatus::Solved) return;
+  WriteLine(job, Unit::Out, " ==> Singular matrix!!, fix some parameters!");
+  ConsoleLine(job, " Singular matrix!!, fix some parameters!");
+  StopBox(job, " Singular Matrix!! ");
 }
 
 void StopOnDivergence(Job& job, int cycle) {
