@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <span>
 
 #include "crystal/metric.h"
 #include "model/asymmetry_factor.h"
@@ -13,6 +14,7 @@
 #include "model/structure_factor.h"
 #include "records/reflection.h"
 #include "refine/parameter_families.h"
+#include "surface/console.h"
 
 namespace corvinet {
 
@@ -219,12 +221,17 @@ void AddVectorDerivatives(float* row, const Phase& ph, const PhasePattern& c, co
 float CrystalStructureFactor(Job& job, CycleWork& work, int ip, int phase, const Geometry& g,
                              Reflection& r, int fitted) {
   const Phase& ph = job.phases[phase];
+  const Pattern& p = job.patterns[ip];
+  const PhasePattern& c = ph.pat[ip];
+  const StructureFactorInputs in{
+      ph.group,
+      std::span<const AtomSite>(job.atoms.ptr() + ph.atomOffset, static_cast<std::size_t>(ph.Nat)),
+      c.species,
+      p.NSCAT,
+      c.Irf,
+      p.JFOU};
   StructureFactorRequest q;
-  q.pattern = ip;
-  q.phase = phase;
   q.nSym = ph.group.NSYM;
-  q.nAtoms = ph.Nat;
-  q.atomOffset = ph.atomOffset;
   q.acentric = ph.group.ICENT == 1 ? 1 : 2;
   for (int i = 0; i < 3; ++i) q.h[i] = static_cast<float>(g.h[i]);
   q.s2 = static_cast<float>(0.25 * g.Q);
@@ -233,7 +240,11 @@ float CrystalStructureFactor(Job& job, CycleWork& work, int ip, int phase, const
     dF2 = &work.dF2[1];
     for (int L = 0; L < fitted; ++L) dF2[L] = 0.0f;
   }
-  return EvaluateStructureFactor(job, q, r, work.structure, dF2, fitted);
+  const StructureFactorValue value = EvaluateStructureFactor(in, q, r, work.structure, dF2, fitted);
+  if (value.status == StructureFactorStatus::FormFactorObject) {
+    StopBox(job, " Form-factor objects are not evaluated by this version ");
+  }
+  return value.F2;
 }
 
 }  // namespace
