@@ -9,6 +9,7 @@
 #include "crystal/metric.h"
 #include "model/asymmetry_factor.h"
 #include "model/intensity_factors.h"
+#include "model/peak_error_stop.h"
 #include "model/peak_shape_setup.h"
 #include "model/peak_width.h"
 #include "model/structure_factor.h"
@@ -185,7 +186,12 @@ PeakWidths StoreWidths(Job& job, int ip, int phase, int w, const Geometry& g, Re
   in.tanTheta = static_cast<float>(g.tanTheta);
   in.cos2Theta = static_cast<float>(g.cos2);
   in.previousFwhm = r.Fwhm;
-  const PeakWidths widths = PeakWidth(job, ip, in);
+  PeakWidths widths;
+  try {
+    widths = PeakWidth(job.patterns[ip], job.phases[phase].pat[ip].PAR, in);
+  } catch (const PeakError& error) {
+    StopOnPeakError(job, error);
+  }
   r.Fwhm = widths.H;
   r.FwhmRight = code == 12 ? widths.HL : widths.H;
   r.HG = widths.HG;
@@ -290,12 +296,15 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   r.position = static_cast<float>(g.twoTheta);
   const PeakWidths widths = StoreWidths(job, ip, phase, w, g, r);
   ReflectionShapeInput shapeIn;
-  shapeIn.phase = phase;
   shapeIn.code = c.Npr;
   shapeIn.twoTheta = r.position;
   shapeIn.tanTheta = r.tanTheta;
   shapeIn.widths = widths;
-  entry.shape = PreparePeakShape(job, ip, shapeIn);
+  try {
+    entry.shape = PreparePeakShape(p, c.PAR, job.numericalProfile, shapeIn);
+  } catch (const PeakError& error) {
+    StopOnPeakError(job, error);
+  }
   if (p.IXUNIT == 2) {
     entry.shape.position = p.GLB[1] + r.position + static_cast<float>(p.GLB[9] * g.Q);
   }
