@@ -48,7 +48,7 @@ PeakShape ShapeFor(Job& job, int code) {
   in.tanTheta = 0.4378f;
   in.widths = WidthsFor(code);
   if (code == 6 || code == 12) job.phases[1].pat[1].PAR[17] = 0.3f;
-  return PreparePeakShape(job, 1, in);
+  return PreparePeakShape(job.patterns[1], job.phases[1].pat[1].PAR, job.numericalProfile, in);
 }
 
 // The abscissae of the points under the peak, spread over its base.

@@ -13,7 +13,6 @@ Codeword DecodeCheckedCode(Job& job, float typed) {
   ConsoleLine(job,
               Fmt("(A,I4)", "    The maximum number of parameters is: ", DimensionLimits::MSZ));
   StopBox(job, " Error in a code ");
-  return w;
 }
 
 }  // namespace corvinet

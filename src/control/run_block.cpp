@@ -179,7 +179,7 @@ void PreparePattern(Job& job, int ip, const HeadSteps& steps) {
   steps.readSideFiles(job, ip);
   if (p.IRESO != 0 && p.NPROF != 7) {
     ConsoleLine(job, Fmt("(A,I3)", " Illegal use of resolution function for pattern: ", ip));
-    StopBox(job, " ===>>> Illegal use of resolution function!! ", 0);
+    WarningBox(job, " ===>>> Illegal use of resolution function!! ");
     StopBox(job, "        NPROF must be equal to 7!  ");
   }
   if (p.IRESO != 0) p.ResolutionFile = ReadResolutionName(job);

@@ -21,7 +21,7 @@ bool IsEndMark(float x) {
   return std::fabs(100.0f + x) < 0.0001f;
 }
 
-void TooManyPoints(Job& job) {
+[[noreturn]] void TooManyPoints(Job& job) {
   WriteReports(job, " => Too many scattering factor entries");
   StopBox(job, " Too many scattering factor entries ");
 }

@@ -26,7 +26,6 @@ bool ReadListFromUnit(Job& job, int unit, std::span<const ReadTarget> targets) {
   if (status == ReadStatus::Ok) return true;
   ConsoleLine(job, " => Error reading the file: " + file.name);
   StopBox(job, " => Error reading the file: " + file.name);
-  return false;
 }
 
 void RequireList(Job& job, int unit, std::span<const ReadTarget> targets) {

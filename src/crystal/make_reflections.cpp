@@ -14,7 +14,7 @@ bool LastPhaseOfPattern(const Job& job, int k, int ip) {
   return true;
 }
 
-void RefuseIntegratedIntensities(Job& job, int k, int ip) {
+[[noreturn]] void RefuseIntegratedIntensities(Job& job, int k, int ip) {
   ConsoleLine(job, Fmt("(A,I2,A,I2)", " => Phase ", k, ", pattern ", ip,
                        ": integrated intensities (Irf 4 or -4) as observations"));
   ConsoleLine(job, "    are not read by this version of the program");
@@ -39,7 +39,6 @@ void MakeByIrf(Job& job, int k, int ip, LorentzFactor lorentz) {
     case 4:
     case -4:
       RefuseIntegratedIntensities(job, k, ip);
-      return;
     default:
       StopBox(job, " Illegal IRF value ");
   }

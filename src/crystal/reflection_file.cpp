@@ -6,6 +6,7 @@
 
 #include "crystal/metric.h"
 #include "crystal/reflection_generation.h"
+#include "crystal/slot_error_stop.h"
 #include "crystal/space_group_symbol.h"
 #include "format/fortran_format.h"
 #include "format/text.h"
@@ -34,7 +35,6 @@ bool NextDataRecord(Job& job, std::string& record) {
   ConsoleLine(job, " => Unreadable record of the reflection file:");
   ConsoleLine(job, record);
   StopBox(job, " Error reading the reflection file ");
-  throw ProcessStop{0};  // not reached: the stop box throws
 }
 
 std::string ReadTitle(Job& job) {
@@ -114,6 +114,7 @@ int ReflectionsFromFile(Job& job, int k, int ip, LorentzFactor lorentz, const Hk
     CompareVectors(job, ph);
   }
   const SlotContext context = MakeSlotContext(job, k, ip, lorentz, shift);
+  Pattern& p = job.patterns[ip];
   int taken = 0;
   std::string record;
   while (NextDataRecord(job, record)) {
@@ -121,7 +122,11 @@ int ReflectionsFromFile(Job& job, int k, int ip, LorentzFactor lorentz, const Hk
     if (!ReadSource(record, form, withVectors, source)) StopUnreadable(job, record);
     AddVector(ph, source);
     if (!InsideRange(context, InverseDSquared(context.coefficients, source.real))) continue;
-    taken += StoreReflection(job, context, source);
+    try {
+      taken += StoreReflection(p, p.reflections, context, source);
+    } catch (const SlotError& error) {
+      StopOnSlotError(job, ip, error);
+    }
   }
   CloseUnit(HklUnit(job));
   return taken;

@@ -9,6 +9,7 @@
 #include "crystal/equivalents.h"
 #include "crystal/metric.h"
 #include "crystal/reflection_wedge.h"
+#include "crystal/slot_error_stop.h"
 #include "crystal/space_group_symbol.h"
 #include "format/fortran_format.h"
 #include "surface/console.h"
@@ -65,6 +66,7 @@ struct GenerationState {
   SlotContext context;
   SatelliteList satellites;
   int taken = 0;
+  Pattern& Pat() { return job.patterns[ip]; }
 };
 
 void StoreFundamental(GenerationState& s, int h, int k, int l, int multiplicity) {
@@ -75,7 +77,7 @@ void StoreFundamental(GenerationState& s, int h, int k, int l, int multiplicity)
   source.real = {static_cast<double>(h), static_cast<double>(k), static_cast<double>(l)};
   source.multiplicity = multiplicity;
   if (!InsideRange(s.context, InverseDSquared(s.context.coefficients, source.real))) return;
-  s.taken += StoreReflection(s.job, s.context, source);
+  s.taken += StoreReflection(s.Pat(), s.Pat().reflections, s.context, source);
 }
 
 void StoreSatellite(GenerationState& s, int h, int k, int l, int multiplicity, int vector,
@@ -92,7 +94,7 @@ void StoreSatellite(GenerationState& s, int h, int k, int l, int multiplicity, i
   if (!InsideRange(s.context, InverseDSquared(s.context.coefficients, source.real))) return;
   if (s.satellites.Holds(source.real)) return;
   s.satellites.Add(source.real);
-  s.taken += StoreReflection(s.job, s.context, source);
+  s.taken += StoreReflection(s.Pat(), s.Pat().reflections, s.context, source);
 }
 
 // The fundamental and the satellites of one triple of the wedge.
@@ -193,7 +195,11 @@ int GenerateReflections(Job& job, int k, int ip, LorentzFactor lorentz, const Hk
   ReportGeneration(job, k, ip, state.context.range);
   if (limits.cut) ReportCutLimits(job);
   const WedgeLoops wedge = SetUpWedge(ph.group, limits.hMax, limits.kMax, limits.lMax);
-  WalkWedge(wedge, [&state](int h, int kk, int l) { Consider(state, h, kk, l); });
+  try {
+    WalkWedge(wedge, [&state](int h, int kk, int l) { Consider(state, h, kk, l); });
+  } catch (const SlotError& error) {
+    StopOnSlotError(job, ip, error);
+  }
   ReportRelevantFile(job, ph, ph.pat[ip].Irf);
   return state.taken;
 }

@@ -4,9 +4,7 @@
 #include <cstdlib>
 
 #include "crystal/metric.h"
-#include "format/fortran_format.h"
 #include "records/reflection.h"
-#include "surface/console.h"
 
 namespace corvinet {
 namespace {
@@ -16,28 +14,15 @@ double SquaredWidth(const MarginWidths& w, double tanTheta) {
   return w.W + tanTheta * (w.V + tanTheta * w.U);
 }
 
-[[noreturn]] void StopNegativeWidth(Job& job, int ip, float position) {
-  const std::string where = Fmt("(A,F12.4)", " Square of FWHM <0 at 2theta/TOF/E(KeV): ", position);
-  const std::string pattern = Fmt("(A,I2)", " For pattern number: ", ip);
-  WriteLine(job, Unit::Out, where);
-  WriteLine(job, Unit::Out, pattern);
-  ConsoleLine(job, where);
-  ConsoleLine(job, pattern);
-  StopBox(job, " Square of FWHM <0 ");
-  throw ProcessStop{0};  // not reached: the stop box throws
-}
-
-void CheckWidth(Job& job, const SlotContext& c, const ReflectionPlace& place) {
-  const Pattern& p = job.patterns[c.ip];
+void CheckWidth(const Pattern& p, const SlotContext& c, const ReflectionPlace& place) {
   if (p.IXUNIT != kTwoTheta || p.IRESO != 0) return;
   if (SquaredWidth(c.widths, place.tanTheta) < 0.0) {
-    StopNegativeWidth(job, c.ip, static_cast<float>(place.position));
+    throw SlotError{SlotFailure::NegativeWidth, static_cast<float>(place.position)};
   }
 }
 
-Reflection& TakeSlot(Job& job, int ip) {
-  ReflectionTable& table = job.patterns[ip].reflections;
-  if (table.total >= ReflectionTable::kLastUsable) StopTooManyReflections(job, ip);
+Reflection& TakeSlot(ReflectionTable& table) {
+  if (table.total >= ReflectionTable::kLastUsable) throw SlotError{SlotFailure::TableFull, 0.0f};
   ++table.total;
   Reflection& slot = table.slot[table.total];
   slot = Reflection{};
@@ -60,6 +45,7 @@ SlotContext MakeSlotContext(const Job& job, int k, int ip, LorentzFactor lorentz
   context.wavelengths = WavelengthCount(p);
   context.shift = shift;
   context.lorentz = lorentz;
+  context.multiplicityFactor = ph.group.multiplicityFactor;
   return context;
 }
 
@@ -68,16 +54,16 @@ bool InsideRange(const SlotContext& context, double q) {
   return s <= context.range.sHigh && s >= context.range.sLow;
 }
 
-int StoreReflection(Job& job, const SlotContext& c, const ReflectionSource& source) {
-  const Pattern& p = job.patterns[c.ip];
+int StoreReflection(const Pattern& p, ReflectionTable& table, const SlotContext& c,
+                    const ReflectionSource& source) {
   const double q = InverseDSquared(c.coefficients, source.real);
   const double shift = c.shift ? c.shift(source.real, q) : 0.0;
   int taken = 0;
   for (int w = 1; w <= c.wavelengths; ++w) {
     const ReflectionPlace place = PlaceReflection(p, q, w, shift);
     if (!place.valid || !InsidePattern(p, static_cast<float>(place.position))) continue;
-    CheckWidth(job, c, place);
-    Reflection& slot = TakeSlot(job, c.ip);
+    CheckWidth(p, c, place);
+    Reflection& slot = TakeSlot(table);
     slot.key = ReflectionKey(w, c.phase, source.h, source.k, source.l);
     slot.multiplicity = source.multiplicity;
     slot.satelliteIndex = source.satelliteIndex;
@@ -85,22 +71,13 @@ int StoreReflection(Job& job, const SlotContext& c, const ReflectionSource& sour
     slot.tanTheta = static_cast<float>(place.tanTheta);
     // The constant part of the intensity: phase multiplicity factor times
     // multiplicity times the Lorentz-polarisation factor at this position.
-    const int phaseMult = job.phases[c.phase].group.multiplicityFactor;
-    slot.LpM =
-        static_cast<float>(phaseMult * source.multiplicity) * c.lorentz(p, q, w, slot.position);
+    slot.LpM = static_cast<float>(c.multiplicityFactor * source.multiplicity) *
+               c.lorentz(p, q, w, slot.position);
     slot.fileValue1 = source.fileValue1;
     slot.fileValue2 = source.fileValue2;
     ++taken;
   }
   return taken;
-}
-
-void StopTooManyReflections(Job& job, int ip) {
-  WriteLine(job, Unit::Out, Fmt("(I6,A)", ReflectionTable::kCapacity, "  Too many reflections"));
-  ConsoleLine(job, Fmt("(A,I6)", " Too many reflections", ReflectionTable::kCapacity));
-  ConsoleLine(job, Fmt("(A,I2)", " For pattern number: ", ip));
-  StopBox(job, " Too many reflections ");
-  throw ProcessStop{0};  // not reached: the stop box throws
 }
 
 }  // namespace corvinet

@@ -39,22 +39,36 @@ struct SlotContext {
   int wavelengths = 1;
   HklShift shift;
   LorentzFactor lorentz = nullptr;  // Lp of a placed reflection
+  int multiplicityFactor = 1;       // of the phase's group, a factor of every intensity
+};
+
+// Why a reflection could not take its slot.
+enum class SlotFailure {
+  NegativeWidth,  // the square of its Caglioti width is below 0
+  TableFull,      // the table already holds ReflectionTable::kLastUsable reflections
+};
+
+// Thrown by StoreReflection; the generation turns it into its stop.
+struct SlotError {
+  SlotFailure failure = SlotFailure::TableFull;
+  float position = 0.0f;  // for NegativeWidth: where the reflection falls
 };
 
 // The context of phase k in pattern ip: coefficients PAR[6..11], widths
-// PAR[3..5], the range with its margin and the wavelengths.
+// PAR[3..5], the range with its margin, the wavelengths and the
+// multiplicity factor of the group.
 SlotContext MakeSlotContext(const Job& job, int k, int ip, LorentzFactor lorentz,
                             const HklShift& shift);
 
 // Whether 1/d² = q lies inside the range of the context.
 bool InsideRange(const SlotContext& context, double q);
 
-// Stores the reflection once per wavelength whose position lies inside the
-// pattern, and returns how many slots it took. A reflection past the
-// capacity, or with a negative square of its width, stops the run.
-int StoreReflection(Job& job, const SlotContext& context, const ReflectionSource& source);
-
-// The stop of a full table: " Too many reflections ".
-[[noreturn]] void StopTooManyReflections(Job& job, int ip);
+// Stores the reflection of pattern `p` in `table` (the pattern's own) once
+// per wavelength whose position lies inside the pattern, and returns how many
+// slots it took. A two-theta pattern without a resolution file refuses a
+// negative square of the width at the position, and a full table refuses any
+// further reflection: both throw SlotError, the slots taken before kept.
+int StoreReflection(const Pattern& p, ReflectionTable& table, const SlotContext& context,
+                    const ReflectionSource& source);
 
 }  // namespace corvinet

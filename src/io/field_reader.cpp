@@ -313,7 +313,6 @@ void ReportFieldError(Job& job, int error, std::string_view line, int position) 
 
 void StopAtLine(Job& job, int lineNumber) {
   StopBox(job, Fmt("(A,I0,A)", " => Please check your input file at line: ", lineNumber, " !"));
-  throw ProcessStop{0};
 }
 
 void FindFMT(Job& job, int unit, std::string& line, std::string& mask, std::string& format,

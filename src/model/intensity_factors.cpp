@@ -49,7 +49,6 @@ PreferredOrientation MarchDollase(float pref1, float pref2, float c) {
 
 [[noreturn]] void StopModelNotAvailable(Job& job) {
   StopBox(job, " P.Orient. Model not available ");
-  throw ProcessStop{0};  // not reached: the stop box throws
 }
 
 // The preferred-orientation part of the corrections; P = 1 without texture.
@@ -99,7 +98,6 @@ PreferredOrientation PreferredOrientationFactor(Job& job, int NORI, float pref1,
       StopModelNotAvailable(job);
     default:
       StopBox(job, " Illegal value of NORI  ");
-      throw ProcessStop{0};  // not reached: the stop box throws
   }
 }
 

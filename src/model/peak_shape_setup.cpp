@@ -23,8 +23,6 @@ constexpr int kZero = 1;
 constexpr int kSycos = 8;
 constexpr int kSysin = 9;
 
-using Parameters = Table1<float, DimensionLimits::MPAR>;
-
 bool KnownCode(int code) {
   return code >= 1 && code <= 13;
 }
@@ -34,7 +32,7 @@ void SetWidth(float h, PeakShape& s) {
   s.invH = 1.0f / h;
 }
 
-void SetSplit(const Parameters& par, const ReflectionShapeInput& in, PeakShape& s) {
+void SetSplit(const WidthParameters& par, const ReflectionShapeInput& in, PeakShape& s) {
   s.eta = par[Slot::Shape1] + par[Slot::X] * in.twoTheta;
   s.eta2 = par[Slot::Etar] + par[Slot::Xr] * in.twoTheta;
   s.H2 = in.widths.HL;
@@ -44,7 +42,7 @@ void SetSplit(const Parameters& par, const ReflectionShapeInput& in, PeakShape& 
   s.splitInvW = 1.0f / w;
 }
 
-void SetTripled(const Parameters& par, const ReflectionShapeInput& in, PeakShape& s) {
+void SetTripled(const WidthParameters& par, const ReflectionShapeInput& in, PeakShape& s) {
   s.eta = par[Slot::Shape1];
   s.D = par[Slot::Shp1] * in.tanTheta * kRadiansToDegrees;
   s.w1 = par[Slot::X];
@@ -61,7 +59,7 @@ void SetTch(const ReflectionShapeInput& in, PeakShape& s) {
   s.tch = TchWidthSlopes(t);
 }
 
-float PearsonExponent(const Parameters& par, float twoTheta) {
+float PearsonExponent(const WidthParameters& par, float twoTheta) {
   return par[Slot::Shape1] + 100.0f * par[Slot::X] / twoTheta +
          10000.0f * par[Slot::Y] / (twoTheta * twoTheta);
 }
@@ -74,15 +72,15 @@ float CorrectedPosition(const Pattern& pattern, float twoTheta) {
          pattern.GLB[kSysin] * std::sin(radians);
 }
 
-PeakShape PreparePeakShape(Job& job, int ip, const ReflectionShapeInput& in) {
-  if (!KnownCode(in.code)) StopBox(job, " Illegal profile function request");
-  const Parameters& par = job.phases[in.phase].pat[ip].PAR;
+PeakShape PreparePeakShape(const Pattern& pattern, const WidthParameters& par,
+                           const NumericalProfile& numerical, const ReflectionShapeInput& in) {
+  if (!KnownCode(in.code)) throw PeakError{PeakFailure::UnknownCode, 0.0f, 0, in.code};
   PeakShape s;
   s.code = in.code;
   s.twoTheta = in.twoTheta;
   s.tanTheta = in.tanTheta;
   s.cosTheta = 1.0f / std::sqrt(1.0f + in.tanTheta * in.tanTheta);
-  s.position = CorrectedPosition(job.patterns[ip], in.twoTheta);
+  s.position = CorrectedPosition(pattern, in.twoTheta);
   SetWidth(in.widths.H, s);
   switch (in.code) {
     case 5:
@@ -93,13 +91,13 @@ PeakShape PreparePeakShape(Job& job, int ip, const ReflectionShapeInput& in) {
       s.eta = par[Slot::Shape1] + par[Slot::X] * in.twoTheta;
       break;
     case 7:
-      s.pearson = PearsonConstants(job, PearsonExponent(par, in.twoTheta));
+      s.pearson = PearsonConstants(PearsonExponent(par, in.twoTheta));
       break;
     case 8:
       SetTch(in, s);
       break;
     case 9:
-      s.numerical = &job.numericalProfile;
+      s.numerical = &numerical;
       break;
     case 12:
       SetSplit(par, in, s);
@@ -149,7 +147,7 @@ ShapeSlotSlopes ShapeParameterSlopes(const PeakShape& s, const ProfileSlopes& d)
 void RequireResolutionShape(Job& job, int ip, int code) {
   if (job.patterns[ip].IRESO == 0 || code == 8) return;
   ConsoleLine(job, Fmt("(A,I3)", " Illegal use of resolution function for pattern: ", ip));
-  StopBox(job, " ===>>> Illegal use of resolution function!! ", 0);
+  WarningBox(job, " ===>>> Illegal use of resolution function!! ");
   StopBox(job, "        NPROF must be equal to 7!  ");
 }
 

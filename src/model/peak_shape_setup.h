@@ -8,7 +8,6 @@ namespace corvinet {
 
 // What the shape needs of one reflection of one phase in one pattern.
 struct ReflectionShapeInput {
-  int phase = 1;
   int code = 6;           // ProfileCode of the reflection
   float twoTheta = 0.0f;  // Bragg position in degrees
   float tanTheta = 0.0f;
@@ -24,11 +23,13 @@ float CorrectedPosition(const Pattern& pattern, float twoTheta);
 //   code 7: m = Shape1 + 100 X/2theta + 10000 Y/2theta^2, then PearsonConstants;
 //   code 8: eta, HG, HL from the widths, with the TCH slopes;
 //   code 5: eta = Shape1, D = Shp1 tan(theta) 57.29578, w1 = X, w2 = Y + Shp2 tan(theta);
-//   code 9: the numerical shapes of the job.
-// A code outside 1 to 13 stops with " Illegal profile function request".
-// For codes 10, 11 and 13 only the position and widths are filled: their own
-// modules complete the shape.
-PeakShape PreparePeakShape(Job& job, int ip, const ReflectionShapeInput& in);
+//   code 9: the numerical shapes `numerical`.
+// `par` are the profile parameters of the phase in `pattern`. A code outside
+// 1 to 13 throws PeakError UnknownCode, and a Pearson VII exponent below 0.6
+// PeakError PearsonExponent. For codes 10, 11 and 13 only the position and
+// widths are filled: their own modules complete the shape.
+PeakShape PreparePeakShape(const Pattern& pattern, const WidthParameters& par,
+                           const NumericalProfile& numerical, const ReflectionShapeInput& in);
 
 // Logarithmic slopes of Omega with respect to the shape slots of the phase
 // that enter through eta, m, D, w1, w2 or (code 8) the Lorentzian width.

@@ -3,9 +3,7 @@
 
 #include <cmath>
 
-#include "format/fortran_format.h"
 #include "model/tch_widths.h"
-#include "surface/console.h"
 
 namespace corvinet {
 
@@ -24,12 +22,8 @@ constexpr int U2 = 43, V2 = 44, W2 = 45, Ur = 46, Vr = 47, Wr = 48;
 constexpr int kSycos = 8;
 constexpr int kSysin = 9;
 
-void StopOnNegativeSquare(Job& job, float position, int phase) {
-  WriteLine(job, Unit::Out,
-            Fmt("(A,F12.4,A,I3)", " => Square of FWHM <0 at 2theta/TOF/E(KeV):", position,
-                "  Phase:", phase));
-  ConsoleLine(job, Fmt("(A,F12.4)", " Square of FWHM <0 at 2theta/TOF/E(KeV):", position));
-  StopBox(job, " Square of FWHM <0 ");
+[[noreturn]] void RefuseNegativeSquare(float position, int phase) {
+  throw PeakError{PeakFailure::NegativeWidth, position, phase};
 }
 
 // (U' tn + V) tn + W + GauSiz/c2: the Caglioti law with the Gaussian size term.
@@ -39,9 +33,7 @@ float CagliotiSquare(float u, float v, float w, float gauSiz, const WidthInput& 
 }
 
 // The square of the left (or only) width, with the extra Gaussian width.
-float MainWidthSquare(const Job& job, int ip, const WidthInput& in) {
-  const Pattern& pattern = job.patterns[ip];
-  const auto& par = job.phases[in.phase].pat[ip].PAR;
+float MainWidthSquare(const Pattern& pattern, const WidthParameters& par, const WidthInput& in) {
   const bool second = in.wavelengthIndex == 2 && pattern.separateUVW2;
   const float u = (second ? par[Slot::U2] : par[Slot::U]) + in.deltaU;
   const float v = second ? par[Slot::V2] : par[Slot::V];
@@ -50,8 +42,7 @@ float MainWidthSquare(const Job& job, int ip, const WidthInput& in) {
 }
 
 // Code 8: the Lorentzian width X tn + Y'/cos(theta) + extra, and the TCH combination.
-void CombineTch(const Job& job, int ip, const WidthInput& in, PeakWidths& out) {
-  const auto& par = job.phases[in.phase].pat[ip].PAR;
+void CombineTch(const WidthParameters& par, const WidthInput& in, PeakWidths& out) {
   const float cosTheta = std::sqrt(in.cos2Theta);
   float hl =
       par[Slot::X] * in.tanTheta + (par[Slot::Y] + in.deltaY) / cosTheta + in.extraLorentzian;
@@ -67,16 +58,16 @@ void CombineTch(const Job& job, int ip, const WidthInput& in, PeakWidths& out) {
 }
 
 // Code 12: the extra left term below 90 degrees and the right width from Ur, Vr, Wr.
-void SplitWidths(Job& job, int ip, const WidthInput& in, float leftSquare, PeakWidths& out) {
-  const auto& par = job.phases[in.phase].pat[ip].PAR;
-  const float side = SplitSidePosition(job.patterns[ip], in.twoTheta);
+void SplitWidths(const Pattern& pattern, const WidthParameters& par, const WidthInput& in,
+                 float leftSquare, PeakWidths& out) {
+  const float side = SplitSidePosition(pattern, in.twoTheta);
   const float tn2 = in.tanTheta * in.tanTheta;
   if (side <= 90.0f) leftSquare += par[Slot::Shp1] / tn2;
-  if (leftSquare <= 0.0f) StopOnNegativeSquare(job, in.twoTheta, in.phase);
+  if (leftSquare <= 0.0f) RefuseNegativeSquare(in.twoTheta, in.phase);
   float rightSquare = CagliotiSquare(par[Slot::Ur] + in.deltaU, par[Slot::Vr], par[Slot::Wr],
                                      par[Slot::GauSiz], in);
   if (side > 90.0f) rightSquare += par[Slot::Shp2] / tn2;
-  if (rightSquare <= 0.0f) StopOnNegativeSquare(job, side, in.phase);
+  if (rightSquare <= 0.0f) RefuseNegativeSquare(side, in.phase);
   out.H = std::sqrt(leftSquare);
   out.HG = out.H;
   out.HL = std::sqrt(rightSquare);
@@ -90,17 +81,17 @@ float SplitSidePosition(const Pattern& pattern, float twoTheta) {
          pattern.GLB[kSysin] * std::sin(radians);
 }
 
-PeakWidths PeakWidth(Job& job, int ip, const WidthInput& in) {
-  const float square = MainWidthSquare(job, ip, in);
+PeakWidths PeakWidth(const Pattern& pattern, const WidthParameters& par, const WidthInput& in) {
+  const float square = MainWidthSquare(pattern, par, in);
   PeakWidths out;
   if (in.code == 12) {
-    SplitWidths(job, ip, in, square, out);
+    SplitWidths(pattern, par, in, square, out);
     return out;
   }
-  if (square <= 0.0f) StopOnNegativeSquare(job, in.twoTheta, in.phase);
+  if (square <= 0.0f) RefuseNegativeSquare(in.twoTheta, in.phase);
   out.HG = std::sqrt(square);
   out.H = out.HG;
-  if (in.code == 8) CombineTch(job, ip, in, out);
+  if (in.code == 8) CombineTch(par, in, out);
   return out;
 }
 

@@ -1,14 +1,19 @@
 // The width law of a constant-wavelength reflection: FWHM from U, V, W and the shape terms.
 #pragma once
 
-#include "records/job.h"
+#include "model/peak_error.h"
+#include "records/dimension_limits.h"
+#include "records/pattern.h"
 
 namespace corvinet {
+
+// The profile parameters of a phase in a pattern (PAR).
+using WidthParameters = Table1<float, DimensionLimits::MPAR>;
 
 // What the width law needs of one reflection of one phase in one pattern.
 struct WidthInput {
   int code = 6;             // ProfileCode of the reflection (Npr of the phase in the pattern)
-  int phase = 1;            // phase number, for the parameters and the report
+  int phase = 1;            // phase number, for the report of a negative square
   int wavelengthIndex = 1;  // 2 for the lambda(2) member of a doublet
   float twoTheta = 0.0f;    // Bragg position in degrees
   float tanTheta = 0.0f;
@@ -31,13 +36,13 @@ struct PeakWidths {
   float eta = 0.0f;
 };
 
-// The width step of a reflection, for the constant-wavelength codes (not the
-// time-of-flight codes 10 and 11). Uses U2, V2, W2 for wavelength index 2 when
-// the pattern reads them. A square of a width at or below 0 writes the
-// position and the phase on the report, " Square of FWHM <0 at
-// 2theta/TOF/E(KeV):" with the position on the console, and stops with
-// " Square of FWHM <0 ".
-PeakWidths PeakWidth(Job& job, int ip, const WidthInput& in);
+// The width step of a reflection of the phase of parameters `par` in
+// `pattern`, for the constant-wavelength codes (not the time-of-flight codes
+// 10 and 11). Uses U2, V2, W2 for wavelength index 2 when the pattern reads
+// them. A square of a width at or below 0 throws PeakError NegativeWidth with
+// the position (for the right width of code 12, its displaced position) and
+// the phase.
+PeakWidths PeakWidth(const Pattern& pattern, const WidthParameters& par, const WidthInput& in);
 
 // The position of a code-12 reflection that chooses between the left and the
 // right extra term: 2theta + Sycos cos(theta) + Sysin sin(2theta), in degrees.

@@ -4,9 +4,6 @@
 #include <array>
 #include <cmath>
 
-#include "format/fortran_format.h"
-#include "surface/console.h"
-
 namespace corvinet {
 
 namespace {
@@ -69,14 +66,6 @@ PearsonRatio ReadTables(float m) {
   return r;
 }
 
-void RefuseExponent(Job& job, float m) {
-  const std::string line =
-      Fmt("(A,F12.5)", " => Unacceptable M value in calculating Pearson VII function2", m);
-  ConsoleLine(job, line);
-  WriteLine(job, Unit::Out, line);
-  StopBox(job, " Pearson VII M-value unacceptable!");
-}
-
 }  // namespace
 
 PearsonRatio PearsonGammaRatio(float m) {
@@ -96,8 +85,8 @@ PearsonRatio PearsonGammaRatio(float m) {
   return r;
 }
 
-PearsonShape PearsonConstants(Job& job, float m) {
-  if (!(m >= kPearsonMinimumM)) RefuseExponent(job, m);
+PearsonShape PearsonConstants(float m) {
+  if (!(m >= kPearsonMinimumM)) throw PeakError{PeakFailure::PearsonExponent, m};
   PearsonShape s;
   s.m = m;
   s.invM = 1.0f / m;

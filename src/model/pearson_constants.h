@@ -1,7 +1,7 @@
 // The Pearson VII constants for one exponent m: normaliser and the terms of the m-slope.
 #pragma once
 
-#include "records/job.h"
+#include "model/peak_error.h"
 
 namespace corvinet {
 
@@ -32,10 +32,9 @@ struct PearsonRatio {
 };
 PearsonRatio PearsonGammaRatio(float m);
 
-// The constants for exponent m. An m below 0.6 writes " => Unacceptable M
-// value in calculating Pearson VII function2" with m on the console and the
-// report and stops with " Pearson VII M-value unacceptable!".
-PearsonShape PearsonConstants(Job& job, float m);
+// The constants for exponent m. An m below 0.6 (or not a number) throws
+// PeakError PearsonExponent with m.
+PearsonShape PearsonConstants(float m);
 
 // d(ln Omega)/dm at x2 = (delta/H)^2, for the shape's exponent.
 float PearsonExponentSlope(const PearsonShape& shape, float x2);

@@ -40,7 +40,6 @@ void Out(Job& job, std::string_view text) {
   Out(job, line);
   ConsoleLine(job, line);
   StopBox(job, stop);
-  throw ProcessStop{0};
 }
 
 [[noreturn]] void StopNotFound(Job& job, const char* line, const std::string& label,

@@ -7,7 +7,6 @@
 
 #include "crystal/rotation_table.h"
 #include "model/form_factor_fit.h"
-#include "surface/console.h"
 
 namespace corvinet {
 
@@ -17,10 +16,9 @@ constexpr double kTwoPi = 6.283185307179586;
 
 // Form factor f and f'' of species `sp` at s2, from its tabulated points or
 // from its analytic coefficients (zero for neutrons, where f is the length).
-void FormFactor(const Pattern& p, const ChemicalSpecies& sp, int number, float s2, float& f,
-                float& fpp) {
+void FormFactor(int NSCAT, const ChemicalSpecies& sp, int number, float s2, float& f, float& fpp) {
   fpp = sp.fpp;
-  if (p.NSCAT < 0 && number <= -p.NSCAT && sp.nTable >= 1) {
+  if (NSCAT < 0 && number <= -NSCAT && sp.nTable >= 1) {
     const float t = 2000.0f * std::sqrt(s2);
     f = InterpolateFormFactor(sp, t) + sp.fp;
     return;
@@ -124,21 +122,21 @@ float PhaseAngle(float Ap, float Bp, int acentric) {
 
 }  // namespace
 
-float EvaluateStructureFactor(Job& job, const StructureFactorRequest& q, Reflection& r,
-                              StructureFactorScratch& scratch, float* dF2, int fitted) {
-  const Pattern& p = job.patterns[q.pattern];
-  const Phase& ph = job.phases[q.phase];
-  const PhasePattern& c = ph.pat[q.pattern];
+StructureFactorValue EvaluateStructureFactor(const StructureFactorInputs& in,
+                                             const StructureFactorRequest& q, Reflection& r,
+                                             StructureFactorScratch& scratch, float* dF2,
+                                             int fitted) {
+  const int nAtoms = static_cast<int>(in.atoms.size());
   float A = 0.0f, B = 0.0f, App = 0.0f, Bpp = 0.0f;
-  PrepareOperators(ph.group, q, scratch.operators);
-  for (int i = 1; i <= q.nAtoms; ++i) {
-    const AtomSite& a = job.atoms[q.atomOffset + i];
+  PrepareOperators(in.group, q, scratch.operators);
+  for (int i = 1; i <= nAtoms; ++i) {
+    const AtomSite& a = in.atoms[static_cast<std::size_t>(i - 1)];
     AtomSums& s = scratch.atoms[i];
     s = AtomSums{};
     const int sp = a.nuclearSpecies;
-    if (sp <= 0) StopBox(job, " Form-factor objects are not evaluated by this version ");
+    if (sp <= 0) return {StructureFactorStatus::FormFactorObject, 0.0f, i};
     float f = 0.0f, fpp = 0.0f;
-    FormFactor(p, c.species[sp], sp, q.s2, f, fpp);
+    FormFactor(in.NSCAT, in.species[sp], sp, q.s2, f, fpp);
     const double E = std::exp(-static_cast<double>(a.ATP[4]) * q.s2);
     SumOperators(scratch.operators, a, q, s);
     s.w = static_cast<float>(f * a.ATP[5] * E);
@@ -150,7 +148,7 @@ float EvaluateStructureFactor(Job& job, const StructureFactorRequest& q, Reflect
       Bpp += s.wpp * s.B;
     }
   }
-  if (c.Irf == 3 || c.Irf == -4) {
+  if (in.Irf == 3 || in.Irf == -4) {
     A += r.Aprime;
     B += r.Bprime;
   } else {
@@ -159,14 +157,14 @@ float EvaluateStructureFactor(Job& job, const StructureFactorRequest& q, Reflect
   }
   const double F2 = static_cast<double>(A) * A + static_cast<double>(B) * B +
                     static_cast<double>(App) * App + static_cast<double>(Bpp) * Bpp;
-  if (p.JFOU != 0) r.phaseAngle = PhaseAngle(r.Aprime, r.Bprime, q.acentric);
+  if (in.JFOU != 0) r.phaseAngle = PhaseAngle(r.Aprime, r.Bprime, q.acentric);
   if (dF2 != nullptr) {
-    for (int i = 1; i <= q.nAtoms; ++i) {
-      AtomDerivatives(job.atoms[q.atomOffset + i], scratch.atoms[i], A, B, App, Bpp, q.s2, dF2,
-                      fitted);
+    for (int i = 1; i <= nAtoms; ++i) {
+      AtomDerivatives(in.atoms[static_cast<std::size_t>(i - 1)], scratch.atoms[i], A, B, App, Bpp,
+                      q.s2, dF2, fitted);
     }
   }
-  return static_cast<float>(F2);
+  return {StructureFactorStatus::Evaluated, static_cast<float>(F2), 0};
 }
 
 }  // namespace corvinet

@@ -2,9 +2,13 @@
 #pragma once
 
 #include <array>
+#include <span>
 
+#include "records/chemical_species.h"
 #include "records/dimension_limits.h"
-#include "records/job.h"
+#include "records/phase.h"
+#include "records/reflection.h"
+#include "records/space_group.h"
 
 namespace corvinet {
 
@@ -35,23 +39,45 @@ struct StructureFactorScratch {
   Table1<AtomSums, DimensionLimits::NATS> atoms;
 };
 
-// What one evaluation needs besides the atoms.
+// What the evaluation reads of the phase in one pattern.
+struct StructureFactorInputs {
+  const SpaceGroup& group;          // operators of the phase
+  std::span<const AtomSite> atoms;  // the atoms of the phase, in order
+  const Table1<ChemicalSpecies, DimensionLimits::N_SPE>& species;  // of the phase in the pattern
+  int NSCAT = 0;  // of the pattern: -n when its first n species are given as tables
+  int Irf = 0;    // of the phase in the pattern: 3 and -4 lists carry partial A' and B'
+  int JFOU = 0;   // of the pattern: non-zero when Fourier files are written
+};
+
+// What one evaluation needs of the reflection.
 struct StructureFactorRequest {
-  int pattern = 1;
-  int phase = 1;
   int nSym = 1;              // operators used: no centre, no centring translations
-  int nAtoms = 0;            // atoms of the phase
-  int atomOffset = 0;        // atoms of the phases before it
   int acentric = 1;          // 1 when the phase has no inversion at the origin
   std::array<float, 3> h{};  // indices, shifted by the propagation vector if any
   float s2 = 0.0f;           // (sin(theta)/lambda)^2
 };
 
+// How an evaluation ended.
+enum class StructureFactorStatus {
+  Evaluated,
+  FormFactorObject,  // an atom's species is a form-factor object, not evaluated here
+};
+
+struct StructureFactorValue {
+  StructureFactorStatus status = StructureFactorStatus::Evaluated;
+  float F2 = 0.0f;
+  int atom = 0;  // for FormFactorObject: the first such atom, counted in the phase from 1
+};
+
 // F^2 = A^2 + B^2 + A''^2 + B''^2 of the reflection; stores A' and B' (or
 // adds the stored partial ones for lists that carry them) and, when the
 // pattern writes Fourier files, the phase angle. When `dF2` is not null the
-// derivatives of F^2 are added to dF2[1..fitted] by the atoms' codes.
-float EvaluateStructureFactor(Job& job, const StructureFactorRequest& q, Reflection& r,
-                              StructureFactorScratch& scratch, float* dF2, int fitted);
+// derivatives of F^2 are added to dF2[1..fitted] by the atoms' codes. An atom
+// whose species is a form-factor object returns that status, with the
+// reflection and dF2 left as they were.
+StructureFactorValue EvaluateStructureFactor(const StructureFactorInputs& in,
+                                             const StructureFactorRequest& q, Reflection& r,
+                                             StructureFactorScratch& scratch, float* dF2,
+                                             int fitted);
 
 }  // namespace corvinet

@@ -14,7 +14,6 @@ namespace {
 
 [[noreturn]] void StopAtEndOfFile(Job& job) {
   StopBox(job, " End of file *.BAC ");
-  throw ProcessStop{0};  // not reached: the box stops the run
 }
 
 // What the file's table gives at the transformed abscissa of point i, on the

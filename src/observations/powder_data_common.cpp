@@ -19,7 +19,6 @@ DataFile::DataFile(Job& j, int pattern) : job(j), ip(pattern), INSTR(j.patterns[
 
 void StopData(Job& job, std::string_view text) {
   StopBox(job, text);
-  throw ProcessStop{0};  // StopBox with its stop flag has already ended the run
 }
 
 void StopEndOfData(Job& job) {

@@ -29,7 +29,6 @@ struct DriverState {
   bool dirMemoryOpen = false;
   int cyclicMode = 0;
   char answer = 's';
-  int stopRequested = 0;
   double cpuStart = 0.0;
   double cpuEnd = 0.0;
 };

@@ -159,7 +159,7 @@ void UpdateCell(Job& job, int phase, int ip) {
   stats.scaleVariance = scaleParameter > 0
                             ? std::fabs(job.refinement.normal.A(scaleParameter, scaleParameter))
                             : 0.0f;
-  if (!BuildCellMetric(pp.CellConstants, pp.metric)) StopBox(job, "Bad cell parameters!", 1);
+  if (!BuildCellMetric(pp.CellConstants, pp.metric)) StopBox(job, "Bad cell parameters!");
 }
 
 }  // namespace corvinet

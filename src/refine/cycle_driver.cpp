@@ -12,7 +12,6 @@
 #include "refine/cycle_report.h"
 #include "refine/cycle_stop_tests.h"
 #include "refine/cycle_work.h"
-#include "refine/equation_solver.h"
 #include "refine/order_reflections.h"
 #include "refine/parameter_families.h"
 #include "refine/parameter_update.h"
@@ -137,16 +136,15 @@ void DampOscillations(Job& job, int fitted) {
   }
 }
 
-void RunCycles(Job& job, int& stopFlag) {
+void RunCycles(Job& job) {
   auto work = std::make_unique<CycleWork>();
-  RunCycles(job, stopFlag, *work);
+  RunCycles(job, *work);
 }
 
-void RunCycles(Job& job, int& stopFlag, CycleWork& work) {
+void RunCycles(Job& job, CycleWork& work) {
   StopOnStructureFactorsNotCalculated(job);
   RefinementState& s = job.refinement;
   const int fitted = FittedCount(job);
-  stopFlag = 0;
   s.EndMarker = 0;
   s.PreviousChi2 = 1.0e38f;
   s.LastShift.Fill(0.0f);
@@ -166,17 +164,14 @@ void RunCycles(Job& job, int& stopFlag, CycleWork& work) {
     Symmetrise(s.normal, fitted);
     if (job.run.MAT == 2) WriteDiagonal(job, cycle, fitted);
     StopOnSingularMatrix(job, fitted);
-    if (fitted > 0) SolveNormalEquations(job, s.normal, s.solver, fitted);
+    if (fitted > 0) SolveCycleEquations(job, fitted);
     for (int i = 1; i <= fitted; ++i) {
       for (int j = 1; j <= fitted; ++j) s.normal.A(i, j) *= s.GlobalChi2;
     }
     DampOscillations(job, fitted);
     ReportCycle(job, cycle, profile);
     if (job.run.IDUM == 2) {
-      if (StopOnDivergence(job, cycle)) {
-        stopFlag = 1;
-        return;
-      }
+      StopOnDivergence(job, cycle);
       s.PreviousChi2 = s.GlobalChi2;
     }
     const bool tested = job.run.ConvergenceTestActive;

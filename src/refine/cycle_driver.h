@@ -6,13 +6,13 @@
 
 namespace corvinet {
 
-// Runs NCY cycles (or one pass for a pattern calculation). `stopFlag` is set
-// to 1 only by a stop on divergence; the final report runs when it is 0.
-void RunCycles(Job& job, int& stopFlag);
+// Runs NCY cycles (or one pass for a pattern calculation). A divergence
+// under IDUM = 2 stops the run.
+void RunCycles(Job& job);
 
 // The same with the caller's working store, so that the peaks of the last
 // cycle remain available to the final report.
-void RunCycles(Job& job, int& stopFlag, struct CycleWork& work);
+void RunCycles(Job& job, struct CycleWork& work);
 
 // One pass over the points of every pattern: reflections computed lazily,
 // Ycalc filled, and for a refinement the normal equations accumulated.

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "format/fortran_format.h"
+#include "refine/equation_solver.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -32,13 +33,20 @@ void StopOnSingularMatrix(Job& job, int fitted) {
   }
 }
 
-bool StopOnDivergence(Job& job, int cycle) {
+void SolveCycleEquations(Job& job, int fitted) {
+  RefinementState& s = job.refinement;
+  if (SolveNormalEquations(s.normal, s.solver, fitted).status == SolveStatus::Solved) return;
+  WriteLine(job, Unit::Out, " ==> Singular matrix!!, fix some parameters!");
+  ConsoleLine(job, " Singular matrix!!, fix some parameters!");
+  StopBox(job, " Singular Matrix!! ");
+}
+
+void StopOnDivergence(Job& job, int cycle) {
   const RefinementState& s = job.refinement;
-  if (s.PreviousChi2 - s.GlobalChi2 > 0.0f) return false;
+  if (s.PreviousChi2 - s.GlobalChi2 > 0.0f) return;
   ConsoleLineWithNumber(job, " STOP at cycle", cycle, 0.0f, 1);
   ConsoleLine(job, " because of divergence");
   StopBox(job, " STOP because of divergence");
-  return true;
 }
 
 int FirstUnconverged(Job& job, int cycle, int fitted) {

@@ -13,9 +13,14 @@ void StopOnStructureFactorsNotCalculated(Job& job);
 // A diagonal element of the normal matrix below 1E-30 names its parameter and stops the run.
 void StopOnSingularMatrix(Job& job, int fitted);
 
-// With IDUM 2 a chi-square that does not fall from the last cycle stops the
-// run; true when the run stopped.
-bool StopOnDivergence(Job& job, int cycle);
+// Solves the normal equations of the `fitted` parameters of the refinement
+// state. A singular matrix writes " ==> Singular matrix!!, fix some
+// parameters!" on the report, " Singular matrix!!, fix some parameters!" on
+// the console, and stops with " Singular Matrix!! ".
+void SolveCycleEquations(Job& job, int fitted);
+
+// With IDUM 2 a chi-square that does not fall from the last cycle stops the run.
+void StopOnDivergence(Job& job, int cycle);
 
 // The first parameter whose damped shift exceeds EPS sigma, or 0; at the last
 // cycle (NCY) the first parameter counts as not converged.

@@ -3,8 +3,6 @@
 
 #include <cmath>
 
-#include "surface/console.h"
-
 namespace corvinet {
 
 namespace {
@@ -49,21 +47,15 @@ void ChoosePivot(SolverWork& w, int k, int n) {
   std::swap(w.Perm[k], w.Perm[best]);
 }
 
-[[noreturn]] void StopSingular(Job& job) {
-  WriteLine(job, Unit::Out, " ==> Singular matrix!!, fix some parameters!");
-  ConsoleLine(job, " Singular matrix!!, fix some parameters!");
-  StopBox(job, " Singular Matrix!! ");
-  throw ProcessStop{0};
-}
-
 // One Jordan exchange: equation k is solved for the unknown of its pivot
 // column c, and that unknown is eliminated from every other equation. After
 // the n exchanges row k holds the unknown Perm(k) as a combination of the
 // right-hand sides, column Perm(m) standing for the right-hand side m.
-void Exchange(Job& job, SolverWork& w, int k, int n) {
+// Returns false, leaving the work as it is, when the pivot vanishes.
+bool Exchange(SolverWork& w, int k, int n) {
   if (k < n) ChoosePivot(w, k, n);
   const int c = w.Perm[k];
-  if (!(std::fabs(w.Work(k, c)) >= kSmallestPivot)) StopSingular(job);
+  if (!(std::fabs(w.Work(k, c)) >= kSmallestPivot)) return false;
   const double pivot = 1.0 / w.Work(k, c);
   double* rowK = &w.Work(k, 1);
   for (int j = 1; j <= n; ++j) rowK[j - 1] *= -pivot;
@@ -76,19 +68,22 @@ void Exchange(Job& job, SolverWork& w, int k, int n) {
     for (int j = 1; j <= n; ++j) row[j - 1] += f * rowK[j - 1];
     row[c - 1] = f * pivot;
   }
+  return true;
 }
 
 }  // namespace
 
-void SolveNormalEquations(Job& job, NormalMatrix& normal, SolverWork& w, int n) {
+SolveResult SolveNormalEquations(NormalMatrix& normal, SolverWork& w, int n) {
   if (n == 1) {
     normal.A(1, 1) = 1.0f / normal.A(1, 1);
     normal.B[1] = normal.B[1] * normal.A(1, 1);
     normal.Condition = 1.0f;
-    return;
+    return {};
   }
   const float normA = Equilibrate(normal, w, n);
-  for (int k = 1; k <= n; ++k) Exchange(job, w, k, n);
+  for (int k = 1; k <= n; ++k) {
+    if (!Exchange(w, k, n)) return {SolveStatus::Singular, w.Perm[k]};
+  }
   // Unscramble: the inverse of the equilibrated matrix, then the scale of
   // each right-hand side undone; the shifts are the inverse times the
   // equilibrated right-hand side.
@@ -109,6 +104,7 @@ void SolveNormalEquations(Job& job, NormalMatrix& normal, SolverWork& w, int n) 
     normInverse = std::max(normInverse, sum);
   }
   normal.Condition = normInverse * normA;
+  return {};
 }
 
 }  // namespace corvinet

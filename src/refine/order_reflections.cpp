@@ -120,7 +120,7 @@ void WritePointTable(Job& job, const Pattern& p, const Table1<int, DimensionLimi
   }
 }
 
-void StopOnOverlap(Job& job, const Pattern& p, int point, int count) {
+[[noreturn]] void StopOnOverlap(Job& job, const Pattern& p, int point, int count) {
   ConsoleLine(job, " Excessive peak overlap! (see *.OUT)");
   WriteLine(job, Unit::Out, " => Excessive peak overlap");
   WriteLine(
@@ -136,7 +136,7 @@ void StopOnOverlap(Job& job, const Pattern& p, int point, int count) {
   StopBox(job, " Excessive peak overlap");
 }
 
-void StopWithReport(Job& job, const char* words) {
+[[noreturn]] void StopWithReport(Job& job, const char* words) {
   WriteLine(job, Unit::Out, words);
   ConsoleLine(job, words);
   StopBox(job, words);

@@ -4,15 +4,18 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <span>
 
 #include "crystal/metric.h"
 #include "model/asymmetry_factor.h"
 #include "model/intensity_factors.h"
+#include "model/peak_error_stop.h"
 #include "model/peak_shape_setup.h"
 #include "model/peak_width.h"
 #include "model/structure_factor.h"
 #include "records/reflection.h"
 #include "refine/parameter_families.h"
+#include "surface/console.h"
 
 namespace corvinet {
 
@@ -183,7 +186,12 @@ PeakWidths StoreWidths(Job& job, int ip, int phase, int w, const Geometry& g, Re
   in.tanTheta = static_cast<float>(g.tanTheta);
   in.cos2Theta = static_cast<float>(g.cos2);
   in.previousFwhm = r.Fwhm;
-  const PeakWidths widths = PeakWidth(job, ip, in);
+  PeakWidths widths;
+  try {
+    widths = PeakWidth(job.patterns[ip], job.phases[phase].pat[ip].PAR, in);
+  } catch (const PeakError& error) {
+    StopOnPeakError(job, error);
+  }
   r.Fwhm = widths.H;
   r.FwhmRight = code == 12 ? widths.HL : widths.H;
   r.HG = widths.HG;
@@ -219,12 +227,17 @@ void AddVectorDerivatives(float* row, const Phase& ph, const PhasePattern& c, co
 float CrystalStructureFactor(Job& job, CycleWork& work, int ip, int phase, const Geometry& g,
                              Reflection& r, int fitted) {
   const Phase& ph = job.phases[phase];
+  const Pattern& p = job.patterns[ip];
+  const PhasePattern& c = ph.pat[ip];
+  const StructureFactorInputs in{
+      ph.group,
+      std::span<const AtomSite>(job.atoms.ptr() + ph.atomOffset, static_cast<std::size_t>(ph.Nat)),
+      c.species,
+      p.NSCAT,
+      c.Irf,
+      p.JFOU};
   StructureFactorRequest q;
-  q.pattern = ip;
-  q.phase = phase;
   q.nSym = ph.group.NSYM;
-  q.nAtoms = ph.Nat;
-  q.atomOffset = ph.atomOffset;
   q.acentric = ph.group.ICENT == 1 ? 1 : 2;
   for (int i = 0; i < 3; ++i) q.h[i] = static_cast<float>(g.h[i]);
   q.s2 = static_cast<float>(0.25 * g.Q);
@@ -233,7 +246,11 @@ float CrystalStructureFactor(Job& job, CycleWork& work, int ip, int phase, const
     dF2 = &work.dF2[1];
     for (int L = 0; L < fitted; ++L) dF2[L] = 0.0f;
   }
-  return EvaluateStructureFactor(job, q, r, work.structure, dF2, fitted);
+  const StructureFactorValue value = EvaluateStructureFactor(in, q, r, work.structure, dF2, fitted);
+  if (value.status == StructureFactorStatus::FormFactorObject) {
+    StopBox(job, " Form-factor objects are not evaluated by this version ");
+  }
+  return value.F2;
 }
 
 }  // namespace
@@ -279,12 +296,15 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   r.position = static_cast<float>(g.twoTheta);
   const PeakWidths widths = StoreWidths(job, ip, phase, w, g, r);
   ReflectionShapeInput shapeIn;
-  shapeIn.phase = phase;
   shapeIn.code = c.Npr;
   shapeIn.twoTheta = r.position;
   shapeIn.tanTheta = r.tanTheta;
   shapeIn.widths = widths;
-  entry.shape = PreparePeakShape(job, ip, shapeIn);
+  try {
+    entry.shape = PreparePeakShape(p, c.PAR, job.numericalProfile, shapeIn);
+  } catch (const PeakError& error) {
+    StopOnPeakError(job, error);
+  }
   if (p.IXUNIT == 2) {
     entry.shape.position = p.GLB[1] + r.position + static_cast<float>(p.GLB[9] * g.Q);
   }

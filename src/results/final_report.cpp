@@ -117,7 +117,7 @@ PhaseReportSums WriteReflectionRows(Job& job, int ip, int f, const BraggProfile&
   sums.SumIobs = bragg.SumIobs;
   sums.SumIcalc = bragg.SumIcalc;
   if (std::fabs(sums.SumIobs) < kNoIntensity) {
-    StopBox(job, "Sum(Iobs)=0: have you really reflections?", 0);
+    WarningBox(job, "Sum(Iobs)=0: have you really reflections?");
     sums.SumIobs = 1.0f;
   }
   sums.FinalRB = BraggRatio(bragg.SumAbsI, sums.SumIobs);

@@ -50,9 +50,7 @@ void RunEngine(Job& job) {
     }
   }
   auto work = std::make_unique<CycleWork>();
-  RunCycles(job, job.driver.stopRequested, *work);
-  // A run stopped on divergence never comes back here; the flag guards the rest.
-  if (job.driver.stopRequested != 0) return;
+  RunCycles(job, *work);
   FinalReport(job, *work);
 }
 
@@ -126,7 +124,6 @@ void RunOneJob(Job& job) {
   ConsoleLine(job, " => START Date:" + DayText(start) + "  Time => " + ClockText(start));
   WriteReports(job, " => PCR file code: " + std::string(TrimRight(d.PcrCode)));
 
-  d.stopRequested = 0;
   ResetDefaults(job);
   ReadControlFile(job);
   RunEngine(job);

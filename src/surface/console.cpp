@@ -60,14 +60,18 @@ void ClearText(std::string& text) {
   for (std::size_t i = 0; i < n; ++i) text[i] = ' ';
 }
 
-void StopBox(Channels& channels, std::string_view text, int stopFlag) {
+void WarningBox(Channels& channels, std::string_view text) {
   std::FILE* out = channels.console.out;
   std::fputs("=== Stop/Warning Box ===\n", out);
   std::string_view shown = TrimRight(text);
   std::fwrite(shown.data(), 1, shown.size(), out);
   std::fputc('\n', out);
   std::fflush(out);
-  if (stopFlag != 0) throw ProcessStop{0};
+}
+
+void StopBox(Channels& channels, std::string_view text) {
+  WarningBox(channels, text);
+  throw ProcessStop{0};
 }
 
 void WriteLine(Channels& channels, int unit, std::string_view text) {

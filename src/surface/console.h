@@ -9,8 +9,8 @@
 
 namespace corvinet {
 
-// Thrown to end the process: by a stop box with its stop flag, or by an end of
-// file on a unit where it is fatal. Caught only by Main.
+// Thrown to end the process: by a stop box, or by an end of file on a unit
+// where it is fatal. Caught only by Main.
 struct ProcessStop {
   int exitCode = 0;
 };
@@ -27,8 +27,11 @@ void ConsoleLineWithNumber(Channels& channels, std::string_view text, int intVal
 // Blanks the text over its trimmed length.
 void ClearText(std::string& text);
 
-// Shows the box "Stop/Warning Box" with the text; a non-zero flag ends the process.
-void StopBox(Channels& channels, std::string_view text, int stopFlag = 1);
+// Shows the box "Stop/Warning Box" with the text and ends the process.
+[[noreturn]] void StopBox(Channels& channels, std::string_view text);
+
+// Shows the same box with the text and returns.
+void WarningBox(Channels& channels, std::string_view text);
 
 // Writes a line on a unit; unit 6 is the console.
 void WriteLine(Channels& channels, int unit, std::string_view text);

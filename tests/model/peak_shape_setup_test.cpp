@@ -126,6 +126,31 @@ TEST(PeakShapeSetup, CodesOfOtherModulesAreAccepted) {
   EXPECT_EQ(job.Console(), "");
 }
 
+TEST(PeakShapeSetup, UnknownCodeThrowsItsErrorWithTheCode) {
+  const testing::PeakCase c;
+  for (int code : {0, 14, -1}) {
+    try {
+      c.Shape(code, PlainWidths(0.1f));
+      FAIL() << code;
+    } catch (const PeakError& error) {
+      EXPECT_EQ(error.failure, PeakFailure::UnknownCode) << code;
+      EXPECT_EQ(error.code, code);
+    }
+  }
+}
+
+TEST(PeakShapeSetup, PearsonExponentBelowTheLimitThrowsItsErrorWithTheExponent) {
+  testing::PeakCase c;
+  c.par[17] = 0.59f;
+  try {
+    c.Shape(7, PlainWidths(0.1f), 40.0f);
+    FAIL() << "m = 0.59 was accepted";
+  } catch (const PeakError& error) {
+    EXPECT_EQ(error.failure, PeakFailure::PearsonExponent);
+    EXPECT_EQ(error.value, 0.59f);
+  }
+}
+
 TEST(PeakShapeSetup, UnknownCodeIsAnIllegalRequest) {
   for (int code : {0, 14, -1}) {
     CapturedJob job;
@@ -172,7 +197,7 @@ class SlotSlopes : public ::testing::Test {
       in.tanTheta = testing::TanTheta(kTwoTheta);
       const double c = std::cos(0.5 * kTwoTheta * kPi / 180.0);
       in.cos2Theta = static_cast<float>(c * c);
-      w = PeakWidth(*job, 1, in);
+      w = PeakWidth(job->patterns[1], Par(*job), in);
     }
     const PeakShape s = PrepareShape(*job, code, w, kTwoTheta);
     ProfilePoint p;
@@ -288,7 +313,7 @@ TEST_F(SlotSlopes, TchLorentzianWidthTerms) {
   in.tanTheta = testing::TanTheta(kTwoTheta);
   const double c = std::cos(0.5 * kTwoTheta * kPi / 180.0);
   in.cos2Theta = static_cast<float>(c * c);
-  const PeakWidths w = PeakWidth(*job, 1, in);
+  const PeakWidths w = PeakWidth(job->patterns[1], Par(*job), in);
   Check(8, w, {{15, &ShapeSlotSlopes::X}, {16, &ShapeSlotSlopes::Y}});
 }
 

@@ -3,8 +3,10 @@
 
 #include <cmath>
 #include <functional>
+#include <memory>
 #include <numbers>
 
+#include "model/peak_error_stop.h"
 #include "model/peak_shape.h"
 #include "model/peak_shape_setup.h"
 #include "model/peak_width.h"
@@ -44,16 +46,47 @@ inline PeakWidths TchWidthsOf(float hg, float hl) {
   return PeakWidths{t.H, hg, hl, t.eta};
 }
 
-// The shape of a reflection of phase 1 in pattern 1 at 2theta.
-inline PeakShape PrepareShape(Job& job, int code, const PeakWidths& widths,
-                              float twoTheta = kTwoTheta) {
+// The input of the shape of a reflection at 2theta.
+inline ReflectionShapeInput ShapeInputAt(int code, const PeakWidths& widths, float twoTheta) {
   ReflectionShapeInput in;
-  in.phase = 1;
   in.code = code;
   in.twoTheta = twoTheta;
   in.tanTheta = TanTheta(twoTheta);
   in.widths = widths;
-  return PreparePeakShape(job, 1, in);
+  return in;
+}
+
+// A pattern, the profile parameters of one phase in it and the numerical
+// shapes, without a job.
+struct PeakCase {
+  std::unique_ptr<Pattern> pattern = std::make_unique<Pattern>();
+  std::unique_ptr<NumericalProfile> numerical = std::make_unique<NumericalProfile>();
+  WidthParameters par{};
+  PeakWidths Width(const WidthInput& in) const { return PeakWidth(*pattern, par, in); }
+  PeakShape Shape(int code, const PeakWidths& widths, float twoTheta = kTwoTheta) const {
+    return PreparePeakShape(*pattern, par, *numerical, ShapeInputAt(code, widths, twoTheta));
+  }
+};
+
+// Runs `step` and turns a PeakError it throws into the stop that the
+// calculation of a reflection makes of it.
+template <typename Step>
+auto ThroughPeakStop(Job& job, Step step) -> decltype(step()) {
+  try {
+    return step();
+  } catch (const PeakError& error) {
+    StopOnPeakError(job, error);
+  }
+}
+
+// The shape of a reflection of phase 1 in pattern 1 at 2theta, from the
+// pattern, the parameters and the numerical shapes held by the job; a
+// refusal stops as in the calculation of a reflection.
+inline PeakShape PrepareShape(Job& job, int code, const PeakWidths& widths,
+                              float twoTheta = kTwoTheta) {
+  const ReflectionShapeInput in = ShapeInputAt(code, widths, twoTheta);
+  return ThroughPeakStop(
+      job, [&] { return PreparePeakShape(job.patterns[1], Par(job), job.numericalProfile, in); });
 }
 
 // Omega at the given distance from the peak position, for a base that holds every point.

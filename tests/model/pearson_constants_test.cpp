@@ -7,6 +7,7 @@
 #include <functional>
 #include <numbers>
 
+#include "model/peak_shape_test_support.h"
 #include "surface/console.h"
 #include "test_support.h"
 
@@ -72,9 +73,8 @@ double ReducedExponent(double m) {
 }
 
 TEST(PearsonConstants, NormaliserMatchesTheGammaFormulaInsideTheTables) {
-  CapturedJob job;
   for (float m = 0.6f; m <= 1.6f; m += 0.0137f) {
-    const PearsonShape s = PearsonConstants(*job, m);
+    const PearsonShape s = PearsonConstants(m);
     const double expected = GammaNormaliser(m);
     const double k = std::pow(2.0, 1.0 / m) - 1.0;
     const double bound = 2.0 * std::sqrt(k / std::numbers::pi) * LinearReadingBound(GammaRatio, m);
@@ -84,9 +84,8 @@ TEST(PearsonConstants, NormaliserMatchesTheGammaFormulaInsideTheTables) {
 }
 
 TEST(PearsonConstants, NormaliserMatchesTheGammaFormulaAboveTheTables) {
-  CapturedJob job;
   for (float m : {1.61f, 1.99f, 2.0f, 2.37f, 3.5f, 5.01f, 10.3f, 25.0f}) {
-    const PearsonShape s = PearsonConstants(*job, m);
+    const PearsonShape s = PearsonConstants(m);
     const double expected = GammaNormaliser(m);
     const double k = std::pow(2.0, 1.0 / m) - 1.0;
     const double reduced = ReducedExponent(m);
@@ -112,8 +111,7 @@ TEST(PearsonConstants, RatioSlopeMatchesDifferencesOfTheGammaRatio) {
 }
 
 TEST(PearsonConstants, StoredTermsOfTheExponent) {
-  CapturedJob job;
-  const PearsonShape s = PearsonConstants(*job, 1.7f);
+  const PearsonShape s = PearsonConstants(1.7f);
   const double k = std::pow(2.0, 1.0 / 1.7) - 1.0;
   EXPECT_NEAR(s.k, k, 1e-6);
   EXPECT_NEAR(s.sqrtK, std::sqrt(k), 1e-6);
@@ -123,9 +121,8 @@ TEST(PearsonConstants, StoredTermsOfTheExponent) {
 }
 
 TEST(PearsonConstants, ExponentSlopeMatchesDifferencesOfTheGammaShape) {
-  CapturedJob job;
   for (float m : {0.65f, 1.0f, 1.45f, 2.8f, 7.0f}) {
-    const PearsonShape s = PearsonConstants(*job, m);
+    const PearsonShape s = PearsonConstants(m);
     for (double x2 : {0.0, 0.04, 0.25, 1.0, 9.0}) {
       const double h = 1e-4;
       const double expected = (LogShape(m + h, x2) - LogShape(m - h, x2)) / (2 * h);
@@ -137,19 +134,28 @@ TEST(PearsonConstants, ExponentSlopeMatchesDifferencesOfTheGammaShape) {
 }
 
 TEST(PearsonConstants, ExponentZeroPointSixIsAccepted) {
-  CapturedJob job;
-  const PearsonShape s = PearsonConstants(*job, 0.6f);
+  const PearsonShape s = PearsonConstants(0.6f);
   EXPECT_EQ(s.m, 0.6f);
-  EXPECT_EQ(job.Console(), "");
 }
 
 TEST(PearsonConstants, ExponentZeroPointFiveNineStopsTheRun) {
   CapturedJob job;
-  EXPECT_THROW(PearsonConstants(*job, 0.59f), ProcessStop);
+  EXPECT_THROW(testing::ThroughPeakStop(*job, [] { return PearsonConstants(0.59f); }), ProcessStop);
   EXPECT_EQ(job.Console(),
             " => Unacceptable M value in calculating Pearson VII function2     0.59000\n"
             "=== Stop/Warning Box ===\n"
             " Pearson VII M-value unacceptable!\n");
+}
+
+TEST(PearsonConstants, AnExponentBelowZeroPointSixThrowsItsErrorWithTheExponent) {
+  try {
+    PearsonConstants(0.59f);
+    FAIL() << "m = 0.59 was accepted";
+  } catch (const PeakError& error) {
+    EXPECT_EQ(error.failure, PeakFailure::PearsonExponent);
+    EXPECT_EQ(error.value, 0.59f);
+  }
+  EXPECT_THROW(PearsonConstants(std::nanf("")), PeakError);
 }
 
 TEST(PearsonConstants, RefusalIsWrittenOnTheReport) {
@@ -157,7 +163,7 @@ TEST(PearsonConstants, RefusalIsWrittenOnTheReport) {
   CapturedJob job;
   ASSERT_TRUE(
       OpenUnit(job->files.units[Unit::Out], (dir.path / "x.out").string(), OpenStatus::Unknown));
-  EXPECT_THROW(PearsonConstants(*job, -2.0f), ProcessStop);
+  EXPECT_THROW(testing::ThroughPeakStop(*job, [] { return PearsonConstants(-2.0f); }), ProcessStop);
   CloseUnit(job->files.units[Unit::Out]);
   EXPECT_EQ(dir.Read("x.out"),
             " => Unacceptable M value in calculating Pearson VII function2    -2.00000\n");

@@ -63,41 +63,51 @@ std::vector<Case> ReadCases() {
   return cases;
 }
 
-// A job holding one crystal phase of the case, one species per atom.
-struct StructureJob {
-  std::unique_ptr<Job> job = std::make_unique<Job>();
+// One crystal phase of the case, one species per atom, with the switches of
+// the pattern and of the phase in it.
+struct StructureCase {
+  SpaceGroup group;
+  std::vector<AtomSite> atoms;
+  Table1<ChemicalSpecies, DimensionLimits::N_SPE> species;
+  int NSCAT = 0;
+  int Irf = 0;
+  int JFOU = 0;
   std::unique_ptr<StructureFactorScratch> scratch = std::make_unique<StructureFactorScratch>();
   StructureFactorRequest q;
   Reflection r;
   std::vector<float> dF2 = std::vector<float>(DimensionLimits::MSZ, 0.0f);
 
-  explicit StructureJob(const Case& c) {
-    Phase& ph = job->phases[1];
-    EXPECT_TRUE(SpaceGroupFromSymbol(c.symbol, ph.group).ok()) << c.symbol;
-    ph.Nat = static_cast<int>(c.atoms.size());
-    PhasePattern& pp = ph.pat[1];
-    for (int i = 1; i <= ph.Nat; ++i) {
+  explicit StructureCase(const Case& c) {
+    EXPECT_TRUE(SpaceGroupFromSymbol(c.symbol, group).ok()) << c.symbol;
+    atoms.resize(c.atoms.size());
+    for (int i = 1; i <= static_cast<int>(c.atoms.size()); ++i) {
       const CaseAtom& ca = c.atoms[static_cast<std::size_t>(i - 1)];
-      AtomSite& a = job->atoms[i];
+      AtomSite& a = Atom(i);
       a.label = ca.label;
       for (int j = 1; j <= 5; ++j) a.ATP[j] = static_cast<float>(ca.values[j - 1]);
       for (int j = 0; j < 6; ++j) a.ATP[13 + j] = static_cast<float>(ca.values[16 + j]);
-      ChemicalSpecies& sp = pp.species[i];
+      ChemicalSpecies& sp = species[i];
       for (int j = 1; j <= 9; ++j) sp.coeff[j] = static_cast<float>(ca.values[4 + j]);
       sp.fp = static_cast<float>(ca.values[14]);
       sp.fpp = static_cast<float>(ca.values[15]);
       a.nuclearSpecies = i;
     }
-    q.nSym = ph.group.NSYM;
-    q.nAtoms = ph.Nat;
-    q.acentric = ph.group.ICENT == 1 ? 1 : 2;
+    q.nSym = group.NSYM;
+    q.acentric = group.ICENT == 1 ? 1 : 2;
   }
-  float F2(const std::array<float, 3>& h, float s2, bool derivatives = false) {
+  AtomSite& Atom(int i) { return atoms[static_cast<std::size_t>(i - 1)]; }
+  StructureFactorValue Evaluate(const std::array<float, 3>& h, float s2, bool derivatives) {
     q.h = h;
     q.s2 = s2;
     std::fill(dF2.begin(), dF2.end(), 0.0f);
-    return EvaluateStructureFactor(*job, q, r, *scratch, derivatives ? dF2.data() : nullptr,
+    const StructureFactorInputs in{group, atoms, species, NSCAT, Irf, JFOU};
+    return EvaluateStructureFactor(in, q, r, *scratch, derivatives ? dF2.data() : nullptr,
                                    DimensionLimits::MSZ);
+  }
+  float F2(const std::array<float, 3>& h, float s2, bool derivatives = false) {
+    const StructureFactorValue value = Evaluate(h, s2, derivatives);
+    EXPECT_EQ(value.status, StructureFactorStatus::Evaluated);
+    return value.F2;
   }
 };
 
@@ -106,7 +116,7 @@ TEST(StructureFactor, MatchesIndependentWholeCellSumsToOnePartInTenThousand) {
   ASSERT_EQ(cases.size(), 10u);
   int checked = 0;
   for (const Case& c : cases) {
-    StructureJob s(c);
+    StructureCase s(c);
     for (const CaseReflection& r : c.reflections) {
       const double F2 = s.F2(r.h, r.s2);
       EXPECT_NEAR(F2, r.F2, 1.0e-4 * std::max(r.F2, 1.0e-3))
@@ -127,7 +137,7 @@ const Case& Named(const std::vector<Case>& cases, const std::string& name) {
 
 TEST(StructureFactor, FriedelPairsAgreeWithAnomalousScattering) {
   const auto cases = ReadCases();
-  StructureJob s(Named(cases, "aniso_p21"));
+  StructureCase s(Named(cases, "aniso_p21"));
   ASSERT_EQ(s.q.acentric, 1);
   const float plus = s.F2({2, 1, 3}, 0.08f);
   const float minus = s.F2({-2, -1, -3}, 0.08f);
@@ -136,7 +146,7 @@ TEST(StructureFactor, FriedelPairsAgreeWithAnomalousScattering) {
 
 TEST(StructureFactor, CentricPhaseHasNoSineSums) {
   const auto cases = ReadCases();
-  StructureJob s(Named(cases, "aniso_p21c"));
+  StructureCase s(Named(cases, "aniso_p21c"));
   ASSERT_NE(s.q.acentric, 1);
   const float F2 = s.F2({2, 1, 3}, 0.08f);
   // B = B'' = 0: A' = A and B' = A'', so F^2 = A'^2 + B'^2.
@@ -145,7 +155,7 @@ TEST(StructureFactor, CentricPhaseHasNoSineSums) {
 
 TEST(StructureFactor, NeutronLengthsGiveNoImaginaryPart) {
   const auto cases = ReadCases();
-  StructureJob s(Named(cases, "aniso_f43m_neutron"));
+  StructureCase s(Named(cases, "aniso_f43m_neutron"));
   const float F2 = s.F2({3, 1, 1}, 0.09f);
   // A'' = B'' = 0: F^2 = A^2 + B^2 = A'^2 + B'^2.
   EXPECT_NEAR(F2, s.r.Aprime * s.r.Aprime + s.r.Bprime * s.r.Bprime, 1.0e-5f * F2);
@@ -157,9 +167,9 @@ TEST(StructureFactor, AtomWithAnOperatorRangeUsesTheIdentityAndItsRange) {
   Case c{"range", "P 4 2 2", {}, {}};
   c.atoms.push_back({"Fe1", {0.11, 0.23,  0.37, 0.5,   1.0, 11.77, 4.76, 7.36, 0.31, 3.52, 15.35,
                              2.30, 76.88, 1.04, -1.13, 3.2, 0,     0,    0,    0,    0,    0}});
-  StructureJob s(c);
+  StructureCase s(c);
   ASSERT_EQ(s.q.nSym, 8);
-  AtomSite& a = s.job->atoms[1];
+  AtomSite& a = s.Atom(1);
   // A' and B' are linear in the operator terms, so single-operator ranges
   // (each with the identity in front) isolate the term of every operator.
   auto amplitude = [&](int in, int fin) {
@@ -184,9 +194,9 @@ TEST(StructureFactor, AtomWithAnOperatorRangeUsesTheIdentityAndItsRange) {
 
 // Central finite difference of F^2 with respect to one atom field.
 // `noise` receives the size of the rounding of F^2 seen through the step.
-double FiniteDifference(StructureJob& s, int atom, int field, const std::array<float, 3>& h,
+double FiniteDifference(StructureCase& s, int atom, int field, const std::array<float, 3>& h,
                         float s2, double& noise) {
-  float& v = s.job->atoms[atom].ATP[field];
+  float& v = s.Atom(atom).ATP[field];
   const float saved = v;
   const float step = std::max(1.0e-3f * std::fabs(saved), 1.0e-3f);
   v = saved + step;
@@ -200,14 +210,14 @@ double FiniteDifference(StructureJob& s, int atom, int field, const std::array<f
 
 void CheckDerivatives(const std::string& name) {
   const auto cases = ReadCases();
-  StructureJob s(Named(cases, name));
+  StructureCase s(Named(cases, name));
   const std::array<float, 3> h = {2, 1, 3};
   const float s2 = 0.08f;
   int parameter = 0;
   const int fields[] = {1, 2, 3, 4, 5, 13, 14, 15, 16, 17, 18};
   for (int atom = 1; atom <= 2; ++atom) {
     for (int field : fields) {
-      s.job->atoms[atom].ATC[field] = Codeword{++parameter, 1.0f};
+      s.Atom(atom).ATC[field] = Codeword{++parameter, 1.0f};
     }
   }
   s.F2(h, s2, true);
@@ -234,36 +244,59 @@ TEST(StructureFactor, DerivativesMatchFiniteDifferencesInACentricPhase) {
 
 TEST(StructureFactor, MultiplierScalesTheDerivative) {
   const auto cases = ReadCases();
-  StructureJob s(Named(cases, "aniso_p21"));
-  s.job->atoms[1].ATC[1] = Codeword{1, 1.0f};
+  StructureCase s(Named(cases, "aniso_p21"));
+  s.Atom(1).ATC[1] = Codeword{1, 1.0f};
   s.F2({2, 1, 3}, 0.08f, true);
   const float single = s.dF2[0];
-  s.job->atoms[1].ATC[1] = Codeword{1, -2.5f};
+  s.Atom(1).ATC[1] = Codeword{1, -2.5f};
   s.F2({2, 1, 3}, 0.08f, true);
   EXPECT_FLOAT_EQ(s.dF2[0], -2.5f * single);
 }
 
 TEST(StructureFactor, EmptyAtomAddsNothingButItsRefinedOccupancyDividesByZero) {
   const auto cases = ReadCases();
-  StructureJob s(Named(cases, "aniso_p21"));
+  StructureCase s(Named(cases, "aniso_p21"));
   const float full = s.F2({2, 1, 3}, 0.08f);
-  s.job->atoms[2].ATP[5] = 0.0f;
-  s.job->atoms[2].ATC[5] = Codeword{1, 1.0f};
+  s.Atom(2).ATP[5] = 0.0f;
+  s.Atom(2).ATC[5] = Codeword{1, 1.0f};
   const float withoutSecond = s.F2({2, 1, 3}, 0.08f, true);
   EXPECT_FALSE(std::isfinite(s.dF2[0]));
-  s.job->phases[1].Nat = 1;
-  s.q.nAtoms = 1;
+  s.atoms.resize(1);
   const float firstOnly = s.F2({2, 1, 3}, 0.08f);
   EXPECT_FLOAT_EQ(withoutSecond, firstOnly);
   EXPECT_NE(withoutSecond, full);
 }
 
+TEST(StructureFactor, AFormFactorObjectGivesItsStatusWithTheAtomAndLeavesTheReflection) {
+  const auto cases = ReadCases();
+  StructureCase s(Named(cases, "aniso_p21"));
+  s.Atom(2).nuclearSpecies = -1;
+  s.Atom(1).ATC[1] = Codeword{1, 1.0f};
+  s.r.Aprime = 5.0f;
+  s.r.Bprime = -3.0f;
+  const StructureFactorValue value = s.Evaluate({2, 1, 3}, 0.08f, true);
+  EXPECT_EQ(value.status, StructureFactorStatus::FormFactorObject);
+  EXPECT_EQ(value.atom, 2);
+  EXPECT_EQ(s.r.Aprime, 5.0f);
+  EXPECT_EQ(s.r.Bprime, -3.0f);
+  EXPECT_EQ(s.dF2[0], 0.0f);
+}
+
+TEST(StructureFactor, ASpeciesNumberOfZeroIsAFormFactorObjectToo) {
+  const auto cases = ReadCases();
+  StructureCase s(Named(cases, "aniso_p21"));
+  s.Atom(1).nuclearSpecies = 0;
+  const StructureFactorValue value = s.Evaluate({1, 0, 0}, 0.01f, false);
+  EXPECT_EQ(value.status, StructureFactorStatus::FormFactorObject);
+  EXPECT_EQ(value.atom, 1);
+}
+
 TEST(StructureFactor, PartialSumsFromAListAreAddedAndKept) {
   const auto cases = ReadCases();
-  StructureJob s(Named(cases, "aniso_p21"));
+  StructureCase s(Named(cases, "aniso_p21"));
   const float alone = s.F2({1, 0, 0}, 0.01f);
   const float Ap = s.r.Aprime, Bp = s.r.Bprime;
-  s.job->phases[1].pat[1].Irf = 3;
+  s.Irf = 3;
   s.r.Aprime = 2.0f;
   s.r.Bprime = -1.0f;
   s.F2({1, 0, 0}, 0.01f);
@@ -276,11 +309,11 @@ TEST(StructureFactor, PartialSumsFromAListAreAddedAndKept) {
 
 TEST(StructureFactor, PhaseAngleIsWrittenOnlyForFourierFiles) {
   const auto cases = ReadCases();
-  StructureJob s(Named(cases, "aniso_p21"));
+  StructureCase s(Named(cases, "aniso_p21"));
   s.r.phaseAngle = -7.0f;
   s.F2({2, 1, 3}, 0.08f);
   EXPECT_EQ(s.r.phaseAngle, -7.0f);
-  s.job->patterns[1].JFOU = 1;
+  s.JFOU = 1;
   s.F2({2, 1, 3}, 0.08f);
   double expected = std::atan2(static_cast<double>(s.r.Bprime), s.r.Aprime);
   if (expected < 0.0) expected += 2.0 * M_PI;
@@ -289,8 +322,8 @@ TEST(StructureFactor, PhaseAngleIsWrittenOnlyForFourierFiles) {
 
 TEST(StructureFactor, CentricPhaseAngleIsZeroOrPi) {
   const auto cases = ReadCases();
-  StructureJob s(Named(cases, "aniso_p21c"));
-  s.job->patterns[1].JFOU = 1;
+  StructureCase s(Named(cases, "aniso_p21c"));
+  s.JFOU = 1;
   for (const std::array<float, 3>& h :
        {std::array<float, 3>{1, 0, 0}, {0, 1, 1}, {2, 1, 3}, {3, -1, 2}}) {
     s.F2(h, 0.05f);

@@ -33,7 +33,6 @@ std::string ControlText(int cycles, int refined, int idum) {
 struct CycleRun {
   ScratchDir dir;
   CapturedJob job;
-  int stop = -1;
   bool finished = false;
   // `forceTest` switches the convergence test on after reading, as a phase
   // with a structure would leave it (profile matching switches it off).
@@ -50,7 +49,7 @@ struct CycleRun {
       job->run.IDUM = idum;
     }
     if (eps >= 0.0f) job->run.EPS = eps;
-    finished = testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j, stop); });
+    finished = testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j); });
   }
   int Count(const std::string& line) {
     const auto lines = testing::SplitLines(job.Console());
@@ -121,8 +120,7 @@ TEST(CycleDriver, MagneticOrRigidBodyPhaseStopsBeforeTheFirstCycle) {
     job->run.NPHASE = 1;
     job->run.NCY = 1;
     job->phases[1].Jbt = Jbt;
-    int stop = 0;
-    EXPECT_FALSE(testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j, stop); })) << Jbt;
+    EXPECT_FALSE(testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j); })) << Jbt;
     EXPECT_NE(job.Console().find(
                   " Magnetic and rigid-body structure factors are not available in this version"),
               std::string::npos);

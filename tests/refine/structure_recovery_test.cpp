@@ -55,8 +55,7 @@ std::string ControlText(const Structure& s) {
 // Runs the job of `s` in `dir`; false when it stopped.
 bool RunJob(ScratchDir& dir, CapturedJob& job, const Structure& s) {
   if (!testing::ReadControlText(dir, job, ControlText(s), false)) return false;
-  int stop = 0;
-  return testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j, stop); });
+  return testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j); });
 }
 
 // Calculates the pattern of `truth`, with a scale that puts the strongest

@@ -53,8 +53,7 @@ struct ReportRun {
     EXPECT_TRUE(testing::ReadControlText(dir, job, pcr, false)) << job.Console();
     OpenUnit(job->files.units[Unit::Out], "x.out", OpenStatus::Append);
     OpenUnit(job->files.units[Unit::Sum], "x.sum", OpenStatus::Append);
-    int stop = 0;
-    cycled = testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j, stop); });
+    cycled = testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j); });
   }
   bool Report() {
     return testing::RunsWithoutStop(*job, [](Job& j) { FinalReport(j); });

@@ -52,13 +52,13 @@ TEST(Console, NumberModesTwoAndThree) {
   EXPECT_EQ(job.Console(), " =>==> Chi2:   1.500\n   Value       3and    2.250\n   Nothing\n");
 }
 
-TEST(Console, StopBoxWithFlagZeroReturns) {
+TEST(Console, WarningBoxReturns) {
   CapturedJob job;
-  StopBox(*job, " A warning ", 0);
+  WarningBox(*job, " A warning ");
   EXPECT_EQ(job.Console(), "=== Stop/Warning Box ===\n A warning\n");
 }
 
-TEST(Console, StopBoxWithFlagEndsTheProcessWithExitCodeZero) {
+TEST(Console, StopBoxEndsTheProcessWithExitCodeZero) {
   CapturedJob job;
   try {
     StopBox(*job, " Invalid JOBTYP ");
@@ -67,6 +67,7 @@ TEST(Console, StopBoxWithFlagEndsTheProcessWithExitCodeZero) {
     EXPECT_EQ(stop.exitCode, 0);
   }
   EXPECT_NE(job.Console().find(" Invalid JOBTYP"), std::string::npos);
+  EXPECT_EQ(job.Console(), "=== Stop/Warning Box ===\n Invalid JOBTYP\n");
 }
 
 TEST(Console, LinesGoToTheLogUnitWhenSwitched) {
