@@ -22,6 +22,8 @@ bool DecodeBankLine(const std::string& line, DataFile& file, long long& count) {
   if (line.size() <= 42) return false;
   const ReadTarget reals[] = {&thmin, &step};
   if (ReadListLine(std::string_view(line).substr(42), reals) != ReadStatus::Ok) return false;
+  RequireFinite(file, thmin, file.lineNumber);
+  RequireFinite(file, step, file.lineNumber);
   file.firstInteger = bank;
   file.THMIN = thmin;
   file.STEP = step;

@@ -1,5 +1,6 @@
 // INSTR 12 and -12: GSAS files with a BANK line and STD, ESD or ALT data.
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "format/text.h"
@@ -54,6 +55,20 @@ void ReadItem(DataFile& file, const std::string& item, T& value) {
   if (ReadListLine(item, target) != ReadStatus::Ok) StopBadData(file.job);
 }
 
+// The data types a BANK line may name (FXYE and FXY are named but not read).
+constexpr std::string_view kDataTypes[] = {"STD", "ESD", "ALT", "FXYE", "FXY"};
+
+bool IsDataType(std::string_view word) {
+  for (std::string_view type : kDataTypes) {
+    if (word == type) return true;
+  }
+  return false;
+}
+
+// BANK IBANK NCHAN NREC BINTYP BCOEF1..BCOEF4 DATTYP, taken by items: the data
+// type is the first of its words after BINTYP (STD when none is there), the
+// items before it are the coefficients (the first four are read), and the
+// items after it are not read.
 GsasBank DecodeBankLine(DataFile& file, const std::string& line) {
   const std::vector<std::string> items = SplitAtBlanks(std::string_view(line).substr(4));
   ReportData(file, Fmt("(A,I3)", " => Number of items read in BANK line: ", items.size()));
@@ -63,16 +78,25 @@ GsasBank DecodeBankLine(DataFile& file, const std::string& line) {
   ReadItem(file, items[1], bank.NCHAN);
   ReadItem(file, items[2], bank.NREC);
   bank.BINTYP = items[3];
-  for (std::size_t k = 0; k < 4 && 4 + k < items.size(); ++k) {
-    ReadItem(file, items[4 + k], bank.COEFFS[k]);
+  std::size_t k = 4;
+  for (; k < items.size() && !IsDataType(items[k]); ++k) {
+    if (k - 4 < 4) {
+      ReadItem(file, items[k], bank.COEFFS[k - 4]);
+      RequireFinite(file, bank.COEFFS[k - 4], file.lineNumber);
+    }
   }
-  if (items.size() > 8) bank.DATTYP = items[8];
+  if (k < items.size()) bank.DATTYP = items[k];
   ReportData(file, Fmt("(A,3I8)", " -> IBANK,NCHAN,NREC: ", bank.IBANK, bank.NCHAN, bank.NREC));
   ReportData(file, " -> BINTYP          : " + bank.BINTYP);
   ReportData(file, Fmt("(A,4F12.4)", " -> COEFFS          : ", bank.COEFFS[0], bank.COEFFS[1],
                        bank.COEFFS[2], bank.COEFFS[3]));
   ReportData(file, " -> DATTYP          : " + bank.DATTYP);
   return bank;
+}
+
+// Constant steps: BINTYP CONST, or CONS as some writers spell it.
+bool IsConstantStep(const GsasBank& bank) {
+  return bank.BINTYP.starts_with("CONS");
 }
 
 // Constant-step banks: the range from the first two coefficients.
@@ -83,17 +107,19 @@ void ConstantStepRange(DataFile& file, const GsasBank& bank, float divisor) {
   FillEvenPositions(file);
 }
 
+// STD records: per point the number of counters (blank is 1) and the mean
+// count over them, whose variance is the mean over the counters.
 void ReadStandardBank(DataFile& file, const GsasBank& bank, float divisor) {
-  if (bank.BINTYP != "CONST") {
+  if (!IsConstantStep(bank)) {
     StopData(file.job, " => Only BINTYP=CONST is allowed for standard data");
   }
   ConstantStepRange(file, bank, divisor);
   ReadDataFormatted(file, "(10(I2,F6.0))", Interleaved({&file.CountNorm, &file.Ytotal}, file.NPTS));
-  NormaliseByCounters(file);
+  TakeCounterMeans(file);
 }
 
 void ReadEsdBank(DataFile& file, const GsasBank& bank, float divisor) {
-  if (bank.BINTYP != "CONST") StopData(file.job, " => Only BINTYP=CONST is allowed for ESD data");
+  if (!IsConstantStep(bank)) StopData(file.job, " => Only BINTYP=CONST is allowed for ESD data");
   ConstantStepRange(file, bank, divisor);
   ReadDataFormatted(file, "(10F8.0)", Interleaved({&file.Ytotal, &file.Variance}, file.NPTS));
   SquareSigmas(file.Variance);
@@ -119,20 +145,24 @@ void CorrectRalfBins(DataFile& file) {
   }
 }
 
-void ReadAltBank(DataFile& file, const GsasBank& bank) {
+// ALT records: position x 32, intensity, sigma. RALF positions and
+// coefficients are times x 32; constant-step coefficients are positions as the
+// other types have them, and the positions read are then in the same unit.
+void ReadAltBank(DataFile& file, const GsasBank& bank, float divisor) {
   const bool ralf = bank.BINTYP == "RALF";
-  if (!ralf && bank.BINTYP != "CONST") {
+  if (!ralf && !IsConstantStep(bank)) {
     StopData(file.job, " => Only BINTYP=RALF or CONST is allowed for ALT data");
   }
   ReadDataFormatted(file, "(4(F8.0,F7.4,F5.4))",
                     Interleaved({&file.X, &file.Ytotal, &file.Variance}, file.NPTS));
-  for (float& x : file.X) x *= kTimeUnit;
+  const float unit = ralf ? 1.0f : divisor;
+  for (float& x : file.X) x = x * kTimeUnit / unit;
   if (ralf) CorrectRalfBins(file);
   SquareSigmas(file.Variance);
   file.stepKind = ralf ? 0 : 1;
   if (ralf) file.equalStep = 0;
-  file.THMIN = bank.COEFFS[0] * kTimeUnit;
-  file.STEP = bank.COEFFS[1] * kTimeUnit;
+  file.THMIN = ralf ? bank.COEFFS[0] * kTimeUnit : bank.COEFFS[0] / divisor;
+  file.STEP = ralf ? bank.COEFFS[1] * kTimeUnit : bank.COEFFS[1] / divisor;
   file.THMAX = file.X.back();
   file.Cnorm = MeanVarianceRatio(file.Ytotal, file.Variance);
 }
@@ -143,14 +173,15 @@ void ReadGsasData(DataFile& file) {
   const GsasBank bank = DecodeBankLine(file, FindBankLine(file));
   file.firstInteger = bank.IBANK;
   SetPointCount(file, bank.NCHAN);
-  // Constant-step coefficients are in centidegrees, except with a negative INSTR.
+  // Constant-step positions are in centidegrees (INSTR 12, constant wavelength)
+  // or in time units as they stand (INSTR -12).
   const float divisor = file.INSTR < 0 ? 1.0f : 100.0f;
   if (bank.DATTYP == "STD") {
     ReadStandardBank(file, bank, divisor);
   } else if (bank.DATTYP == "ESD") {
     ReadEsdBank(file, bank, divisor);
   } else if (bank.DATTYP == "ALT") {
-    ReadAltBank(file, bank);
+    ReadAltBank(file, bank, divisor);
   } else {
     StopBadData(file.job);
   }

@@ -135,6 +135,7 @@ void ReadD1ASumData(DataFile& file) {
     if (ReadFormatted(pairs, record, NextRecord(), targets) != ReadStatus::Ok) {
       StopBadData(file.job);
     }
+    for (std::size_t k = 0; k < n; ++k) RequireFinite(file, y[k], file.lineNumber);
     counters.insert(counters.end(), c.begin(), c.end());
     counts.insert(counts.end(), y.begin(), y.end());
   }

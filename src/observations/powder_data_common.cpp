@@ -2,8 +2,10 @@
 #include "observations/powder_data_common.h"
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 
+#include "observations/finite_watch.h"
 #include "records/dimension_limits.h"
 #include "surface/console.h"
 
@@ -37,6 +39,22 @@ void StopTooManyPoints(Job& job, long long count) {
   StopData(job, " Too many points ");
 }
 
+void StopNonFinite(DataFile& file, int line) {
+  StopData(file.job, Fmt("(A,A,A,I0)", " => Non-finite value in data file: ",
+                         file.job.files.units[Unit::Data].name, " at line ", line));
+}
+
+void RequireFinite(DataFile& file, float value, int line) {
+  if (!std::isfinite(value)) StopNonFinite(file, line);
+}
+
+bool ReadsAsNonFinite(std::string_view text) {
+  double value = 0.0;
+  const ReadTarget target[] = {&value};
+  if (ReadListLine(text, target) != ReadStatus::Ok) return false;
+  return !std::isfinite(value) || std::fabs(value) > static_cast<double>(FLT_MAX);
+}
+
 bool ReadDataRecord(DataFile& file, std::string& record, std::size_t maxLength) {
   switch (ReadRecord(file.job.files.units[Unit::Data], record, maxLength)) {
     case RecordRead::Ok:
@@ -58,23 +76,38 @@ std::string RequireDataRecord(DataFile& file, std::size_t maxLength) {
 
 namespace {
 
-// The supplier of further records for the formatted and list reads.
-NextRecord RecordsOf(DataFile& file, std::size_t maxLength) {
-  return
-      [&file, maxLength](std::string& record) { return ReadDataRecord(file, record, maxLength); };
-}
-
 void CheckRead(DataFile& file, ReadStatus status) {
   if (status == ReadStatus::EndOfRecords) StopEndOfData(file.job);
   if (status == ReadStatus::BadValue) StopBadData(file.job);
+}
+
+// Reads values from `first` on with `read`, fetching further records of up to
+// `maxLength` characters; every record's values are checked when it is done.
+template <typename Read>
+void ReadWatched(DataFile& file, std::span<const ReadTarget> targets, std::size_t maxLength,
+                 bool list, Read read) {
+  const std::string first = RequireDataRecord(file, maxLength);
+  FiniteWatch watch(file, targets);
+  bool nulls = list && FiniteWatch::MayHoldNulls(first);
+  const NextRecord next = [&](std::string& record) {
+    watch.RecordDone(nulls);
+    if (!ReadDataRecord(file, record, maxLength)) return false;
+    nulls = list && FiniteWatch::MayHoldNulls(record);
+    return true;
+  };
+  const ReadStatus status = read(first, next);
+  CheckRead(file, status);
+  watch.RecordDone(nulls);
 }
 
 }  // namespace
 
 void ReadDataFormatted(DataFile& file, const CompiledFormat& format,
                        std::span<const ReadTarget> targets) {
-  const std::string first = RequireDataRecord(file);
-  CheckRead(file, ReadFormatted(format, first, RecordsOf(file, kDataRecordLength), targets));
+  ReadWatched(file, targets, kDataRecordLength, false,
+              [&](std::string_view first, const NextRecord& next) {
+                return ReadFormatted(format, first, next, targets);
+              });
 }
 
 void ReadDataFormatted(DataFile& file, std::string_view format,
@@ -83,8 +116,10 @@ void ReadDataFormatted(DataFile& file, std::string_view format,
 }
 
 void ReadDataList(DataFile& file, std::span<const ReadTarget> targets) {
-  const std::string first = RequireDataRecord(file, kDataListRecordLength);
-  CheckRead(file, ReadList(first, RecordsOf(file, kDataListRecordLength), targets));
+  ReadWatched(file, targets, kDataListRecordLength, true,
+              [&](std::string_view first, const NextRecord& next) {
+                return ReadList(first, next, targets);
+              });
 }
 
 std::vector<ReadTarget> Interleaved(std::initializer_list<std::vector<float>*> columns, int count) {
@@ -155,6 +190,17 @@ void NormaliseByCounters(DataFile& file) {
     y = y / n;
   }
   file.Cnorm = MeanVarianceRatio(file.Ytotal, file.Variance);
+}
+
+void TakeCounterMeans(DataFile& file) {
+  for (std::size_t i = 0; i < static_cast<std::size_t>(file.NPTS); ++i) {
+    float& y = file.Ytotal[i];
+    float& n = file.CountNorm[i];
+    if (y <= 0.00001f) y = 1.0f;
+    if (n == 0.0f) n = 1.0f;
+    file.Variance[i] = y / n;
+  }
+  file.Cnorm = 1.0f;
 }
 
 float MeanVarianceRatio(const std::vector<float>& y, const std::vector<float>& variance) {

@@ -54,6 +54,14 @@ struct DataFile {
 [[noreturn]] void StopData(Job& job, std::string_view text);
 // More than 20000 points: the count on the .out file and the console, then " Too many points ".
 [[noreturn]] void StopTooManyPoints(Job& job, long long count);
+// " => Non-finite value in data file: NAME at line N": a value read as nan or
+// inf, or beyond the range of a 32-bit real.
+[[noreturn]] void StopNonFinite(DataFile& file, int line);
+// Stops as StopNonFinite when the value is not finite.
+void RequireFinite(DataFile& file, float value, int line);
+// True for a number text that reads as nan or inf, or whose value lies beyond
+// the range of a 32-bit real; false for finite numbers and for other words.
+bool ReadsAsNonFinite(std::string_view text);
 
 // ---------------------------------------------------------------------------
 // Records and values of unit 4.
@@ -64,13 +72,14 @@ bool ReadDataRecord(DataFile& file, std::string& record, std::size_t maxLength =
 std::string RequireDataRecord(DataFile& file, std::size_t maxLength = kDataRecordLength);
 
 // Reads values under a fixed-column format, starting with a new record and
-// going on over as many records as the format's reversion asks for.
+// going on over as many records as the format's reversion asks for. A real
+// value that is not finite stops the run with the line that held it.
 void ReadDataFormatted(DataFile& file, std::string_view format,
                        std::span<const ReadTarget> targets);
 void ReadDataFormatted(DataFile& file, const CompiledFormat& format,
                        std::span<const ReadTarget> targets);
 // Reads values in free format, starting with a new record and going on over
-// as many records as needed.
+// as many records as needed; non-finite values stop as above.
 void ReadDataList(DataFile& file, std::span<const ReadTarget> targets);
 
 // Targets for `count` values of each of the given vectors, interleaved:
@@ -102,6 +111,12 @@ void RangeFromPositions(DataFile& file);
 // becomes 1, a counter count of 0 becomes 1, Variance = Ytotal/CountNorm and
 // then Ytotal = Ytotal/CountNorm; Cnorm is set from the mean ratio.
 void NormaliseByCounters(DataFile& file);
+
+// The treatment of counts that are means over CountNorm counters (GSAS STD):
+// an intensity at or below 0.00001 becomes 1, a counter count of 0 becomes 1,
+// Ytotal stays the mean and Variance = Ytotal/CountNorm. Cnorm is 1: the
+// variance of a calculated mean is then Ycalc/CountNorm, as for the data.
+void TakeCounterMeans(DataFile& file);
 
 // The mean of Variance[i]/max(Ytotal[i], 0.001) over the points (1 with no point).
 float MeanVarianceRatio(const std::vector<float>& y, const std::vector<float>& variance);

@@ -1,5 +1,9 @@
 // INSTR 10: X,Y,sigma lines, an optional "XYDATA" heading, interpolation to a constant step.
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "format/text.h"
@@ -48,7 +52,45 @@ void ReadTemperatureLine(DataFile& file, std::string_view line) {
   if (blank == std::string_view::npos) return;
   float temperature = 0.0f;
   const ReadTarget value[] = {&temperature};
-  if (ReadListLine(line.substr(blank), value) == ReadStatus::Ok) file.Temperature = temperature;
+  if (ReadListLine(line.substr(blank), value) != ReadStatus::Ok) return;
+  RequireFinite(file, temperature, file.lineNumber);
+  file.Temperature = temperature;
+}
+
+// True when one of the first three words of a point line (separated by
+// blanks, tabs or commas) reads as a number that is not finite.
+bool HoldsNonFinitePoint(std::string_view line) {
+  constexpr std::string_view kSeparators = " \t,";
+  std::size_t at = 0;
+  for (int word = 0; word < 3; ++word) {
+    at = line.find_first_not_of(kSeparators, at);
+    if (at == std::string_view::npos) return false;
+    const std::size_t end = std::min(line.find_first_of(kSeparators, at), line.size());
+    if (ReadsAsNonFinite(line.substr(at, end - at))) return true;
+    at = end;
+  }
+  return false;
+}
+
+// The field reader refuses the letters of nan and inf with its caret report,
+// and a number beyond a 32-bit real as unreadable. The point line it takes
+// next (comments and blank lines passed over as it does) is looked at first,
+// and left unread, so that such a value is named for what it is.
+void CheckNextPointLine(DataFile& file) {
+  TextUnit& unit = file.job.files.units[Unit::Data];
+  const long start = std::ftell(unit.file);
+  const long lastRecordStart = unit.lastRecordStart;
+  const bool atEnd = unit.atEnd;
+  std::string line;
+  for (int number = file.lineNumber + 1;
+       ReadRecord(unit, line, kDataRecordLength) == RecordRead::Ok; ++number) {
+    if (line.empty() || line[0] == '!' || TrimRight(line).empty()) continue;
+    if (HoldsNonFinitePoint(line)) StopNonFinite(file, number);
+    break;
+  }
+  std::fseek(unit.file, start, SEEK_SET);
+  unit.lastRecordStart = lastRecordStart;
+  unit.atEnd = atEnd;
 }
 
 XYHeading ReadHeading(DataFile& file) {
@@ -128,6 +170,7 @@ void ReadXYSigmaData(DataFile& file) {
     float x = 0.0f;
     float y = 0.0f;
     float sigma = 0.0f;
+    CheckNextPointLine(file);
     const int error =
         ReadMaskedLine(file.job, Unit::Data, "fff", file.lineNumber, {&x, &y, &sigma});
     if (error == FieldError::EndOfFile) break;
@@ -137,6 +180,7 @@ void ReadXYSigmaData(DataFile& file) {
     x *= heading.xFactor;
     y *= heading.yFactor;
     sigma *= heading.yFactor;
+    for (float value : {x, y, sigma * sigma}) RequireFinite(file, value, file.lineNumber);
     xs.push_back(x);
     ys.push_back(y);
     vs.push_back(sigma == 0.0f ? y : sigma * sigma);

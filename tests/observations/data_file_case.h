@@ -64,6 +64,9 @@ class DataFileCase {
 
   bool DataUnitOpen() { return IsOpen(job_->files.units[Unit::Data]); }
 
+  // The data file as it is on disk now.
+  std::string DataText() { return dir_.Read("case.dat"); }
+
  private:
   void Prepare(int instr) {
     job_->patterns[1].DatCode = "case";

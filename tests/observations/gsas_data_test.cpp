@@ -11,9 +11,10 @@ namespace {
 using testing::DataFileCase;
 using testing::ExpectPoint;
 using testing::HasLine;
+using testing::PointValues;
 
 TEST(GsasData, StandardBankReadsCounterPairsFromCentidegrees) {
-  // 10(I2,F6.0): counter then count; a blank counter is 1.
+  // 10(I2,F6.0): counter then mean count; a blank counter is 1.
   DataFileCase c(
       12,
       "PbSO4 test pattern\n"
@@ -29,8 +30,8 @@ TEST(GsasData, StandardBankReadsCounterPairsFromCentidegrees) {
   EXPECT_NEAR(p.THMAX, 10.55f, 1e-5f);
   ExpectPoint(p, 1, {10.0f, 220.0f, 220.0f});
   ExpectPoint(p, 3, {10.1f, 219.0f, 219.0f});
-  ExpectPoint(p, 4, {10.15f, 224.0f, 224.0f});  // 448 over 2 counters
-  ExpectPoint(p, 11, {10.5f, 200.0f, 200.0f});  // 800 over 4
+  ExpectPoint(p, 4, {10.15f, 448.0f, 224.0f});  // a mean of 448 over 2 counters
+  ExpectPoint(p, 11, {10.5f, 800.0f, 200.0f});  // 800 over 4
   ExpectPoint(p, 12, {10.55f, 1.0f, 1.0f});     // zero count
   EXPECT_EQ(p.CountNorm[4], 2.0f);
   EXPECT_EQ(p.CountNorm[3], 1.0f);
@@ -44,13 +45,59 @@ TEST(GsasData, StandardBankReadsCounterPairsFromCentidegrees) {
   EXPECT_TRUE(HasLine(report, " -> DATTYP          : STD"));
 }
 
-TEST(GsasData, BankLineWithoutDataTypeIsStandard) {
-  DataFileCase c(12, "BANK 1 3 1 CONST 2000 10 0 0\n 1   100 2   100 1   300\n");
+TEST(GsasData, StandardCountsAreMeansOverTheirCounters) {
+  // NCTR then the mean count of those counters: the count is kept, its
+  // variance is count/NCTR, and NCTR is the counter normalisation.
+  //   " 1   300": 300, 300/1 = 300      " 2   300": 300, 300/2 = 150
+  //   "     300": blank NCTR is 1: 300  "10   250": 250, 250/10 = 25
+  //   " 2     0": a zero count is 1, 1/2 = 0.5
+  DataFileCase c(12,
+                 "BANK 1 5 1 CONST 2000 10 0 0 STD\n"
+                 " 1   300 2   300     30010   250 2     0\n");
   c.Read();
-  ASSERT_EQ(c.pattern().NPTS, 3);
-  ExpectPoint(c.pattern(), 2, {20.1f, 50.0f, 50.0f});
+  const Pattern& p = c.pattern();
+  ASSERT_EQ(p.NPTS, 5);
+  const float counters[] = {1.0f, 2.0f, 1.0f, 10.0f, 2.0f};
+  const PointValues points[] = {{20.0f, 300.0f, 300.0f},
+                                {20.1f, 300.0f, 150.0f},
+                                {20.2f, 300.0f, 300.0f},
+                                {20.3f, 250.0f, 25.0f},
+                                {20.4f, 1.0f, 0.5f}};
+  for (int i = 1; i <= 5; ++i) {
+    ExpectPoint(p, i, points[i - 1]);
+    EXPECT_EQ(p.CountNorm[i], counters[i - 1]) << "CountNorm of point " << i;
+  }
+  // With IWGT 1 the variance of a calculated count y is |y|/CountNorm*Cnorm:
+  // at the observed counts this gives the variances above.
+  EXPECT_EQ(p.Cnorm, 1.0f);
+}
+
+TEST(GsasData, DataTypeIsTheFirstTypeWordAfterTheBinType) {
+  // One coefficient pair only, and an item after STD that is not read.
+  DataFileCase c(12, "BANK 1 2 1 CONST 1000 5 STD 00000000\n 2   100 1   200\n");
+  c.Read();
+  const Pattern& p = c.pattern();
+  ASSERT_EQ(p.NPTS, 2);
+  EXPECT_FLOAT_EQ(p.THMIN, 10.0f);
+  EXPECT_FLOAT_EQ(p.STEP, 0.05f);
+  ExpectPoint(p, 1, {10.0f, 100.0f, 50.0f});
   EXPECT_TRUE(HasLine(c.Report(), " -> DATTYP          : STD"));
-  EXPECT_NE(c.Report().find(" => Number of items read in BANK line:   8"), std::string::npos);
+}
+
+TEST(GsasData, TimeMapBankWithOneCoefficientNamesItsBinType) {
+  // "TIME_MAP 1 STD 00000000": STD is the type; standard data need constant bins.
+  DataFileCase c(-12, "BANK  1  2  1 TIME_MAP   1 STD 00000000\n    4957    5028\n");
+  EXPECT_NE(c.ReadExpectingStop().find(" => Only BINTYP=CONST is allowed for standard data"),
+            std::string::npos);
+}
+
+TEST(GsasData, ConsIsAConstantStep) {
+  DataFileCase c(12, "BANK 1 2 1 CONS 4995 5 0 0 ESD\n    10.      1.     20.      2.\n");
+  c.Read();
+  EXPECT_FLOAT_EQ(c.pattern().THMIN, 49.95f);
+  EXPECT_FLOAT_EQ(c.pattern().STEP, 0.05f);
+  ExpectPoint(c.pattern(), 2, {50.0f, 20.0f, 4.0f});
+  EXPECT_TRUE(HasLine(c.Report(), " -> BINTYP          : CONS"));
 }
 
 TEST(GsasData, EsdBankReadsIntensityAndEsdPairs) {
@@ -78,25 +125,38 @@ TEST(GsasData, NegativeInstrTakesCoefficientsUndivided) {
   ExpectPoint(c.pattern(), 2, {1005.0f, 20.0f, 4.0f});
 }
 
-TEST(GsasData, AltConstTripletsAreScaledToThirtySeconds) {
+TEST(GsasData, AltConstTripletsAreThirtySecondsOfCentidegrees) {
   // 4(F8.0,F7.4,F5.4): 20 columns a point. "   1234" has no dot: 0.1234.
+  // Constant-step coefficients are centidegrees; positions are 32 x centidegrees.
   DataFileCase c(
       12,
-      "BANK 1 5 2 CONST 32000 320 0 0 ALT\n"
+      "BANK 1 5 2 CONST 1000 10 0 0 ALT\n"
       "  32000. 100.00 10.0  32320. 200.00 20.0  32640.   1234 .300  32960. 400.00 40.0\n"
       "  33280. 500.00 50.0\n");
   c.Read();
   const Pattern& p = c.pattern();
   ASSERT_EQ(p.NPTS, 5);
-  EXPECT_FLOAT_EQ(p.THMIN, 1000.0f);  // 32000/32
-  EXPECT_FLOAT_EQ(p.STEP, 10.0f);     // 320/32
-  EXPECT_FLOAT_EQ(p.THMAX, 1040.0f);  // the last x: 33280/32
+  EXPECT_FLOAT_EQ(p.THMIN, 10.0f);  // 1000/100
+  EXPECT_FLOAT_EQ(p.STEP, 0.1f);    // 10/100
+  EXPECT_FLOAT_EQ(p.THMAX, 10.4f);  // the last x: 33280/32/100
   EXPECT_EQ(p.stepKind, 1);
-  ExpectPoint(p, 1, {1000.0f, 100.0f, 100.0f});
-  ExpectPoint(p, 3, {1020.0f, 0.1234f, 0.09f});
-  ExpectPoint(p, 5, {1040.0f, 500.0f, 2500.0f});
+  ExpectPoint(p, 1, {10.0f, 100.0f, 100.0f});
+  ExpectPoint(p, 3, {10.2f, 0.1234f, 0.09f});
+  ExpectPoint(p, 5, {10.4f, 500.0f, 2500.0f});
   // Mean of variance/max(y, 0.001): (1 + 2 + 0.09/0.1234 + 4 + 5)/5.
   EXPECT_NEAR(p.Cnorm, (1.0f + 2.0f + 0.09f / 0.1234f + 4.0f + 5.0f) / 5.0f, 1e-4f);
+}
+
+TEST(GsasData, AltConstWithNegativeInstrIsInTimeUnits) {
+  // Coefficients in time units as they stand, positions 32 x time.
+  DataFileCase c(-12,
+                 "BANK 1 2 1 CONST 1000 10 0 0 ALT\n  32000. 100.00 10.0  32320. 200.00 20.0\n");
+  c.Read();
+  const Pattern& p = c.pattern();
+  EXPECT_FLOAT_EQ(p.THMIN, 1000.0f);
+  EXPECT_FLOAT_EQ(p.STEP, 10.0f);
+  EXPECT_FLOAT_EQ(p.THMAX, 1010.0f);  // 32320/32
+  ExpectPoint(p, 2, {1010.0f, 200.0f, 400.0f});
 }
 
 TEST(GsasData, AltRalfCountsBecomeCountsPerBinWidth) {

@@ -35,8 +35,10 @@ TEST(SharedPatterns, PbSO4NeutronGsasStandardFile) {
   ExpectPoint(p, 1, {10.0f, 220.0f, 220.0f});    // " 1   220"
   ExpectPoint(p, 2, {10.05f, 214.0f, 214.0f});   // " 1   214"
   ExpectPoint(p, 41, {12.0f, 227.0f, 227.0f});   // record 5: " 1   227"
-  ExpectPoint(p, 42, {12.05f, 105.5f, 105.5f});  // " 2   211": two counters
+  ExpectPoint(p, 42, {12.05f, 211.0f, 105.5f});  // " 2   211": the mean of two counters
   EXPECT_EQ(p.CountNorm[42], 2.0f);
+  ExpectPoint(p, 1001, {60.0f, 324.0f, 32.4f});  // record 101: "10   324", ten counters
+  EXPECT_EQ(p.CountNorm[1001], 10.0f);
   ExpectPoint(p, 2919, {155.9f, 450.0f, 450.0f});  // ninth pair of record 292
 }
 
