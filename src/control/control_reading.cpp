@@ -40,7 +40,7 @@ std::string AskDataCode(Job& job) {
 
 void ReadSideFiles(Job& job, int ip) {
   const Pattern& p = job.patterns[ip];
-  if (p.NPROF == 8) {
+  if (ProfileCodeFromTyped(p.NPROF) == ProfileCode::kNumerical) {
     OpenFiles(job, 20, ip, 0);
     ReadShapeFile(job);
     CloseUnit(job.files.units[Unit::Shape]);

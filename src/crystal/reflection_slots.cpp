@@ -5,6 +5,7 @@
 
 #include "crystal/metric.h"
 #include "format/fortran_format.h"
+#include "records/profile_slots.h"
 #include "records/reflection.h"
 #include "surface/console.h"
 
@@ -29,7 +30,7 @@ double SquaredWidth(const MarginWidths& w, double tanTheta) {
 
 void CheckWidth(Job& job, const SlotContext& c, const ReflectionPlace& place) {
   const Pattern& p = job.patterns[c.ip];
-  if (p.IXUNIT != kTwoTheta || p.IRESO != 0) return;
+  if (p.IXUNIT != AbscissaUnit::kTwoTheta || p.IRESO != 0) return;
   if (SquaredWidth(c.widths, place.tanTheta) < 0.0) {
     StopNegativeWidth(job, c.ip, static_cast<float>(place.position));
   }
@@ -54,8 +55,9 @@ SlotContext MakeSlotContext(const Job& job, int k, int ip, LorentzFactor lorentz
   SlotContext context;
   context.phase = k;
   context.ip = ip;
-  for (int i = 1; i <= 6; ++i) context.coefficients[i] = c.PAR[5 + i];
-  context.widths = MarginWidths{c.PAR[3], c.PAR[4], c.PAR[5]};
+  for (int i = 1; i <= 6; ++i) context.coefficients[i] = c.PAR[ProfileSlot::FirstCell - 1 + i];
+  context.widths =
+      MarginWidths{c.PAR[ProfileSlot::U], c.PAR[ProfileSlot::V], c.PAR[ProfileSlot::W]};
   context.range = RangeOfPattern(p, context.widths, std::abs(ph.Jbt) == 2);
   context.wavelengths = WavelengthCount(p);
   context.shift = shift;

@@ -4,8 +4,10 @@
 #include <cstdlib>
 #include <string>
 
+#include "records/abscissa_unit.h"
 #include "records/codeword.h"
 #include "records/dimension_limits.h"
+#include "records/profile_code.h"
 #include "records/reflection.h"
 #include "records/table1.h"
 
@@ -43,11 +45,11 @@ struct Pattern {
   int IASYM = 0;               // asymmetry model (Asym)
   int IRESO = 0;               // resolution function (Res)
   int ISTEP = 0;               // point reduction factor (Ste)
-  int IXUNIT = 0;              // abscissa unit (Uni)
-  int ICORR = 0;               // intensity corrections from file (Cor)
-  int IOT = 0;                 // print observed and calculated intensities (Ipr)
-  int IPL = 0;                 // plot and background file output (Ppl)
-  int IPC = 1;                 // integrated intensities output (Ioc)
+  AbscissaUnit IXUNIT = AbscissaUnit::kTwoTheta;  // abscissa unit (Uni)
+  int ICORR = 0;                                  // intensity corrections from file (Cor)
+  int IOT = 0;                                    // print observed and calculated intensities (Ipr)
+  int IPL = 0;                                    // plot and background file output (Ppl)
+  int IPC = 1;                                    // integrated intensities output (Ioc)
   int LST1 = 0, LST2 = 0, LST3 = 0;
   int IPL2 = 1;                // .prf file (Prf)
   int INSTR = 0;               // data-file format (Ins)

@@ -8,6 +8,7 @@
 #include "records/chemical_species.h"
 #include "records/codeword.h"
 #include "records/dimension_limits.h"
+#include "records/profile_code.h"
 #include "records/space_group.h"
 #include "records/table1.h"
 

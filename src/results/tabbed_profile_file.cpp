@@ -16,11 +16,11 @@ namespace {
 
 constexpr char kTab = '\t';
 
-const char* AbscissaHeading(int ixunit) {
+const char* AbscissaHeading(AbscissaUnit ixunit) {
   switch (ixunit) {
-    case 1:
+    case AbscissaUnit::kTimeOfFlight:
       return " T.O.F.";
-    case 2:
+    case AbscissaUnit::kEnergy:
       return " Energy";
     default:
       return " 2Theta";
@@ -42,7 +42,7 @@ void WriteTabbedHeader(Job& job, int ip) {
   WriteLine(job, Unit::Profile, Title70(job));
   WriteLine(job, Unit::Profile,
             Fmt("(I3,I7,5F12.5,I5)", job.run.NPHASE, p.NPTS, p.LAMBDA[1], p.LAMBDA[2], p.GLB[1],
-                p.GLB[8], p.GLB[9], p.IXUNIT));
+                p.GLB[8], p.GLB[9], ControlNumber(p.IXUNIT)));
   WriteLine(job, Unit::Profile, PhaseCountsLine(job, ip, true));
   WriteVectorLines(job, Unit::Profile);
   for (int r = 1; r <= p.NEXCRG; ++r) {

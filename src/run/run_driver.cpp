@@ -42,7 +42,7 @@ void RunEngine(Job& job) {
     return;
   }
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
-    if (job.patterns[ip].IXUNIT == 1) {
+    if (job.patterns[ip].IXUNIT == AbscissaUnit::kTimeOfFlight) {
       const char* words = " => Cycles of time-of-flight patterns are not run by this version";
       ConsoleLine(job, words);
       WriteReports(job, words);

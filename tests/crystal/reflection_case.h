@@ -40,7 +40,7 @@ struct ReflectionCase {
     job->run.NPHASE = 1;
     OpenFiles(*job, 2, 0, 0);
     Pattern& p = job->patterns[1];
-    p.IXUNIT = unit;
+    p.IXUNIT = AbscissaUnitOf(unit);
     p.LAMBDA[1] = p.LAMBDA[2] = 1.54056f;
     p.RATIO[1] = 1.0f;
     p.RATIO[2] = 0.0f;

@@ -49,7 +49,7 @@ inline PeakShape PrepareShape(Job& job, int code, const PeakWidths& widths,
                               float twoTheta = kTwoTheta) {
   ReflectionShapeInput in;
   in.phase = 1;
-  in.code = code;
+  in.code = ProfileCodeOf(code);
   in.twoTheta = twoTheta;
   in.tanTheta = TanTheta(twoTheta);
   in.widths = widths;

@@ -44,7 +44,7 @@ TEST(LinePrinterTable, TimeOfFlightAbscissaHasNoDecimals) {
   CapturedJob job;
   FillPlotCase(*job);
   FillRamp(job->patterns[1], 240);
-  job->patterns[1].IXUNIT = 1;
+  job->patterns[1].IXUNIT = AbscissaUnit::kTimeOfFlight;
   job->patterns[1].X[1] = 1234.4f;
   OpenFiles(*job, 2, 1, 0);
   WriteLinePrinterTable(*job, 1);
@@ -59,7 +59,7 @@ TEST(LinePrinterTable, EnergyHeadingAndShortPatternPrintsNothing) {
   CapturedJob job;
   FillPlotCase(*job);
   FillRamp(job->patterns[1], 239);
-  job->patterns[1].IXUNIT = 2;
+  job->patterns[1].IXUNIT = AbscissaUnit::kEnergy;
   OpenFiles(*job, 2, 1, 0);
   WriteLinePrinterTable(*job, 1);
   EXPECT_TRUE(SplitLines(FlushedReport(dir, *job)).empty());
