@@ -88,7 +88,7 @@ void WriteSatelliteBlock(Job& job, const ReflectionTable& table) {
 
 void WriteFixedProfileFile(Job& job, int ip, const PlotExtremes&) {
   const Pattern& p = job.patterns[ip];
-  OpenFiles(job, 11, ip, 0);
+  OpenFiles(job, FileKind::kProfile, ip, 0);
   WriteLine(job, Unit::Profile, Title70(job));
   WriteLine(job, Unit::Profile, Fmt("(A,F9.4)", "3111   1.0000", p.GLB[1]));
   WriteLine(job, Unit::Profile,

@@ -74,7 +74,7 @@ std::string Indices(const Reflection& r) {
 void WriteTabbedProfileFile(Job& job, int ip, const PlotExtremes& extremes) {
   const Pattern& p = job.patterns[ip];
   const PlotOffsets o = OffsetsOf(extremes);
-  OpenFiles(job, 11, ip, 0);
+  OpenFiles(job, FileKind::kProfile, ip, 0);
   WriteTabbedHeader(job, ip);
   WriteLine(job, Unit::Profile,
             Joined({AbscissaHeading(p.IXUNIT), "Yobs", "Ycal", "Yobs-Ycal", "Backg", "Posr",
@@ -96,7 +96,7 @@ void WriteTabbedProfileFile(Job& job, int ip, const PlotExtremes& extremes) {
 void WriteSideBySideProfileFile(Job& job, int ip, const PlotExtremes& extremes) {
   const Pattern& p = job.patterns[ip];
   const PlotOffsets o = OffsetsOf(extremes);
-  OpenFiles(job, 11, ip, 0);
+  OpenFiles(job, FileKind::kProfile, ip, 0);
   WriteTabbedHeader(job, ip);
   WriteLine(job, Unit::Profile,
             Joined({AbscissaHeading(p.IXUNIT), "Yobs", "Ycal", "Yobs-Ycal", "Backg", "Bragg",
