@@ -17,6 +17,13 @@
 
 namespace corvinet {
 
+// The answer of the continue dialogs.
+enum class DriverAnswer {
+  kSameData,   // run the same control file again
+  kOtherData,  // choose another job
+  kStop,       // end the program
+};
+
 // What the run driver keeps for the whole process.
 struct DriverState {
   std::string commandLine;
@@ -28,7 +35,7 @@ struct DriverState {
   std::string dirMemoryPath;
   bool dirMemoryOpen = false;
   int cyclicMode = 0;
-  char answer = 's';
+  DriverAnswer answer = DriverAnswer::kSameData;  // answer of the last continue dialog
   int stopRequested = 0;
   double cpuStart = 0.0;
   double cpuEnd = 0.0;

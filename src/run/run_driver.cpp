@@ -68,15 +68,15 @@ void RunJobs(Job& job) {
     }
     d.cyclicMode = 0;
     if (Trim(d.DatCode).empty()) d.DatCode = d.PcrCode;
-    while (d.answer == 's' || d.answer == 'S') {
+    while (d.answer == DriverAnswer::kSameData) {
       RunOneJob(job);
       ConsoleLine(job, "");
       ConsoleLine(job, " => File : " + d.PcrCode);
       AskContinue(job);
     }
     if (d.dirMemoryOpen) RememberDirectory(job);
-    if (d.answer != 'a' && d.answer != 'A') return;
-    d.answer = 's';
+    if (d.answer != DriverAnswer::kOtherData) return;
+    d.answer = DriverAnswer::kSameData;
     d.commandLineLength = 0;
     d.commandLine.clear();
   }
@@ -112,7 +112,7 @@ int Main(Job& job, const std::vector<std::string>& arguments) {
 
 void RunOneJob(Job& job) {
   DriverState& d = job.driver;
-  CpuTimer(job, 1, false);
+  CpuTimer(job, CpuTimerMode::kStart, false);
   OpenFiles(job, FileKind::kControl, 0, 0);
   if (IsStartingCode(d.PcrCode)) {
     ResetDefaults(job);
@@ -131,7 +131,7 @@ void RunOneJob(Job& job) {
   ReadControlFile(job);
   RunEngine(job);
 
-  CpuTimer(job, 2, true);
+  CpuTimer(job, CpuTimerMode::kEnd, true);
   DateTimeStamp end = DateTime();
   WriteReports(job, "");
   WriteReports(job, " => Run finished at: " + end.DateLine);
