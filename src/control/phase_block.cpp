@@ -133,7 +133,7 @@ void WriteContributionWords(Job& job, int k, int ip) {
   if (c.Irf == 3)
     WriteReports(job, " => Reflection list & partial structure factors read from file");
   if (c.Npr != p.NPROF && std::abs(c.Irf) != 4) {
-    WriteReports(job, Fmt("(A,I2,A,I2)", " => The ", TypedNumber(ProfileCodeOf(c.Npr)),
+    WriteReports(job, Fmt("(A,I2,A,I2)", " => The ", TypedNumber(ProfileOf(c)),
                           "th profile function was selected for phase no. ", k));
   }
   WriteReports(

@@ -79,15 +79,15 @@ void EchoParameters(Job& job, const PhasePattern& c, const Pattern& p) {
   Echo(job, " => Preferred orientation parameters:", c, {Slot::Pref1, Slot::Pref2});
   Echo(job, " => Asymmetry parameters:", c, {Slot::Asy1, Slot::Asy2, Slot::Asy3, Slot::Asy4});
   if (p.separateUVW2) Echo(job, " => U2,V2,W2 for lambda(2) :", c, kSecondWidthLine);
-  if (ProfileCodeOf(c.Npr) == ProfileCode::kSplitPseudoVoigt) {
+  if (ProfileOf(c) == ProfileCode::kSplitPseudoVoigt) {
     Echo(job, " => Split pV right halfwidth parameters Ur,Vr,Wr: ", c,
          {Slot::Ur, Slot::Vr, Slot::Wr});
     Echo(job, " => Split pV right EtaR0 and Xr parameters: ", c, {Slot::Etar, Slot::Xr});
     Echo(job, " => Left and right Par (FWHM ~ Par/tanT):", c, kShapePair);
   }
-  if (ProfileCodeOf(c.Npr) == ProfileCode::kTripledPseudoVoigt)
+  if (ProfileOf(c) == ProfileCode::kTripledPseudoVoigt)
     Echo(job, " => Further shape parameters :", c, kShapePair);
-  if (ProfileCodeOf(c.Npr) == ProfileCode::kAxialDivergence) {
+  if (ProfileOf(c) == ProfileCode::kAxialDivergence) {
     Echo(job, " => Further shape parameters (S_L and D_L):", c, kShapePair);
     WriteLine(job, Unit::Out, "    S_L is source width/detector distance");
     WriteLine(job, Unit::Out, "    D_L is detector width/detector distance");
@@ -238,8 +238,7 @@ void ReadProfileForPattern(Job& job, int k, int ip) {
   } else {
     ReadSlots(job, c, kScaleLine, &c.StrainModel);
     ReadSlots(job, c, kWidthLine, &c.SizeModel);
-    if (ProfileCodeOf(c.Npr) == ProfileCode::kSplitPseudoVoigt ||
-        p.IXUNIT == AbscissaUnit::kTimeOfFlight)
+    if (ProfileOf(c) == ProfileCode::kSplitPseudoVoigt || p.IXUNIT == AbscissaUnit::kTimeOfFlight)
       ReadSlots(job, c, kRightWidthLine);
   }
   ReadSlots(job, c, kCellLine);
@@ -252,7 +251,7 @@ void ReadProfileForPattern(Job& job, int k, int ip) {
     ReadSlots(job, c, kOrientationLine);
   }
   if (p.separateUVW2) ReadSlots(job, c, kSecondWidthLine);
-  if (HasShapeLine(ProfileCodeOf(c.Npr))) {
+  if (HasShapeLine(ProfileOf(c))) {
     ReadMaskedLine(
         job, Unit::Control, "ffff", job.LINE,
         {&c.PAR[Slot::Shp1], &c.PACtyped[Slot::Shp1], &c.PAR[Slot::Shp2], &c.PACtyped[Slot::Shp2]});
@@ -270,7 +269,7 @@ void ReadProfileForPattern(Job& job, int k, int ip) {
     c.PACtyped[Slot::Scale] = 0.0f;
   }
   EchoParameters(job, c, p);
-  if (ProfileCodeOf(c.Npr) == ProfileCode::kTchPseudoVoigt && !intensities &&
+  if (ProfileOf(c) == ProfileCode::kTchPseudoVoigt && !intensities &&
       (c.PAR[Slot::X] < 0.0f || c.PAR[Slot::Y] < 0.0f)) {
     ConsoleLine(job, " Input X and/or Y parameters negative!");
     ConsoleLine(job, "                (value fixed at 0.001)");
@@ -314,7 +313,7 @@ void EchoCodes(Job& job, const Phase& ph, const PhasePattern& c, const Pattern& 
   WriteLine(job, Unit::Out, Row(shown, kOrientationLine, true));
   if (p.separateUVW2)
     WriteLine(job, Unit::Out, " => CU2,CV2,CW2 for lambda(2) :" + Row(c, kSecondWidthLine, true));
-  if (ProfileCodeOf(c.Npr) == ProfileCode::kSplitPseudoVoigt) {
+  if (ProfileOf(c) == ProfileCode::kSplitPseudoVoigt) {
     WriteLine(job, Unit::Out,
               " => Split pV right halfwidth parameters CUr,CVr,CWr: " +
                   Row(c, {Slot::Ur, Slot::Vr, Slot::Wr}, true));
@@ -324,7 +323,7 @@ void EchoCodes(Job& job, const Phase& ph, const PhasePattern& c, const Pattern& 
     WriteLine(job, Unit::Out,
               " => Left and right CPar (FWHM~Par/TanT):" + Row(c, kShapePair, true));
   }
-  if (ProfileCodeOf(c.Npr) == ProfileCode::kTripledPseudoVoigt)
+  if (ProfileOf(c) == ProfileCode::kTripledPseudoVoigt)
     WriteLine(job, Unit::Out, " => Further shape parameters :" + Row(c, kShapePair, true));
   if (c.StrainModel > 8) {
     WriteLine(job, Unit::Out, " => Additional strain parameters and codes: ");

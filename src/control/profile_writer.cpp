@@ -51,7 +51,7 @@ void AppendTimeOfFlightWidths(const Job& job, const PhasePattern& c, ControlLine
 void AppendCommentedWidths(const Job& job, const PhasePattern& c, ControlLines& lines) {
   Head(job, lines, "!  Scale       Shape1      Bov     Str1     Str2     Str3    Strain-Model");
   Put(lines, SlotLines(c, kScaleLine, "(E12.5,5F9.4,I8/F12.5,5F9.2)", {c.StrainModel}));
-  const std::string widths = ProfileCodeOf(c.Npr) == ProfileCode::kSplitPseudoVoigt
+  const std::string widths = ProfileOf(c) == ProfileCode::kSplitPseudoVoigt
                                  ? "!      Ul       Vl        Wl         Xl  "
                                  : "!      U        V         W          X   ";
   Head(job, lines, widths + "      Y       GauSiz   LorSiz Size-Model");
@@ -100,7 +100,7 @@ void AppendWidthLines(const Job& job, const PhasePattern& c, const Pattern& p,
     } else {
       AppendPlainWidths(c, lines);
     }
-    if (ProfileCodeOf(c.Npr) == ProfileCode::kSplitPseudoVoigt) AppendSplitRight(job, c, lines);
+    if (ProfileOf(c) == ProfileCode::kSplitPseudoVoigt) AppendSplitRight(job, c, lines);
   }
 }
 
@@ -125,7 +125,7 @@ void AppendShapeLines(const Job& job, const Phase& ph, const PhasePattern& c, co
     Head(job, lines, "!Additional U,V,W parameters for Lambda2");
     Put(lines, SlotLines(c, kSecondWidthLine, "(3F10.5,'   <--  U2,V2,W2 for lambda(2) '/3F10.5)"));
   }
-  if (HasShapeLine(ProfileCodeOf(c.Npr))) {
+  if (HasShapeLine(ProfileOf(c))) {
     const bool tof = p.IXUNIT == AbscissaUnit::kTimeOfFlight;
     Head(job, lines, tof ? "!Absorption correction parameters" : "!Additional Shape parameters");
     const char* format = tof ? "(2(F10.5,F8.2),'            ABS: ABSCOR1  ABSCOR2')"

@@ -111,7 +111,7 @@ void WritePseudoVoigtWords(Job& job) {
 }
 
 void WriteProfileWords(Job& job, const Pattern& p) {
-  switch (ProfileCodeOf(p.NPROF)) {
+  switch (ProfileOf(p)) {
     case ProfileCode::kTripledPseudoVoigt:
       Out(job, " => Tripled pseudo-Voigt function (ETA unique)");
       Out(job, "      p4(x) = X*pV(x-D) + (1-X-Y)*pV(x) + Y*pV(x+D)");

@@ -136,6 +136,11 @@ struct Pattern {
   ReflectionTable reflections;  // reflections of all phases in this pattern
 };
 
+// The profile function of a pattern, once the run block is read.
+inline ProfileCode ProfileOf(const Pattern& p) {
+  return ProfileCodeOf(p.NPROF);
+}
+
 // Numerical peak shapes of the .shp file, shared by all patterns.
 struct NumericalProfile {
   int shapePoints = 0;                                                 // points of each shape

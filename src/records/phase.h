@@ -42,6 +42,11 @@ struct PhasePattern {
   int objectCount = 0;   // species that are form-factor objects
 };
 
+// The profile function of a phase in a pattern, once the phase is read.
+inline ProfileCode ProfileOf(const PhasePattern& c) {
+  return ProfileCodeOf(c.Npr);
+}
+
 // A propagation vector with its codes.
 struct PropagationVector {
   Table1<float, 3> KVEC;        // components of the vector

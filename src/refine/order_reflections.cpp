@@ -37,7 +37,7 @@ PeakInterval PeakIntervalOf(const Job& job, int ip, int k) {
   float left = p.Wdt * H;
   float right = left;
   float shift = 0.0f;
-  const ProfileCode code = ProfileCodeOf(c.Npr);
+  const ProfileCode code = ProfileOf(c);
   if (p.IXUNIT == AbscissaUnit::kTwoTheta) {
     const float theta = 0.5f * r.position * kDegree;
     shift = p.GLB[8] * std::cos(theta) + p.GLB[9] * std::sin(2.0f * theta);

@@ -46,7 +46,7 @@ void BuildParameterFamilies(Job& job) {
       const PhasePattern& c = ph.pat[ip];
       if (c.Contribution == 0) continue;
       for (int s = 1; s <= DimensionLimits::MPAR; ++s) {
-        Assign(job, c.PAC[s], ProfileSlotFamily(s, ProfileCodeOf(c.Npr)));
+        Assign(job, c.PAC[s], ProfileSlotFamily(s, ProfileOf(c)));
       }
     }
     for (int a = 1; a <= ph.Nat && row < DimensionLimits::NATS; ++a) {

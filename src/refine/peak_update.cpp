@@ -105,7 +105,7 @@ PeakSlots ShiftPeakSlots(Job& job, int phase, int ip) {
 void ClampPeakParameters(Job& job, int phase, int ip, const UpdatePass& pass, PeakSlots& slots) {
   PhasePattern& pp = job.phases[phase].pat[ip];
   const Pattern& pattern = job.patterns[ip];
-  const ProfileCode code = ProfileCodeOf(pp.Npr);
+  const ProfileCode code = ProfileOf(pp);
   if (code == ProfileCode::kTripledPseudoVoigt || code == ProfileCode::kTchPseudoVoigt) {
     ClampWidth(job, pass, slots, pp, Slot::X, " WARNING, parameter X < 0, fixed to 0.0001");
     ClampWidth(job, pass, slots, pp, Slot::Y, " WARNING, parameter Y < 0, fixed to 0.0001");

@@ -175,7 +175,7 @@ double GlobalSlotDerivative(int n, const Pattern& p, const Geometry& g,
 
 // The widths of reflection r at geometry g, stored in the reflection.
 PeakWidths StoreWidths(Job& job, int ip, int phase, int w, const Geometry& g, Reflection& r) {
-  const ProfileCode code = ProfileCodeOf(job.phases[phase].pat[ip].Npr);
+  const ProfileCode code = ProfileOf(job.phases[phase].pat[ip]);
   WidthInput in;
   in.code = code;
   in.phase = phase;
@@ -281,7 +281,7 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   const PeakWidths widths = StoreWidths(job, ip, phase, w, g, r);
   ReflectionShapeInput shapeIn;
   shapeIn.phase = phase;
-  shapeIn.code = ProfileCodeOf(c.Npr);
+  shapeIn.code = ProfileOf(c);
   shapeIn.twoTheta = r.position;
   shapeIn.tanTheta = r.tanTheta;
   shapeIn.widths = widths;
@@ -319,8 +319,8 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   }
   for (int s = 1; s <= DimensionLimits::MPAR; ++s) {
     if (c.PAC[s].parameterNumber == 0) continue;
-    AddToRow(row, c.PAC[s],
-             ProfileSlotDerivative(s, ProfileCodeOf(c.Npr), w, p, c, g, widths, corr), fitted);
+    AddToRow(row, c.PAC[s], ProfileSlotDerivative(s, ProfileOf(c), w, p, c, g, widths, corr),
+             fitted);
   }
   AddVectorDerivatives(row, ph, c, r, g, fitted);
   for (int n = 1; n <= DimensionLimits::NGL; ++n) {
