@@ -32,8 +32,8 @@ std::unique_ptr<Job> ReadBenchJob() {
   job->console.out = std::fopen("bench.console", "w");
   job->driver.PcrCode = "bench";
   job->driver.DatCode = "bench";
-  OpenFiles(*job, 1, 0, 0);
-  OpenFiles(*job, 2, 0, 0);
+  OpenFiles(*job, FileKind::kControl, 0, 0);
+  OpenFiles(*job, FileKind::kOutput, 0, 0);
   ResetDefaults(*job);
   ReadControlFile(*job);
   return job;

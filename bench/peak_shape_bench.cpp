@@ -8,6 +8,7 @@
 #include "model/peak_shape_setup.h"
 #include "model/tch_widths.h"
 #include "records/job.h"
+#include "records/profile_slots.h"
 
 namespace corvinet {
 namespace {
@@ -43,17 +44,17 @@ PeakWidths WidthsFor(int code) {
 
 PeakShape ShapeFor(Job& job, int code) {
   ReflectionShapeInput in;
-  in.code = code;
+  in.code = ProfileCodeOf(code);
   in.twoTheta = kTwoTheta;
   in.tanTheta = 0.4378f;
   in.widths = WidthsFor(code);
-  if (code == 6 || code == 12) job.phases[1].pat[1].PAR[17] = 0.3f;
+  if (code == 6 || code == 12) job.phases[1].pat[1].PAR[corvinet::ProfileSlot::Shape1] = 0.3f;
   return PreparePeakShape(job.patterns[1], job.phases[1].pat[1].PAR, job.numericalProfile, in);
 }
 
 // The abscissae of the points under the peak, spread over its base.
 void FillPoints(const PeakShape& s, float* x) {
-  const float reach = kWdt * (s.code == 12 ? s.H2 : s.H);
+  const float reach = kWdt * (s.code == ProfileCode::kSplitPseudoVoigt ? s.H2 : s.H);
   for (int i = 0; i < kPoints; ++i) {
     x[i] = s.position - reach + 2.0f * reach * (static_cast<float>(i) + 0.5f) / kPoints;
   }

@@ -20,7 +20,7 @@ std::unique_ptr<Job> MakeJob(const std::string& symbol, const Table1<float, 6>& 
   job->run.NPATT = 1;
   job->run.NPHASE = 1;
   corvinet::Pattern& p = job->patterns[1];
-  p.IXUNIT = 0;
+  p.IXUNIT = corvinet::AbscissaUnit::kTwoTheta;
   p.LAMBDA[1] = p.LAMBDA[2] = 1.54056f;
   p.THMIN = 5.0f;
   p.THMAX = thmax;

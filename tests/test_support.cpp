@@ -130,8 +130,8 @@ void OpenControlText(const ScratchDir& dir, Job& job, const std::string& lines) 
   dir.Write("x.pcr", lines);
   job.driver.PcrCode = "x";
   ResetDefaults(job);
-  OpenFiles(job, 1, 0, 0);
-  OpenFiles(job, 2, 0, 0);
+  OpenFiles(job, FileKind::kControl, 0, 0);
+  OpenFiles(job, FileKind::kOutput, 0, 0);
 }
 
 bool ReadControlText(ScratchDir& dir, CapturedJob& job, const std::string& pcr, bool headOnly) {
@@ -140,8 +140,8 @@ bool ReadControlText(ScratchDir& dir, CapturedJob& job, const std::string& pcr, 
   job->driver.DatCode = "x";
   bool finished = true;
   try {
-    OpenFiles(*job, 1, 0, 0);
-    OpenFiles(*job, 2, 0, 0);
+    OpenFiles(*job, FileKind::kControl, 0, 0);
+    OpenFiles(*job, FileKind::kOutput, 0, 0);
     ResetDefaults(*job);
     if (headOnly) {
       ReadControlHead(*job);

@@ -40,21 +40,21 @@ std::string AskDataCode(Job& job) {
 
 void ReadSideFiles(Job& job, int ip) {
   const Pattern& p = job.patterns[ip];
-  if (p.NPROF == 8) {
-    OpenFiles(job, 20, ip, 0);
+  if (ProfileCodeFromTyped(p.NPROF) == ProfileCode::kNumerical) {
+    OpenFiles(job, FileKind::kShape, ip, 0);
     ReadShapeFile(job);
     CloseUnit(job.files.units[Unit::Shape]);
   }
   if (p.ICORR != 0) {
-    OpenFiles(job, 21, ip, 0);
+    OpenFiles(job, FileKind::kCorrections, ip, 0);
     ReadCorrectionFile(job, ip);
     CloseUnit(job.files.units[Unit::Corrections]);
   }
 }
 
 void OpenOutputFiles(Job& job) {
-  if (job.run.JSY > 0) OpenFiles(job, 3, 0, 0);
-  if (job.run.JCIL > 0) OpenFiles(job, 4, 0, 0);
+  if (job.run.JSY > 0) OpenFiles(job, FileKind::kSymmetry, 0, 0);
+  if (job.run.JCIL > 0) OpenFiles(job, FileKind::kRpa, 0, 0);
 }
 
 // Resolution files are not read: a pattern that names one stops the run.
@@ -127,7 +127,7 @@ void ReadClosingLinesAndCheck(Job& job) {
 HeadSteps RunHeadSteps() {
   HeadSteps steps;
   steps.askDataCode = AskDataCode;
-  steps.multiPatternNames = [](Job& job) { OpenFiles(job, 1000, 1, 1); };
+  steps.multiPatternNames = [](Job& job) { OpenFiles(job, FileKind::kMultiPattern, 1, 1); };
   steps.readSideFiles = ReadSideFiles;
   steps.openOutputFiles = OpenOutputFiles;
   return steps;

@@ -81,7 +81,7 @@ void StopOnWriteFailure(Job& job, const TextUnit& unit) {
 }
 
 void WriteAtomCoordinateFile(Job& job, int k) {
-  OpenFiles(job, 18, 1, k);
+  OpenFiles(job, FileKind::kAtoms, 1, k);
   TextUnit& unit = job.files.units[Unit::Atoms];
   WriteLines(unit, AtomCoordinateLines(job, k));
   StopOnWriteFailure(job, unit);
@@ -150,7 +150,7 @@ void WriteControlFile(Job& job, int Iscale, int Idif, float twoTh1, float twoTh2
     WriteLines(unit, lines);
     StopOnWriteFailure(job, unit);
   } else {
-    OpenFiles(job, 16, 0, 0);
+    OpenFiles(job, FileKind::kNewControl, 0, 0);
     TextUnit& unit = job.files.units[Unit::NewControl];
     WriteLines(unit, lines);
     StopOnWriteFailure(job, unit);

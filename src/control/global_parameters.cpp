@@ -62,11 +62,11 @@ void WriteBackgroundTables(Job& job, const Pattern& p) {
 }
 
 void WriteShiftWords(Job& job, const Pattern& p) {
-  if (p.IXUNIT == 1) {
+  if (p.IXUNIT == AbscissaUnit::kTimeOfFlight) {
     WriteValueAndCode(job, " => D-spacing to T.O.F. coefficient 1 and code: ", p, 8);
     WriteValueAndCode(job, " => D-spacing to T.O.F. coefficient 2 and code: ", p, 9);
     WriteValueAndCode(job, " => T.O.F. 2theta average detector angle      : ", p, 26);
-  } else if (p.IXUNIT == 2) {
+  } else if (p.IXUNIT == AbscissaUnit::kEnergy) {
     WriteValueAndCode(job, " =>    s=1/d to Energy(Kev) coefficient 1 and code: ", p, 8);
     WriteValueAndCode(job, " =>    s=1/d to Energy(Kev) coefficient 2 and code: ", p, 9);
     WriteValueAndCode(job, " => X-rays Energy Dispersive 2theta detector angle: ", p, 26);
@@ -136,13 +136,13 @@ void ReadGlobalParameters(Job& job, int ip) {
   WriteReports(job, " =>--------------------------->");
   ReadMaskedLine(job, Unit::Control, "ffffffffi", job.LINE,
                  {&g[1], &c[1], &g[8], &c[8], &g[9], &c[9], &g[26], &c[26], &p.MORE});
-  if (p.IXUNIT == 1 || p.IXUNIT == 2) {
+  if (IsTofOrEnergy(p.IXUNIT)) {
     p.Dtt1 = g[8];
     p.Dtt2 = g[9];
     p.TwoSinTh = g[26];
     c[26] = 0.0f;
   }
-  if (c[26] > 0.5f && g[26] > 0.01f && p.IXUNIT == 0) {
+  if (c[26] > 0.5f && g[26] > 0.01f && p.IXUNIT == AbscissaUnit::kTwoTheta) {
     p.LAMBDA[1] = p.LAMBDA[2] = g[26];
     WriteReports(job, " => Wavelength is refined");
     WriteReports(job, Fmt("(A,F10.5)", " => Refined Wavelength: ", g[26]));

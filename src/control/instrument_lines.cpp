@@ -134,7 +134,7 @@ void ReadInstrumentLines(Job& job) {
   } else {
     for (int ip = 1; ip <= r.NPATT; ++ip) {
       Pattern& p = job.patterns[ip];
-      if (p.IXUNIT > 0) {
+      if (IsNonAngleUnit(p.IXUNIT)) {
         ReadNonAngleInstrument(job, p);
       } else {
         ReadAngleInstrument(job, p);

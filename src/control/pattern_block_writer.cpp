@@ -19,7 +19,7 @@ float GlobalCode(const Pattern& p, int slot) {
 
 void AppendInstrumentLine(const Job& job, int ip, ControlLines& lines) {
   const Pattern& p = job.patterns[ip];
-  if (p.IXUNIT > 0) {
+  if (IsNonAngleUnit(p.IXUNIT)) {
     Head(job, lines, Fmt("(A,I0)", "!  Bkpos      Wdt    Iabscor for Pattern#", ip));
     Put(lines, Fmt("(F12.3,F8.4,I6)", p.Bkpos, p.Wdt, p.Iabscor));
     return;
@@ -41,14 +41,14 @@ std::string CycleValues(const RunOptions& r) {
 // The range line of a pattern in the multi-pattern form; units 3 and 4 have none.
 void AppendRangeLine(const Job& job, int ip, ControlLines& lines) {
   const Pattern& p = job.patterns[ip];
-  if (p.IXUNIT == 1) {
+  if (p.IXUNIT == AbscissaUnit::kTimeOfFlight) {
     Head(job, lines, Fmt("(A,I0)", "!    TOF-min      <Step>       TOF-max  -> Patt#:", ip));
     Put(lines, Fmt("(3F12.4)", p.THMIN, p.STEP, p.THMAX));
-  } else if (p.IXUNIT == 0) {
+  } else if (p.IXUNIT == AbscissaUnit::kTwoTheta) {
     Head(job, lines,
          Fmt("(A,I0)", "!     Thmin       Step       Thmax    PSD    Sent0  -> Patt#:", ip));
     Put(lines, Fmt("(3F11.4,2F8.3)", p.THMIN, p.STEP, p.THMAX, p.PSD, p.Sent0));
-  } else if (p.IXUNIT == 2) {
+  } else if (p.IXUNIT == AbscissaUnit::kEnergy) {
     Head(job, lines, Fmt("(A,I0)", "!      Emin      <Step>       Emax    -> Patt#:", ip));
     Put(lines, Fmt("(3F11.4)", p.THMIN, p.STEP, p.THMAX));
   }
@@ -60,15 +60,15 @@ void AppendSingleCycleLine(const Job& job, ControlLines& lines) {
   const Pattern& p = job.patterns[1];
   const Table1<float, 5>& f = r.relaxationFactor;
   const std::string head = "!NCY  Eps  R_at  R_an  R_pr  R_gl";
-  if (p.IXUNIT == 1) {
+  if (p.IXUNIT == AbscissaUnit::kTimeOfFlight) {
     Head(job, lines, head + "    TOF-min      <Step>       TOF-max ");
     Put(lines, Fmt("(I3,1X,5(F5.2,1X),3f12.4)", r.NCY, r.EPS, f[1], f[2], f[3], f[4], p.THMIN,
                    p.STEP, p.THMAX));
-  } else if (p.IXUNIT == 0) {
+  } else if (p.IXUNIT == AbscissaUnit::kTwoTheta) {
     Head(job, lines, head + "     Thmin       Step       Thmax    PSD    Sent0");
     Put(lines, Fmt("(I3,1X,5(F5.2,1X),3f11.4,2F8.3)", r.NCY, r.EPS, f[1], f[2], f[3], f[4], p.THMIN,
                    p.STEP, p.THMAX, p.PSD, p.Sent0));
-  } else if (p.IXUNIT == 2) {
+  } else if (p.IXUNIT == AbscissaUnit::kEnergy) {
     Head(job, lines, head + "      Emin       <Step>       Emax    ");
     Put(lines, Fmt("(I3,1X,5(F5.2,1X),3f11.4)", r.NCY, r.EPS, f[1], f[2], f[3], f[4], p.THMIN,
                    p.STEP, p.THMAX));
@@ -125,11 +125,13 @@ void AppendGlobalLine(const Job& job, int ip, ControlLines& lines) {
   const Pattern& p = job.patterns[ip];
   const auto& g = p.GLB;
   Put(lines, "!");
-  if (p.IXUNIT == 1 || p.IXUNIT == 2) {
-    const char* words = p.IXUNIT == 1 ? "!    Zero    Code      Dtt1    Code"
-                                      : "!    Zero    Code      StE1    Code";
-    const char* more = p.IXUNIT == 1 ? "      Dtt2    Code    2sinTh  -> Patt#"
-                                     : "      StE2    Code    2sinTh  -> Patt#";
+  if (IsTofOrEnergy(p.IXUNIT)) {
+    const char* words = p.IXUNIT == AbscissaUnit::kTimeOfFlight
+                            ? "!    Zero    Code      Dtt1    Code"
+                            : "!    Zero    Code      StE1    Code";
+    const char* more = p.IXUNIT == AbscissaUnit::kTimeOfFlight
+                           ? "      Dtt2    Code    2sinTh  -> Patt#"
+                           : "      StE2    Code    2sinTh  -> Patt#";
     Head(job, lines, Fmt("(A,A,I0)", words, more, ip));
     Put(lines, Fmt("(3(F10.3,f8.2),f10.7)", g[1], GlobalCode(p, 1), g[8], GlobalCode(p, 8), g[9],
                    GlobalCode(p, 9), p.TwoSinTh));

@@ -16,11 +16,11 @@ namespace corvinet {
 namespace {
 
 void WriteRange(Job& job, const Pattern& p) {
-  if (p.IXUNIT == 1) {
+  if (p.IXUNIT == AbscissaUnit::kTimeOfFlight) {
     WriteReports(job, " ==> T.O.F. range, and number of points:");
     WriteReports(job, Fmt("(A,F12.3,A,F12.3,A,I6)", "    TOFmin: ", p.THMIN, "  TOFmax: ", p.THMAX,
                           "    No. of points: ", p.NPTS));
-  } else if (p.IXUNIT == 2) {
+  } else if (p.IXUNIT == AbscissaUnit::kEnergy) {
     WriteReports(job, " ==> Energy range, and number of points:");
     WriteReports(job, Fmt("(A,F10.4,A,F10.4,A,I6)", "   Emin: ", p.THMIN, "  Emax: ", p.THMAX,
                           "    No. of points: ", p.NPTS));

@@ -77,8 +77,8 @@ void NormaliseContribution(Job& job, Phase& ph, int ip) {
   if (std::abs(c.Irf) == 4) ph.Sol = 0;
   if (std::abs(c.Irf) == 4 && c.Rmua < 1.0e-5f) c.Rmua = 1.0f;
   if (c.Brind < 1.0e-15f) c.Brind = 1.0f;
-  ++c.Npr;
-  if (c.Npr == 1) c.Npr = p.NPROF;
+  // A typed 0 takes the profile of the pattern.
+  c.Npr = c.Npr == 0 ? p.NPROF : StoredNumber(ProfileCodeFromTyped(c.Npr));
   if (c.Jtyp == 0 && ph.More == 0) c.Jtyp = p.JOBTYP;
   if (std::abs(ph.Jbt) == 1 || std::abs(ph.Jbt) == 10) {
     c.magneticPattern = 1;
@@ -133,7 +133,7 @@ void WriteContributionWords(Job& job, int k, int ip) {
   if (c.Irf == 3)
     WriteReports(job, " => Reflection list & partial structure factors read from file");
   if (c.Npr != p.NPROF && std::abs(c.Irf) != 4) {
-    WriteReports(job, Fmt("(A,I2,A,I2)", " => The ", c.Npr - 1,
+    WriteReports(job, Fmt("(A,I2,A,I2)", " => The ", TypedNumber(ProfileOf(c)),
                           "th profile function was selected for phase no. ", k));
   }
   WriteReports(

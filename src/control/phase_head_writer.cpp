@@ -31,9 +31,9 @@ void AppendRule(const Job& job, int k, ControlLines& lines) {
 void AppendSingleFlags(const Job& job, const Phase& ph, ControlLines& lines) {
   const PhasePattern& c = ph.pat[1];
   Head(job, lines, "!Nat Dis Mom Pr1 Pr2 Pr3 Jbt Irf Isy Str Furth     ATZ   Nvk Npr More");
-  Put(lines,
-      Fmt("(3I4,3F4.1,5I4,F12.2,3I4)", ph.Nat, ph.Dis, ph.Mom, c.PREF[1], c.PREF[2], c.PREF[3],
-          ph.Jbt, c.Irf, ph.Isy, ph.Str, ph.Furth, ph.ATZ, ph.Nvk, c.Npr - 1, ph.More));
+  Put(lines, Fmt("(3I4,3F4.1,5I4,F12.2,3I4)", ph.Nat, ph.Dis, ph.Mom, c.PREF[1], c.PREF[2],
+                 c.PREF[3], ph.Jbt, c.Irf, ph.Isy, ph.Str, ph.Furth, ph.ATZ, ph.Nvk,
+                 TypedNumber(ProfileOf(c)), ph.More));
   if (ph.More == 0) return;
   Head(job, lines, "!Jvi Jdi Hel Sol Mom Ter  Brind   RMua    RMub    RMuc   Jtyp");
   Put(lines, Fmt("(6I4,4F8.4,I4)", ph.Jvi, ph.Jdi, ph.Hel, ph.Sol, ph.MomOut, ph.Ter, c.Brind,
@@ -58,7 +58,7 @@ void AppendMultiFlags(const Job& job, const Phase& ph, ControlLines& lines) {
     const PhasePattern& c = ph.pat[ip];
     if (c.Contribution == 0) continue;
     Head(job, lines, Fmt("(A,I0)", "!Irf Npr Jtyp  for Pattern#", ip));
-    Put(lines, Fmt("(3I4)", c.Irf, c.Npr - 1, c.Jtyp));
+    Put(lines, Fmt("(3I4)", c.Irf, TypedNumber(ProfileOf(c)), c.Jtyp));
     Head(job, lines,
          Fmt("(A,I0)", "! Pr1    Pr2    Pr3   Brind.   Rmua   Rmub   Rmuc     for Pattern#", ip));
     Put(lines, Fmt("(7F7.3)", c.PREF[1], c.PREF[2], c.PREF[3], c.Brind, c.Rmua, c.Rmub, c.Rmuc));

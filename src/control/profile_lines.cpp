@@ -6,8 +6,11 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <initializer_list>
+#include <span>
 #include <vector>
 
+#include "control/profile_layout.h"
 #include "crystal/metric.h"
 #include "format/fortran_format.h"
 #include "format/text.h"
@@ -16,12 +19,13 @@
 
 namespace corvinet {
 
+using namespace profile_layout;
+
 namespace {
 
 // Reads the values of PAR slots (and an optional integer after them), then the
 // line of their codes.
-void ReadSlots(Job& job, PhasePattern& c, std::initializer_list<int> slots,
-               int* trailing = nullptr) {
+void ReadSlots(Job& job, PhasePattern& c, std::span<const int> slots, int* trailing = nullptr) {
   std::vector<ReadTarget> values;
   std::vector<ReadTarget> codes;
   for (int s : slots) {
@@ -38,43 +42,53 @@ void ReadAxis(Job& job, Table1<float, 3>& axis) {
   ReadMaskedLine(job, Unit::Control, "fff", job.LINE, {&axis[1], &axis[2], &axis[3]});
 }
 
-std::string Row(const PhasePattern& c, std::initializer_list<int> slots, bool codes) {
+std::string Row(const PhasePattern& c, std::span<const int> slots, bool codes) {
   std::vector<FormatValue> values;
   for (int s : slots) values.emplace_back(codes ? c.PACtyped[s] : c.PAR[s]);
   return FormatText("(10F11.5)", values);
 }
 
-void Echo(Job& job, const char* words, const PhasePattern& c, std::initializer_list<int> slots) {
+std::string Row(const PhasePattern& c, std::initializer_list<int> slots, bool codes) {
+  return Row(c, std::span<const int>(slots.begin(), slots.size()), codes);
+}
+
+void Echo(Job& job, const char* words, const PhasePattern& c, std::span<const int> slots) {
   WriteLine(job, Unit::Out, words + Row(c, slots, false));
+}
+
+void Echo(Job& job, const char* words, const PhasePattern& c, std::initializer_list<int> slots) {
+  Echo(job, words, c, std::span<const int>(slots.begin(), slots.size()));
 }
 
 // Echoes the profile parameters read, by the kind of phase and profile.
 void EchoParameters(Job& job, const PhasePattern& c, const Pattern& p) {
   if (std::abs(c.Irf) == 4) {
-    Echo(job, " => Scale factors Sc1..Sc5 and Sc6:", c, {1, 2, 3, 4, 5, 12});
-    Echo(job, " => Extinction parameters:", c, {13, 14, 15, 16, 17, 18, 19});
-    Echo(job, " => Cell parameters:", c, {6, 7, 8, 9, 10, 11});
+    Echo(job, " => Scale factors Sc1..Sc5 and Sc6:", c, kIntegratedScales);
+    Echo(job, " => Extinction parameters:", c, kIntegratedExtinction);
+    Echo(job, " => Cell parameters:", c, kCellLine);
     return;
   }
-  Echo(job, " => Scale factor:", c, {1});
-  Echo(job, " => Shape parameter:", c, {17});
-  Echo(job, " => Overall temperature factor:", c, {2});
-  Echo(job, " => Strain parameters:", c, {18, 19, 20});
-  Echo(job, " => Halfwidth parameters U,V,W:", c, {3, 4, 5});
-  Echo(job, " => X and Y parameters:", c, {15, 16});
-  Echo(job, " => Size parameters (G,L):", c, {28, 29});
-  Echo(job, " => Cell parameters:", c, {6, 7, 8, 9, 10, 11});
-  Echo(job, " => Preferred orientation parameters:", c, {12, 13});
-  Echo(job, " => Asymmetry parameters:", c, {14, 35, 36, 37});
-  if (p.separateUVW2) Echo(job, " => U2,V2,W2 for lambda(2) :", c, {43, 44, 45});
-  if (c.Npr == 12) {
-    Echo(job, " => Split pV right halfwidth parameters Ur,Vr,Wr: ", c, {46, 47, 48});
-    Echo(job, " => Split pV right EtaR0 and Xr parameters: ", c, {49, 50});
-    Echo(job, " => Left and right Par (FWHM ~ Par/tanT):", c, {41, 42});
+  Echo(job, " => Scale factor:", c, {Slot::Scale});
+  Echo(job, " => Shape parameter:", c, {Slot::Shape1});
+  Echo(job, " => Overall temperature factor:", c, {Slot::Bov});
+  Echo(job, " => Strain parameters:", c, {Slot::Str1, Slot::Str2, Slot::Str3});
+  Echo(job, " => Halfwidth parameters U,V,W:", c, {Slot::U, Slot::V, Slot::W});
+  Echo(job, " => X and Y parameters:", c, {Slot::X, Slot::Y});
+  Echo(job, " => Size parameters (G,L):", c, {Slot::GauSiz, Slot::LorSiz});
+  Echo(job, " => Cell parameters:", c, kCellLine);
+  Echo(job, " => Preferred orientation parameters:", c, {Slot::Pref1, Slot::Pref2});
+  Echo(job, " => Asymmetry parameters:", c, {Slot::Asy1, Slot::Asy2, Slot::Asy3, Slot::Asy4});
+  if (p.separateUVW2) Echo(job, " => U2,V2,W2 for lambda(2) :", c, kSecondWidthLine);
+  if (ProfileOf(c) == ProfileCode::kSplitPseudoVoigt) {
+    Echo(job, " => Split pV right halfwidth parameters Ur,Vr,Wr: ", c,
+         {Slot::Ur, Slot::Vr, Slot::Wr});
+    Echo(job, " => Split pV right EtaR0 and Xr parameters: ", c, {Slot::Etar, Slot::Xr});
+    Echo(job, " => Left and right Par (FWHM ~ Par/tanT):", c, kShapePair);
   }
-  if (c.Npr == 5) Echo(job, " => Further shape parameters :", c, {41, 42});
-  if (c.Npr == 13) {
-    Echo(job, " => Further shape parameters (S_L and D_L):", c, {41, 42});
+  if (ProfileOf(c) == ProfileCode::kTripledPseudoVoigt)
+    Echo(job, " => Further shape parameters :", c, kShapePair);
+  if (ProfileOf(c) == ProfileCode::kAxialDivergence) {
+    Echo(job, " => Further shape parameters (S_L and D_L):", c, kShapePair);
     WriteLine(job, Unit::Out, "    S_L is source width/detector distance");
     WriteLine(job, Unit::Out, "    D_L is detector width/detector distance");
   }
@@ -90,22 +104,22 @@ void ReadSizeModel(Job& job, Phase& ph, PhasePattern& c) {
                   ph.SizeAxis[2], ph.SizeAxis[3]));
   }
   if (std::abs(model) < 15) return;
-  ReadSlots(job, c, {51, 52, 53, 54, 55, 56});
-  ReadSlots(job, c, {57, 58, 59});
+  ReadSlots(job, c, kHarmonicsFirst);
+  ReadSlots(job, c, kHarmonicsSecond);
   if (std::abs(model) == 15) {
     WriteLine(job, Unit::Out, " => Coefficients of Spherical Harmonics for anisotropic size ");
     WriteLine(job, Unit::Out, "    broadening for a monoclinic lattice (b-unique)");
     WriteLine(job, Unit::Out, "    Y00        Y22+        Y22-       Y20         Y44+      Y44-");
-    WriteLine(job, Unit::Out, Row(c, {51, 52, 53, 54, 55, 56}, false));
+    WriteLine(job, Unit::Out, Row(c, kHarmonicsFirst, false));
     WriteLine(job, Unit::Out, "    Y42+       Y42-        Y40");
-    WriteLine(job, Unit::Out, Row(c, {57, 58, 59}, false));
+    WriteLine(job, Unit::Out, Row(c, kHarmonicsSecond, false));
   } else if (std::abs(model) == 16) {
     WriteLine(job, Unit::Out, " => Coefficients of Spherical Harmonics for anisotropic size ");
     WriteLine(job, Unit::Out, "    broadening for a trigonal lattice (hexagonal setting)");
     WriteLine(job, Unit::Out, "    Y00        Y20         Y40        Y43-        Y60       Y63");
-    WriteLine(job, Unit::Out, Row(c, {51, 52, 53, 54, 55, 56}, false));
+    WriteLine(job, Unit::Out, Row(c, kHarmonicsFirst, false));
     WriteLine(job, Unit::Out, "       Y66+");
-    WriteLine(job, Unit::Out, Row(c, {57}, false));
+    WriteLine(job, Unit::Out, Row(c, {Slot::SizeSH7}, false));
   }
 }
 
@@ -118,22 +132,26 @@ void ReadStrainModel(Job& job, Phase& ph, PhasePattern& c) {
               Fmt("(A,3F8.3)", " => Microstrain axis: ", ph.StrainAxis[1], ph.StrainAxis[2],
                   ph.StrainAxis[3]));
   }
-  if (model > 8) ReadSlots(job, c, {21, 22, 23, 24, 25});
+  if (model > 8) ReadSlots(job, c, kExtraStrain);
 }
 
 void WriteShiftAndAsymmetryModels(Job& job, const Phase& ph, const PhasePattern& c) {
   if (ph.ModA != 0) {
     WriteLine(job, Unit::Out,
               Fmt("(A,I3,A)", " => The ", ph.ModA, "th model for hkl-dependent Asymmetry is used"));
-    WriteLine(job, Unit::Out, Fmt("(A,F11.5)", " => Asymmetry parameter: ", c.PAR[38]));
-    WriteLine(job, Unit::Out, Fmt("(A,F11.2)", "                  Code : ", c.PACtyped[38]));
+    WriteLine(job, Unit::Out, Fmt("(A,F11.5)", " => Asymmetry parameter: ", c.PAR[Slot::AsyP]));
+    WriteLine(job, Unit::Out,
+              Fmt("(A,F11.2)", "                  Code : ", c.PACtyped[Slot::AsyP]));
   }
   if (ph.ModS != 0) {
     WriteLine(job, Unit::Out,
               Fmt("(A,I3,A)", " => The ", ph.ModS, "th model for hkl-dependent Shift is used"));
-    WriteLine(job, Unit::Out, Fmt("(A,2F11.5)", " => Shift parameters: ", c.PAR[39], c.PAR[40]));
+    WriteLine(
+        job, Unit::Out,
+        Fmt("(A,2F11.5)", " => Shift parameters: ", c.PAR[Slot::Shift1], c.PAR[Slot::Shift2]));
     WriteLine(job, Unit::Out,
-              Fmt("(A,2F11.2)", "              Codes : ", c.PACtyped[39], c.PACtyped[40]));
+              Fmt("(A,2F11.2)", "              Codes : ", c.PACtyped[Slot::Shift1],
+                  c.PACtyped[Slot::Shift2]));
     if (std::abs(ph.ModS) == 1) {
       WriteLine(job, Unit::Out,
                 Fmt("(A,3F8.3)", " => Shift-cos(1) or Shift-sin(-1) axis: ", ph.ShiftAxis[1],
@@ -214,45 +232,49 @@ void ReadProfileForPattern(Job& job, int k, int ip) {
   WriteReports(job, Fmt("(A,I2)", " =>-------> PROFILE PARAMETERS FOR PATTERN:", ip));
   if (intensities) {
     c.StrainModel = 0;
-    ReadSlots(job, c, {1, 2, 3, 4, 5, 12});
+    ReadSlots(job, c, kIntegratedScales);
     c.SizeModel = 0;
-    ReadSlots(job, c, {13, 14, 15, 16, 17, 18, 19});
+    ReadSlots(job, c, kIntegratedExtinction);
   } else {
-    ReadSlots(job, c, {1, 17, 2, 18, 19, 20}, &c.StrainModel);
-    ReadSlots(job, c, {3, 4, 5, 15, 16, 28, 29}, &c.SizeModel);
-    if (c.Npr == 12 || p.IXUNIT == 1) ReadSlots(job, c, {46, 47, 48, 49, 50});
+    ReadSlots(job, c, kScaleLine, &c.StrainModel);
+    ReadSlots(job, c, kWidthLine, &c.SizeModel);
+    if (ProfileOf(c) == ProfileCode::kSplitPseudoVoigt || p.IXUNIT == AbscissaUnit::kTimeOfFlight)
+      ReadSlots(job, c, kRightWidthLine);
   }
-  ReadSlots(job, c, {6, 7, 8, 9, 10, 11});
-  for (int i = 1; i <= 6; ++i) c.CellConstants[i] = c.PAR[5 + i];
+  ReadSlots(job, c, kCellLine);
+  for (int i = 1; i <= 6; ++i) c.CellConstants[i] = c.PAR[Slot::FirstCell - 1 + i];
   c.cellVolume = CellVolume(c.CellConstants);
   if (intensities) {
-    for (int s = 6; s <= 11; ++s) c.PACtyped[s] = 0.0f;
-    ReadSlots(job, c, {35, 36, 37, 38, 39});
+    for (int s : kCellLine) c.PACtyped[s] = 0.0f;
+    ReadSlots(job, c, kUnusedLine);
   } else {
-    ReadSlots(job, c, {12, 13, 14, 35, 36, 37});
+    ReadSlots(job, c, kOrientationLine);
   }
-  if (p.separateUVW2) ReadSlots(job, c, {43, 44, 45});
-  if (c.Npr == 5 || c.Npr >= 9) {
-    ReadMaskedLine(job, Unit::Control, "ffff", job.LINE,
-                   {&c.PAR[41], &c.PACtyped[41], &c.PAR[42], &c.PACtyped[42]});
+  if (p.separateUVW2) ReadSlots(job, c, kSecondWidthLine);
+  if (HasShapeLine(ProfileOf(c))) {
+    ReadMaskedLine(
+        job, Unit::Control, "ffff", job.LINE,
+        {&c.PAR[Slot::Shp1], &c.PACtyped[Slot::Shp1], &c.PAR[Slot::Shp2], &c.PACtyped[Slot::Shp2]});
   }
   if (ph.Sol == 1) {
-    std::vector<ReadTarget> values = {&c.PAR[38], &c.PAR[39], &c.PAR[40], &ph.ModA, &ph.ModS};
+    std::vector<ReadTarget> values = {&c.PAR[Slot::AsyP], &c.PAR[Slot::Shift1],
+                                      &c.PAR[Slot::Shift2], &ph.ModA, &ph.ModS};
     ReadMaskedLineList(job, Unit::Control, "fffii", job.LINE, values);
     ReadMaskedLine(job, Unit::Control, "fff", job.LINE,
-                   {&c.PACtyped[38], &c.PACtyped[39], &c.PACtyped[40]});
+                   {&c.PACtyped[Slot::AsyP], &c.PACtyped[Slot::Shift1], &c.PACtyped[Slot::Shift2]});
     if (std::abs(ph.ModS) == 1) ReadAxis(job, ph.ShiftAxis);
   }
-  if (c.PACtyped[1] != 0.0f && std::abs(ph.Jbt) == 2) {
+  if (c.PACtyped[Slot::Scale] != 0.0f && std::abs(ph.Jbt) == 2) {
     ConsoleLine(job, Fmt("(A,I2)", " Scale factor fixed for phase:", k));
-    c.PACtyped[1] = 0.0f;
+    c.PACtyped[Slot::Scale] = 0.0f;
   }
   EchoParameters(job, c, p);
-  if (c.Npr == 8 && !intensities && (c.PAR[15] < 0.0f || c.PAR[16] < 0.0f)) {
+  if (ProfileOf(c) == ProfileCode::kTchPseudoVoigt && !intensities &&
+      (c.PAR[Slot::X] < 0.0f || c.PAR[Slot::Y] < 0.0f)) {
     ConsoleLine(job, " Input X and/or Y parameters negative!");
     ConsoleLine(job, "                (value fixed at 0.001)");
-    if (c.PAR[15] < 0.0f) c.PAR[15] = 0.001f;
-    if (c.PAR[16] < 0.0f) c.PAR[16] = 0.001f;
+    if (c.PAR[Slot::X] < 0.0f) c.PAR[Slot::X] = 0.001f;
+    if (c.PAR[Slot::Y] < 0.0f) c.PAR[Slot::Y] = 0.001f;
   }
   if (c.SizeModel != 0) ReadSizeModel(job, ph, c);
   if (c.StrainModel != 0) ReadStrainModel(job, ph, c);
@@ -260,10 +282,10 @@ void ReadProfileForPattern(Job& job, int k, int ip) {
   ReadPropagationVectors(job, ph);
   if (ph.Furth != 0) ReadFurtherParameters(job, ph, c);
   if (ph.Str != 0 && ph.Str != 2) {
-    ReadSlots(job, c, {18, 19, 20, 21, 22});
-    ReadSlots(job, c, {23, 24, 25, 26, 27});
+    ReadSlots(job, c, kStrainFirst);
+    ReadSlots(job, c, kStrainSecond);
   }
-  if (ph.Str >= 2) ReadSlots(job, c, {29, 30, 31, 32, 33, 34});
+  if (ph.Str >= 2) ReadSlots(job, c, kSizeLine);
   ReciprocalMetric(job, k, ip);
   c.prefLength2 = QuadraticForm(c.PREF, c.metric.Gstar);
   ph.strainAxisLength2 = QuadraticForm(ph.StrainAxis, c.metric.Gstar);
@@ -274,35 +296,39 @@ void ReadProfileForPattern(Job& job, int k, int ip) {
 void EchoCodes(Job& job, const Phase& ph, const PhasePattern& c, const Pattern& p, int ip) {
   if (std::abs(c.Irf) == 4) {
     WriteLine(job, Unit::Out, " ==> CODEWORDS FOR Scale and Extinction PARAMETERS:");
-    WriteLine(job, Unit::Out, Row(c, {1, 2, 3, 4, 5, 12}, true));
-    WriteLine(job, Unit::Out, Row(c, {13, 14, 15, 16, 17, 18, 19}, true));
+    WriteLine(job, Unit::Out, Row(c, kIntegratedScales, true));
+    WriteLine(job, Unit::Out, Row(c, kIntegratedExtinction, true));
     return;
   }
   WriteLine(job, Unit::Out, Fmt("(A,I2)", " ==> CODEWORDS FOR PROFILE PARAMETERS of PATTERN#", ip));
   // With generalized size or strain the codes of the plain terms are shown as zero.
   PhasePattern shown = c;
   if (ph.Str != 0) {
-    for (int s : {18, 19, 20, 28, 29}) shown.PACtyped[s] = 0.0f;
+    for (int s : {Slot::Str1, Slot::Str2, Slot::Str3, Slot::GauSiz, Slot::LorSiz})
+      shown.PACtyped[s] = 0.0f;
   }
-  WriteLine(job, Unit::Out, Row(shown, {1, 17, 2, 18, 19, 20}, true));
-  WriteLine(job, Unit::Out, Row(shown, {3, 4, 5, 15, 16, 28, 29}, true));
-  WriteLine(job, Unit::Out, Row(shown, {6, 7, 8, 9, 10, 11}, true));
-  WriteLine(job, Unit::Out, Row(shown, {12, 13, 14, 35, 36, 37}, true));
+  WriteLine(job, Unit::Out, Row(shown, kScaleLine, true));
+  WriteLine(job, Unit::Out, Row(shown, kWidthLine, true));
+  WriteLine(job, Unit::Out, Row(shown, kCellLine, true));
+  WriteLine(job, Unit::Out, Row(shown, kOrientationLine, true));
   if (p.separateUVW2)
-    WriteLine(job, Unit::Out, " => CU2,CV2,CW2 for lambda(2) :" + Row(c, {43, 44, 45}, true));
-  if (c.Npr == 12) {
+    WriteLine(job, Unit::Out, " => CU2,CV2,CW2 for lambda(2) :" + Row(c, kSecondWidthLine, true));
+  if (ProfileOf(c) == ProfileCode::kSplitPseudoVoigt) {
     WriteLine(job, Unit::Out,
-              " => Split pV right halfwidth parameters CUr,CVr,CWr: " + Row(c, {46, 47, 48}, true));
+              " => Split pV right halfwidth parameters CUr,CVr,CWr: " +
+                  Row(c, {Slot::Ur, Slot::Vr, Slot::Wr}, true));
+    WriteLine(
+        job, Unit::Out,
+        " => Split pV right CEtaR0 and CXr parameters: " + Row(c, {Slot::Etar, Slot::Xr}, true));
     WriteLine(job, Unit::Out,
-              " => Split pV right CEtaR0 and CXr parameters: " + Row(c, {49, 50}, true));
-    WriteLine(job, Unit::Out, " => Left and right CPar (FWHM~Par/TanT):" + Row(c, {41, 42}, true));
+              " => Left and right CPar (FWHM~Par/TanT):" + Row(c, kShapePair, true));
   }
-  if (c.Npr == 5)
-    WriteLine(job, Unit::Out, " => Further shape parameters :" + Row(c, {41, 42}, true));
+  if (ProfileOf(c) == ProfileCode::kTripledPseudoVoigt)
+    WriteLine(job, Unit::Out, " => Further shape parameters :" + Row(c, kShapePair, true));
   if (c.StrainModel > 8) {
     WriteLine(job, Unit::Out, " => Additional strain parameters and codes: ");
-    WriteLine(job, Unit::Out, Row(c, {21, 22, 23, 24, 25}, false));
-    WriteLine(job, Unit::Out, Row(c, {21, 22, 23, 24, 25}, true));
+    WriteLine(job, Unit::Out, Row(c, kExtraStrain, false));
+    WriteLine(job, Unit::Out, Row(c, kExtraStrain, true));
   }
   if (ph.Furth != 0) {
     WriteLine(job, Unit::Out, " => Further parameters defined by user: ");
@@ -315,13 +341,13 @@ void EchoCodes(Job& job, const Phase& ph, const PhasePattern& c, const Pattern& 
   }
   if (ph.Str == 1 || ph.Str == 3) {
     WriteLine(job, Unit::Out, " => Generalized Strain parameters and codes");
-    WriteLine(job, Unit::Out, Row(c, {18, 19, 20, 21, 22, 23, 24, 25, 26, 27}, false));
-    WriteLine(job, Unit::Out, Row(c, {18, 19, 20, 21, 22, 23, 24, 25, 26, 27}, true));
+    WriteLine(job, Unit::Out, Row(c, kStrainTerms, false));
+    WriteLine(job, Unit::Out, Row(c, kStrainTerms, true));
   }
   if (ph.Str == 2 || ph.Str == 3) {
     WriteLine(job, Unit::Out, " => Generalized Size parameters and codes");
-    WriteLine(job, Unit::Out, Row(c, {29, 30, 31, 32, 33, 34}, false));
-    WriteLine(job, Unit::Out, Row(c, {29, 30, 31, 32, 33, 34}, true));
+    WriteLine(job, Unit::Out, Row(c, kSizeLine, false));
+    WriteLine(job, Unit::Out, Row(c, kSizeLine, true));
   }
 }
 
@@ -345,7 +371,7 @@ void ReciprocalMetric(Job& job, int k, int ip) {
   if (!(coefficients[1] > 0.0f && coefficients[2] > 0.0f && coefficients[3] > 0.0f)) {
     StopBox(job, "Bad G*-metric tensor!");
   }
-  for (int i = 1; i <= 6; ++i) c.PAR[5 + i] = coefficients[i];
+  for (int i = 1; i <= 6; ++i) c.PAR[Slot::FirstCell - 1 + i] = coefficients[i];
   c.cellVolume = c.metric.volume;
 }
 

@@ -1,13 +1,17 @@
 // The profile block of a phase in one pattern of a written control file, with codes composed.
 #include <cstdlib>
 #include <initializer_list>
+#include <span>
 #include <vector>
 
 #include "control/control_writer.h"
+#include "control/profile_layout.h"
 #include "format/fortran_format.h"
 #include "format/text.h"
 
 namespace corvinet {
+
+using namespace profile_layout;
 
 using control_writer::Commented;
 using control_writer::Head;
@@ -15,18 +19,18 @@ using control_writer::Put;
 
 namespace {
 
-float ProfileCode(const PhasePattern& c, int slot) {
+float SlotCode(const PhasePattern& c, int slot) {
   return ComposeCode(c.PAC[slot]);
 }
 
 // The values of the slots, what stands behind them on their line (a model
 // number, a remark), and the codes of the same slots, under one format.
-std::string SlotLines(const PhasePattern& c, std::initializer_list<int> slots, const char* format,
+std::string SlotLines(const PhasePattern& c, std::span<const int> slots, const char* format,
                       std::initializer_list<FormatValue> trailing = {}) {
   std::vector<FormatValue> all;
   for (int s : slots) all.emplace_back(c.PAR[s]);
   all.insert(all.end(), trailing);
-  for (int s : slots) all.emplace_back(ProfileCode(c, s));
+  for (int s : slots) all.emplace_back(SlotCode(c, s));
   return FormatText(format, all);
 }
 
@@ -36,50 +40,51 @@ std::string AxisLine(const Table1<float, 3>& axis, const char* remark) {
 
 void AppendTimeOfFlightWidths(const Job& job, const PhasePattern& c, ControlLines& lines) {
   Head(job, lines, "!  Scale       Extinc      Bov     Str1     Str2     Str3    Strain-Model");
-  Put(lines, SlotLines(c, {1, 17, 2, 18, 19, 20}, "(E12.5,5F9.4,I8/F12.5,5F9.2)", {c.StrainModel}));
+  Put(lines, SlotLines(c, kScaleLine, "(E12.5,5F9.4,I8/F12.5,5F9.2)", {c.StrainModel}));
   Head(job, lines,
        "!    Sig-2     Sig-1     Sig-0       Xt        Yt        Z1     Z0     Size-Model");
-  Put(lines, SlotLines(c, {3, 4, 5, 15, 16, 28, 29}, "(7F10.3,I4/7F10.2)", {c.SizeModel}));
+  Put(lines, SlotLines(c, kWidthLine, "(7F10.3,I4/7F10.2)", {c.SizeModel}));
   Head(job, lines, "!    Gam-2     Gam-1     Gam-0     LStr       LSiz  ");
-  Put(lines, SlotLines(c, {46, 47, 48, 49, 50}, "(5F10.3/5F10.2)"));
+  Put(lines, SlotLines(c, kRightWidthLine, "(5F10.3/5F10.2)"));
 }
 
 void AppendCommentedWidths(const Job& job, const PhasePattern& c, ControlLines& lines) {
   Head(job, lines, "!  Scale       Shape1      Bov     Str1     Str2     Str3    Strain-Model");
-  Put(lines, SlotLines(c, {1, 17, 2, 18, 19, 20}, "(E12.5,5F9.4,I8/F12.5,5F9.2)", {c.StrainModel}));
-  const std::string widths = c.Npr == 12 ? "!      Ul       Vl        Wl         Xl  "
-                                         : "!      U        V         W          X   ";
+  Put(lines, SlotLines(c, kScaleLine, "(E12.5,5F9.4,I8/F12.5,5F9.2)", {c.StrainModel}));
+  const std::string widths = ProfileOf(c) == ProfileCode::kSplitPseudoVoigt
+                                 ? "!      Ul       Vl        Wl         Xl  "
+                                 : "!      U        V         W          X   ";
   Head(job, lines, widths + "      Y       GauSiz   LorSiz Size-Model");
-  Put(lines, SlotLines(c, {3, 4, 5, 15, 16, 28, 29}, "(7F10.5,I4/7F10.2)", {c.SizeModel}));
+  Put(lines, SlotLines(c, kWidthLine, "(7F10.5,I4/7F10.2)", {c.SizeModel}));
 }
 
 // The plain form: no headers, remarks behind the numbers.
 void AppendPlainWidths(const PhasePattern& c, ControlLines& lines) {
-  Put(lines, SlotLines(c, {1, 17, 2, 18, 19, 20}, "(E12.5,5F8.4,I4,A/F12.5,5F8.2)",
+  Put(lines, SlotLines(c, kScaleLine, "(E12.5,5F8.4,I4,A/F12.5,5F8.2)",
                        {c.StrainModel, "   Scale ETA Bov Strain"}));
-  Put(lines, SlotLines(c, {3, 4, 5, 15, 16, 28, 29}, "(3F8.5,4F8.4,I4,A/7F8.2)",
-                       {c.SizeModel, "   U V W X Y Siz12"}));
+  Put(lines,
+      SlotLines(c, kWidthLine, "(3F8.5,4F8.4,I4,A/7F8.2)", {c.SizeModel, "   U V W X Y Siz12"}));
 }
 
 void AppendSplitRight(const Job& job, const PhasePattern& c, ControlLines& lines) {
   Head(job, lines, "!      Ur       Vr        Wr       Etar0       Xr   ");
-  Put(lines, SlotLines(c, {46, 47, 48, 49, 50}, "(5F10.5/5F10.2)"));
+  Put(lines, SlotLines(c, kRightWidthLine, "(5F10.5/5F10.2)"));
 }
 
 void AppendIntensityScales(const Job& job, const PhasePattern& c, ControlLines& lines) {
   Head(job, lines, "!  Scale Factors ");
   Head(job, lines, "!  Sc1       Sc2        Sc3        Sc4        Sc5        Sc6");
-  Put(lines, SlotLines(c, {1, 2, 3, 4, 5, 12}, "(6E11.4/6F10.2)"));
+  Put(lines, SlotLines(c, kIntegratedScales, "(6E11.4/6F10.2)"));
   Head(job, lines, "!  Extinction Parameters ");
   Head(job, lines, "!    Ext1      Ext2      Ext3      Ext4      Ext5      Ext6      Ext7");
-  Put(lines, SlotLines(c, {13, 14, 15, 16, 17, 18, 19}, "(7F10.4/7F10.2)"));
+  Put(lines, SlotLines(c, kIntegratedExtinction, "(7F10.4/7F10.2)"));
 }
 
 void AppendCell(const Job& job, const PhasePattern& c, ControlLines& lines) {
   Head(job, lines, "!     a          b         c        alpha      beta       gamma");
   std::vector<FormatValue> all;
   for (int i = 1; i <= 6; ++i) all.emplace_back(c.CellConstants[i]);
-  for (int s = 6; s <= 11; ++s) all.emplace_back(ProfileCode(c, s));
+  for (int s : kCellLine) all.emplace_back(SlotCode(c, s));
   Put(lines, FormatText("(6F11.6/6F11.5)", all));
 }
 
@@ -87,7 +92,7 @@ void AppendWidthLines(const Job& job, const PhasePattern& c, const Pattern& p,
                       ControlLines& lines) {
   if (std::abs(c.Irf) == 4) {
     AppendIntensityScales(job, c, lines);
-  } else if (p.IXUNIT == 1) {
+  } else if (p.IXUNIT == AbscissaUnit::kTimeOfFlight) {
     AppendTimeOfFlightWidths(job, c, lines);
   } else {
     if (Commented(job)) {
@@ -95,7 +100,7 @@ void AppendWidthLines(const Job& job, const PhasePattern& c, const Pattern& p,
     } else {
       AppendPlainWidths(c, lines);
     }
-    if (c.Npr == 12) AppendSplitRight(job, c, lines);
+    if (ProfileOf(c) == ProfileCode::kSplitPseudoVoigt) AppendSplitRight(job, c, lines);
   }
 }
 
@@ -103,36 +108,38 @@ void AppendOrientationAndAsymmetry(const Job& job, const PhasePattern& c, const 
                                    ControlLines& lines) {
   if (std::abs(c.Irf) == 4) {
     Head(job, lines, "!  Not yet used parameters");
-    Put(lines, SlotLines(c, {35, 36, 37, 38, 39}, "(5F8.5/5F8.2)"));
+    Put(lines, SlotLines(c, kUnusedLine, "(5F8.5/5F8.2)"));
     return;
   }
-  if (p.IXUNIT == 1) {
+  if (p.IXUNIT == AbscissaUnit::kTimeOfFlight) {
     Head(job, lines, "!  Pref1  Pref2   alph0    beta0   alph1   beta1");
   } else {
     Head(job, lines, "!  Pref1  Pref2   Asy1    Asy2    Asy3     Asy4");
   }
-  Put(lines, SlotLines(c, {12, 13, 14, 35, 36, 37}, "(6F8.5/6F8.2)"));
+  Put(lines, SlotLines(c, kOrientationLine, "(6F8.5/6F8.2)"));
 }
 
 void AppendShapeLines(const Job& job, const Phase& ph, const PhasePattern& c, const Pattern& p,
                       ControlLines& lines) {
   if (p.separateUVW2) {
     Head(job, lines, "!Additional U,V,W parameters for Lambda2");
-    Put(lines, SlotLines(c, {43, 44, 45}, "(3F10.5,'   <--  U2,V2,W2 for lambda(2) '/3F10.5)"));
+    Put(lines, SlotLines(c, kSecondWidthLine, "(3F10.5,'   <--  U2,V2,W2 for lambda(2) '/3F10.5)"));
   }
-  if (c.Npr == 5 || c.Npr >= 9) {
-    const bool tof = p.IXUNIT == 1;
+  if (HasShapeLine(ProfileOf(c))) {
+    const bool tof = p.IXUNIT == AbscissaUnit::kTimeOfFlight;
     Head(job, lines, tof ? "!Absorption correction parameters" : "!Additional Shape parameters");
     const char* format = tof ? "(2(F10.5,F8.2),'            ABS: ABSCOR1  ABSCOR2')"
                              : "(2(F10.5,F8.2),'            SHAPE: SHP1 CSHP1 & SHP2 CSHP2')";
-    Put(lines, Fmt(format, c.PAR[41], ProfileCode(c, 41), c.PAR[42], ProfileCode(c, 42)));
+    Put(lines, Fmt(format, c.PAR[Slot::Shp1], SlotCode(c, Slot::Shp1), c.PAR[Slot::Shp2],
+                   SlotCode(c, Slot::Shp2)));
   }
   if (ph.Sol == 1) {
     Head(job, lines, "!     AsyP    Shift1    Shift2  ModA ModS");
     const char* format =
         Commented(job) ? "(3F10.5,2i5/3F10.2)" : "(3F10.5,2i5,20X,'ASYM, SHIFTS'/3F10.2)";
-    Put(lines, Fmt(format, c.PAR[38], c.PAR[39], c.PAR[40], ph.ModA, ph.ModS, ProfileCode(c, 38),
-                   ProfileCode(c, 39), ProfileCode(c, 40)));
+    Put(lines,
+        Fmt(format, c.PAR[Slot::AsyP], c.PAR[Slot::Shift1], c.PAR[Slot::Shift2], ph.ModA, ph.ModS,
+            SlotCode(c, Slot::AsyP), SlotCode(c, Slot::Shift1), SlotCode(c, Slot::Shift2)));
     if (std::abs(ph.ModS) == 1) {
       Put(lines, AxisLine(ph.ShiftAxis, " Shift-cos(1) or Shift-sin(-1) axis"));
     }
@@ -147,14 +154,14 @@ void AppendSizeAndStrainModels(const Job& job, const Phase& ph, const PhasePatte
     Head(job, lines,
          size == 15 ? "!   Y00        Y22+        Y22-       Y20         Y44+      Y44-"
                     : "!   Y00        Y20         Y40        Y43-        Y60       Y63 ");
-    Put(lines, SlotLines(c, {51, 52, 53, 54, 55, 56}, "(6F11.6/6F11.6)"));
+    Put(lines, SlotLines(c, kHarmonicsFirst, "(6F11.6/6F11.6)"));
     Head(job, lines, size == 15 ? "!   Y42+       Y42-        Y40" : "!   Y66+ ");
-    Put(lines, SlotLines(c, {57, 58, 59}, "(3F11.6/3F11.6)"));
+    Put(lines, SlotLines(c, kHarmonicsSecond, "(3F11.6/3F11.6)"));
   }
   if (c.StrainModel == 7) Put(lines, AxisLine(ph.StrainAxis, " Axial vector for microstrains"));
   if (c.StrainModel > 8) {
     Head(job, lines, "! 5 additional strain parameters (Istrainmodel>8)");
-    Put(lines, SlotLines(c, {21, 22, 23, 24, 25}, "(5F14.5/5F14.5)"));
+    Put(lines, SlotLines(c, kExtraStrain, "(5F14.5/5F14.5)"));
   }
 }
 
@@ -177,8 +184,7 @@ void AppendFurtherParameters(const Job& job, const Phase& ph, const PhasePattern
   Head(job, lines, "! Further parameters: ");
   for (int n = 1; n <= ph.Furth; ++n) {
     const int s = job.run.firstFurtherParameter + n;
-    Put(lines,
-        Fmt("(A4,F14.6,F14.6)", FixedText(ph.FurtherName[n], 4), c.PAR[s], ProfileCode(c, s)));
+    Put(lines, Fmt("(A4,F14.6,F14.6)", FixedText(ph.FurtherName[n], 4), c.PAR[s], SlotCode(c, s)));
   }
 }
 
@@ -188,16 +194,16 @@ void AppendGeneralizedTerms(const Job& job, const Phase& ph, const PhasePattern&
                             ControlLines& lines) {
   if (ph.Str != 0 && ph.Str != 2) {
     Head(job, lines, "! Additional strain parameters:");
-    Put(lines, SlotLines(c, {18, 19, 20, 21, 22}, "(5E14.5/5F14.5)"));
-    Put(lines, SlotLines(c, {23, 24, 25, 26, 27}, "(5E14.5/5F14.5)"));
+    Put(lines, SlotLines(c, kStrainFirst, "(5E14.5/5F14.5)"));
+    Put(lines, SlotLines(c, kStrainSecond, "(5E14.5/5F14.5)"));
   }
   if (ph.Str == 3) {
     Head(job, lines, "! Generalized strain+size parameters:");
-    Put(lines, SlotLines(c, {29, 30, 31, 32, 33, 34}, "(6E12.4/6F12.4)"));
+    Put(lines, SlotLines(c, kSizeLine, "(6E12.4/6F12.4)"));
   }
   if (ph.Str == 2) {
     Head(job, lines, "! Generalized size parameters:");
-    Put(lines, SlotLines(c, {29, 30, 31, 32, 33, 34}, "(6E12.4/6F12.4)"));
+    Put(lines, SlotLines(c, kSizeLine, "(6E12.4/6F12.4)"));
   }
 }
 

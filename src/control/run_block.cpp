@@ -98,19 +98,23 @@ void ReadJobLines(Job& job) {
   RunOptions& r = job.run;
   if (r.singlePatternForm) {
     Pattern& p = job.patterns[1];
+    int unit = ControlNumber(p.IXUNIT);
     ReadMaskedLine(
         job, Unit::Control, "iiiiiiiiiiiiiiiii", job.LINE,
         {&p.JOBTYP, &p.NPROF, &r.NPHASE, &p.NBCKGD, &p.NEXCRG, &p.NSCAT, &p.NORI, &r.IDUM, &p.IWGT,
-         &p.ILOR, &r.IASG, &p.IRESO, &p.ISTEP, &r.NRELL, &r.ICRYG, &p.IXUNIT, &p.ICORR});
+         &p.ILOR, &r.IASG, &p.IRESO, &p.ISTEP, &r.NRELL, &r.ICRYG, &unit, &p.ICORR});
+    p.IXUNIT = AbscissaUnitOf(unit);
     return;
   }
   ReadMaskedLine(job, Unit::Control, "iiiii", job.LINE,
                  {&r.NPHASE, &r.IDUM, &r.IASG, &r.NRELL, &r.ICRYG});
   for (int ip = 1; ip <= r.NPATT; ++ip) {
     Pattern& p = job.patterns[ip];
+    int unit = ControlNumber(p.IXUNIT);
     ReadMaskedLine(job, Unit::Control, "iiiiiiiiiiiii", job.LINE,
                    {&p.JOBTYP, &p.NPROF, &p.NBCKGD, &p.NEXCRG, &p.NSCAT, &p.NORI, &p.IWGT, &p.ILOR,
-                    &p.IRESO, &p.ISTEP, &p.IXUNIT, &p.ICORR, &p.IASYM});
+                    &p.IRESO, &p.ISTEP, &unit, &p.ICORR, &p.IASYM});
+    p.IXUNIT = AbscissaUnitOf(unit);
   }
 }
 
@@ -140,7 +144,7 @@ void ApplyJobRules(Job& job) {
   if (r.ICRYG != 0) {
     r.NPATT = 1;
     for (Pattern& p : job.patterns) {
-      p.NPROF = 0;
+      p.NPROF = TypedNumber(ProfileCode::kGaussian);
       p.NBCKGD = 0;
       p.NEXCRG = 0;
       p.IRESO = 0;
@@ -175,9 +179,10 @@ std::string ReadResolutionName(Job& job) {
 // The side files, the limits and the stored profile number of one pattern.
 void PreparePattern(Job& job, int ip, const HeadSteps& steps) {
   Pattern& p = job.patterns[ip];
-  if (p.NPROF == 10) p.NPROF = 9;
+  ProfileCode code = ProfileCodeFromTyped(p.NPROF);
+  if (code == ProfileCode::kTimeOfFlight2) code = ProfileCode::kTimeOfFlight1;
   steps.readSideFiles(job, ip);
-  if (p.IRESO != 0 && p.NPROF != 7) {
+  if (p.IRESO != 0 && code != ProfileCode::kTchPseudoVoigt) {
     ConsoleLine(job, Fmt("(A,I3)", " Illegal use of resolution function for pattern: ", ip));
     WarningBox(job, " ===>>> Illegal use of resolution function!! ");
     StopBox(job, "        NPROF must be equal to 7!  ");
@@ -199,7 +204,7 @@ void PreparePattern(Job& job, int ip, const HeadSteps& steps) {
         job, Fmt("(A,I6)", "  Maximum number of excl. regions/pattern: ", DimensionLimits::IEXCL));
     StopBox(job, " Too many excluded regions ");
   }
-  ++p.NPROF;
+  p.NPROF = StoredNumber(code);
 }
 
 void ReadOutputLines(Job& job) {

@@ -35,9 +35,9 @@ void AppendSingleJobLine(const Job& job, ControlLines& lines) {
                    ",  PCR-file: " + TrimmedCopy(job.driver.PcrCode));
   }
   Head(job, lines, "!Job Npr Nph Nba Nex Nsc Nor Dum Iwg Ilo Ias Res Ste Nre Cry Uni Cor");
-  Put(lines, Fmt("(17I4)", p.JOBTYP, p.NPROF - 1, TypedPhaseCount(job), TypedBackground(p),
-                 p.NEXCRG, p.NSCAT, p.NORI, r.IDUM, p.IWGT, p.ILOR, r.IASG, p.IRESO, p.ISTEP,
-                 r.NRELL, r.ICRYG, p.IXUNIT, p.ICORR));
+  Put(lines, Fmt("(17I4)", p.JOBTYP, TypedNumber(ProfileOf(p)), TypedPhaseCount(job),
+                 TypedBackground(p), p.NEXCRG, p.NSCAT, p.NORI, r.IDUM, p.IWGT, p.ILOR, r.IASG,
+                 p.IRESO, p.ISTEP, r.NRELL, r.ICRYG, ControlNumber(p.IXUNIT), p.ICORR));
 }
 
 void AppendMultiHead(const Job& job, ControlLines& lines) {
@@ -51,8 +51,9 @@ void AppendMultiHead(const Job& job, ControlLines& lines) {
   Head(job, lines, "!Job Npr Nba Nex Nsc Nor Iwg Ilo Res Ste Uni Cor Asym");
   for (int ip = 1; ip <= r.NPATT; ++ip) {
     const Pattern& p = job.patterns[ip];
-    Put(lines, Fmt("(13I4)", p.JOBTYP, p.NPROF - 1, TypedBackground(p), p.NEXCRG, p.NSCAT, p.NORI,
-                   p.IWGT, p.ILOR, p.IRESO, p.ISTEP, p.IXUNIT, p.ICORR, p.IASYM));
+    Put(lines,
+        Fmt("(13I4)", p.JOBTYP, TypedNumber(ProfileOf(p)), TypedBackground(p), p.NEXCRG, p.NSCAT,
+            p.NORI, p.IWGT, p.ILOR, p.IRESO, p.ISTEP, ControlNumber(p.IXUNIT), p.ICORR, p.IASYM));
   }
   Head(job, lines, "!File names of data(patterns) files");
   for (int ip = 1; ip <= r.NPATT; ++ip) Put(lines, TrimmedCopy(job.patterns[ip].DatCode));

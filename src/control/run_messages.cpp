@@ -22,7 +22,8 @@ void WriteJobTypeWords(Job& job, Pattern& p) {
     const char* line = intensities ? " => Refinement of X-ray integrated intensity data"
                                    : " => Global Refinement of X-ray powder diffraction data";
     WriteReports(job, line);
-    WriteReports(job, p.IXUNIT == 2 ? " => Energy Dispersive X-ray data" : line);
+    WriteReports(job,
+                 p.IXUNIT == AbscissaUnit::kEnergy ? " => Energy Dispersive X-ray data" : line);
   }
   if (std::abs(p.JOBTYP) == 1) {
     WriteReports(job, intensities ? " => Refinement of Neutron integrated intensity data"
@@ -56,16 +57,16 @@ void WriteGeometryWords(Job& job, Pattern& p) {
     }
   }
   switch (p.IXUNIT) {
-    case 1:
+    case AbscissaUnit::kTimeOfFlight:
       WriteReports(job, " => Abcisa variable is T.O.F. in microsecs");
       break;
-    case 2:
+    case AbscissaUnit::kEnergy:
       WriteReports(job, " => Abcisa variable is Energy in Kev");
       break;
-    case 3:
+    case AbscissaUnit::kQ:
       WriteReports(job, " => Abcisa variable is Q in recipr. Angstr");
       break;
-    case 4:
+    case AbscissaUnit::kInverseD:
       WriteReports(job, " => Abcisa variable is S in recipr. Angstr");
       break;
     default:
@@ -110,31 +111,31 @@ void WritePseudoVoigtWords(Job& job) {
 }
 
 void WriteProfileWords(Job& job, const Pattern& p) {
-  switch (p.NPROF) {
-    case 5:
+  switch (ProfileOf(p)) {
+    case ProfileCode::kTripledPseudoVoigt:
       Out(job, " => Tripled pseudo-Voigt function (ETA unique)");
       Out(job, "      p4(x) = X*pV(x-D) + (1-X-Y)*pV(x) + Y*pV(x+D)");
       Out(job, "          D = Shp1*tan(theta)      ");
       Out(job, "      pV(x) = ETA*L(x)+(1-ETA)*G(x)");
       return;
-    case 6:
+    case ProfileCode::kPseudoVoigt:
       WritePseudoVoigtWords(job);
       return;
-    case 7:
+    case ProfileCode::kPearsonVII:
       Out(job, " => Normalized Pearson VII (m exponent variable)");
       Out(job, "                 X and Y parameters correspond to:");
       Out(job, "                m=m0+100*X/2theta+10000*Y/2theta**2 ");
       return;
-    case 9:
+    case ProfileCode::kNumerical:
       Out(job, " => Numerical profile provided by user in file GLOBAL.SHP");
       return;
-    case 10:
+    case ProfileCode::kTimeOfFlight1:
       Out(job, " => T.O.F Profile Function #1 ");
       Out(job, "    Decay double Exponential convoluted with pseudo-Voigt:");
       Out(job, "    Omega(DT) = (1-eta)N {Exp(u).Erfc(y)+ Exp(v).Erfc(z)} +  ");
       Out(job, "                2N eta/pi{-Im[Exp(p)E1(p)]-Im[Exp(q)E1(q)]}  ");
       return;
-    case 12:
+    case ProfileCode::kSplitPseudoVoigt:
       Out(job, " => Split pseudo-Voigt function ");
       Out(job, "    For x<=0 eta and FWHM (H) are different than for x>0");
       Out(job, "     x<=0    pV(x)= {ETAl*L(x,Hl)+(1-ETAl)*G(x,Hl)}/(N/4)");
@@ -142,7 +143,7 @@ void WriteProfileWords(Job& job, const Pattern& p) {
       Out(job, "   L(x,H)=1/{1+4*(x/H)^2};  G(x,H)= exp{-4Ln2*(x/H)^2}");
       Out(job, "   N ={Hl*((pi-a)*ETAl+a)+Hr*((pi-a)*ETAr+a)}; a=sqrt(pi/Ln2)");
       return;
-    case 13:
+    case ProfileCode::kAxialDivergence:
       WritePseudoVoigtWords(job);
       Out(job, "    This function is convoluted with asymmetry due to axial");
       Out(job, "    divergence as formulated by: ");
@@ -286,9 +287,9 @@ void WriteRpaHead(Job& job) {
   WriteLine(job, Unit::Rpa,
             "REM    IWGT     ILOR     IRESO     ISTEP     IXUNIT     ICORR     IASYM     ");
   for (int ip = 1; ip <= n; ++ip) {
-    WriteRpaLine(
-        job, "GLB2 ", "(7(I5,3X))",
-        {P[ip].IWGT, P[ip].ILOR, P[ip].IRESO, P[ip].ISTEP, P[ip].IXUNIT, P[ip].ICORR, P[ip].IASYM});
+    WriteRpaLine(job, "GLB2 ", "(7(I5,3X))",
+                 {P[ip].IWGT, P[ip].ILOR, P[ip].IRESO, P[ip].ISTEP, ControlNumber(P[ip].IXUNIT),
+                  P[ip].ICORR, P[ip].IASYM});
   }
   if (r.singlePatternForm) {
     WriteLine(job, Unit::Rpa, "REM   IOT   IPL   IPC   MAT   NXT  lst1  lst2  lst3  IPL1  IPL2");

@@ -101,7 +101,7 @@ void AddVector(const Phase& ph, ReflectionSource& source) {
 int ReflectionsFromFile(Job& job, int k, int ip, LorentzFactor lorentz, const HklShift& shift) {
   const Phase& ph = job.phases[k];
   const int form = std::abs(ph.pat[ip].Irf);
-  OpenFiles(job, 6, ip, k);
+  OpenFiles(job, FileKind::kReflectionInput, ip, k);
   const std::string title = ReadTitle(job);
   ReadTitle(job);
   WriteLine(job, Unit::Out, title);

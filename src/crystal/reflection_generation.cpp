@@ -12,6 +12,7 @@
 #include "crystal/slot_error_stop.h"
 #include "crystal/space_group_symbol.h"
 #include "format/fortran_format.h"
+#include "records/profile_slots.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -101,7 +102,8 @@ void StoreSatellite(GenerationState& s, int h, int k, int l, int multiplicity, i
 void Consider(GenerationState& s, int h, int k, int l) {
   const Phase& ph = s.job.phases[s.k];
   const PhasePattern& c = ph.pat[s.ip];
-  if (c.PAR[12] > kSelectionFlag && !SelectedByPreferredVector(c.PREF, h, k, l)) return;
+  if (c.PAR[ProfileSlot::Pref1] > kSelectionFlag && !SelectedByPreferredVector(c.PREF, h, k, l))
+    return;
   if (IsSystematicallyAbsent(ph.group, h, k, l)) return;
   const int multiplicity = FormMultiplicity(ph.group.LAUE, ph.group.UniqueAxis, h, k, l);
   const bool origin = h == 0 && k == 0 && l == 0;

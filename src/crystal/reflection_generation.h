@@ -21,7 +21,7 @@ IndexLimits GenerationIndexLimits(const Table1<float, 6>& coefficients, double s
                                   bool withVectors);
 
 // Whether the selection rule of PREF lets (h, k, l) through; used when Pref1
-// (PAR[12]) of the phase in the pattern is above 99.
+// (PAR[ProfileSlot::Pref1]) of the phase in the pattern is above 99.
 bool SelectedByPreferredVector(const Table1<float, 3>& pref, int h, int k, int l);
 
 // Generates the reflections of phase k in pattern ip over the wedge of its

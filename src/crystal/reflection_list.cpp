@@ -40,7 +40,7 @@ void WriteReflectionList(Job& job, int k, int ip) {
   const Phase& ph = job.phases[k];
   const ReflectionTable& table = job.patterns[ip].reflections;
   const bool satellites = ph.Nvk > 0;
-  const bool separateWidths = ph.pat[ip].Npr != 8;
+  const bool separateWidths = ProfileOf(ph.pat[ip]) != ProfileCode::kTchPseudoVoigt;
   WriteLine(job, Unit::Out, Heading(satellites, separateWidths));
   int number = 0;
   for (int s = 1; s <= table.total; ++s) {

@@ -54,17 +54,17 @@ ReflectionRange TwoThetaRange(const Pattern& p, const MarginWidths& w, bool noMa
 ReflectionRange RangeOfPattern(const Pattern& p, const MarginWidths& widths, bool noMargin) {
   ReflectionRange r;
   switch (p.IXUNIT) {
-    case kTwoTheta:
+    case AbscissaUnit::kTwoTheta:
       return TwoThetaRange(p, widths, noMargin);
-    case kTimeOfFlight:
+    case AbscissaUnit::kTimeOfFlight:
       r.sLow = 0.25 * Squared(p.Dtt1 / static_cast<double>(p.THMAX));
       r.sHigh = 0.25 * Squared(p.Dtt1 / LowerReference(p));
       return r;
-    case kEnergy:
+    case AbscissaUnit::kEnergy:
       r.sLow = 0.25 * Squared(p.THMIN / static_cast<double>(p.Dtt1));
       r.sHigh = 0.25 * Squared(p.THMAX / static_cast<double>(p.Dtt1));
       return r;
-    case kQ:
+    case AbscissaUnit::kQ:
       r.sLow = kQSquareToS * Squared(p.THMIN);
       r.sHigh = kQSquareToS * Squared(p.THMAX);
       return r;
@@ -89,7 +89,7 @@ ReflectionPlace PlaceReflection(const Pattern& p, double q, int w, double hklShi
   double main = 0.0;
   double displacement = hklShift;
   switch (p.IXUNIT) {
-    case kTwoTheta: {
+    case AbscissaUnit::kTwoTheta: {
       const double sin2 = Squared(p.LAMBDA[w]) * q / 4.0;
       if (sin2 <= 1.0e-10 || sin2 >= 1.0) return place;
       const double tanTheta = std::sqrt(sin2 / (1.0 - sin2));
@@ -101,15 +101,15 @@ ReflectionPlace PlaceReflection(const Pattern& p, double q, int w, double hklShi
       place.tanTheta = tanTheta;
       break;
     }
-    case kTimeOfFlight:
+    case AbscissaUnit::kTimeOfFlight:
       main = p.Dtt1 * d;
       displacement += p.Dtt2 * d * d;
       break;
-    case kEnergy:
+    case AbscissaUnit::kEnergy:
       main = p.Dtt1 / d;
       displacement += p.Dtt2 * q;
       break;
-    case kQ:
+    case AbscissaUnit::kQ:
       main = kTwoPi / d;
       break;
     default:

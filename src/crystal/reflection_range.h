@@ -5,15 +5,6 @@
 
 namespace corvinet {
 
-// Abscissa units of a pattern (IXUNIT).
-enum AbscissaUnit : int {
-  kTwoTheta = 0,  // degrees
-  kTimeOfFlight = 1,
-  kEnergy = 2,    // keV
-  kQ = 3,         // 2 pi / d
-  kInverseD = 4,  // 1 / d
-};
-
 // Limits of the generation in s² = (sin theta/lambda)^2 = 1/(4 d²).
 struct ReflectionRange {
   double sLow = 0.0;

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "crystal/metric.h"
+#include "records/profile_slots.h"
 #include "records/reflection.h"
 
 namespace corvinet {
@@ -15,7 +16,7 @@ double SquaredWidth(const MarginWidths& w, double tanTheta) {
 }
 
 void CheckWidth(const Pattern& p, const SlotContext& c, const ReflectionPlace& place) {
-  if (p.IXUNIT != kTwoTheta || p.IRESO != 0) return;
+  if (p.IXUNIT != AbscissaUnit::kTwoTheta || p.IRESO != 0) return;
   if (SquaredWidth(c.widths, place.tanTheta) < 0.0) {
     throw SlotError{SlotFailure::NegativeWidth, static_cast<float>(place.position)};
   }
@@ -39,8 +40,9 @@ SlotContext MakeSlotContext(const Job& job, int k, int ip, LorentzFactor lorentz
   SlotContext context;
   context.phase = k;
   context.ip = ip;
-  for (int i = 1; i <= 6; ++i) context.coefficients[i] = c.PAR[5 + i];
-  context.widths = MarginWidths{c.PAR[3], c.PAR[4], c.PAR[5]};
+  for (int i = 1; i <= 6; ++i) context.coefficients[i] = c.PAR[ProfileSlot::FirstCell - 1 + i];
+  context.widths =
+      MarginWidths{c.PAR[ProfileSlot::U], c.PAR[ProfileSlot::V], c.PAR[ProfileSlot::W]};
   context.range = RangeOfPattern(p, context.widths, std::abs(ph.Jbt) == 2);
   context.wavelengths = WavelengthCount(p);
   context.shift = shift;

@@ -1,7 +1,6 @@
 // Names, units and open modes of the files of a run.
 #include "io/file_set.h"
 
-#include <initializer_list>
 #include <vector>
 
 #include "format/fortran_format.h"
@@ -11,60 +10,173 @@ namespace corvinet {
 
 namespace {
 
-struct UnitFile {
+// The parts the names of the files are made of.
+struct NameParts {
+  std::string pcr;         // control code
+  std::string dat;         // data code of the pattern (pattern 1 for index 0)
+  std::string resolution;  // resolution-file name of the pattern
+  std::string suffix;      // "_n" in a multi-pattern run
+  char phase = ' ';        // phase digit
+  int index = 0;           // pattern number as asked
+  bool hklFromFile = false;
+};
+
+using Names = std::vector<std::string>;
+
+// How a file is opened.
+enum class Mode {
+  kOld,                // it must exist
+  kUnknown,            // created or replaced
+  kAppendIfExists,     // appended to when it exists
+  kOldUnlessStarting,  // created only for a "starting" control code
+};
+
+// What the stop says when no name can be opened.
+enum class Failure {
+  kLastName,  // " => Error opening file: " and the last name tried
+  kDataCode,  // the data code with the three extensions
+  kAllNames,  // the three names of a reflection file
+};
+
+// One file of a kind: its unit, its names (the first that opens wins), how it
+// opens and what the stop says.
+struct FileRow {
+  FileKind kind;
   int unit;
-  OpenStatus status;
+  Names (*names)(const NameParts&);
+  Mode mode;
+  Failure failure = Failure::kLastName;
+  bool marksReflectionSource = false;  // records whether a name after the first opened
 };
 
 std::string Stem(const std::string& code) {
   return TrimmedCopy(code);
 }
 
-bool TryOpen(Job& job, int unit, const std::string& name, OpenStatus status) {
-  return OpenUnit(job.files.units[unit], name, status);
+// The files of every kind; a kind with two rows opens two files.
+const FileRow kFiles[] = {
+    {FileKind::kControl, Unit::Control, [](const NameParts& n) { return Names{n.pcr + ".pcr"}; },
+     Mode::kOldUnlessStarting},
+    {FileKind::kOutput, Unit::Out, [](const NameParts& n) { return Names{n.pcr + ".out"}; },
+     Mode::kUnknown},
+    {FileKind::kOutput, Unit::Sum, [](const NameParts& n) { return Names{n.pcr + ".sum"}; },
+     Mode::kUnknown},
+    {FileKind::kSymmetry, Unit::Sym, [](const NameParts& n) { return Names{n.pcr + ".sym"}; },
+     Mode::kUnknown},
+    {FileKind::kRpa, Unit::Rpa, [](const NameParts& n) { return Names{n.pcr + ".rpa"}; },
+     Mode::kAppendIfExists},
+    {FileKind::kData, Unit::Data,
+     [](const NameParts& n) {
+       return Names{n.dat + ".dat", n.dat + ".uxd", n.dat + ".acq"};
+     },
+     Mode::kOld, Failure::kDataCode},
+    {FileKind::kReflectionInput, Unit::HklIn,
+     [](const NameParts& n) {
+       return Names{n.pcr + n.phase + n.suffix + ".hkl", n.dat + n.suffix + ".int",
+                    std::string("hkl") + n.phase + n.suffix + ".hkl"};
+     },
+     Mode::kOld, Failure::kAllNames, true},
+    {FileKind::kFourier, Unit::Fourier,
+     [](const NameParts& n) { return Names{n.pcr + n.suffix + ".fou"}; }, Mode::kUnknown},
+    {FileKind::kReflectionOutput, Unit::HklOut,
+     [](const NameParts& n) { return Names{n.pcr + n.suffix + ".hkl"}; }, Mode::kUnknown},
+    {FileKind::kSav, Unit::Sav, [](const NameParts& n) { return Names{n.pcr + ".sav"}; },
+     Mode::kAppendIfExists},
+    {FileKind::kReflectionBack, Unit::HklBack,
+     [](const NameParts& n) {
+       return Names{n.hklFromFile ? std::string("hkl") + n.phase + n.suffix + ".hkl"
+                                  : n.pcr + n.phase + n.suffix + ".hkl"};
+     },
+     Mode::kUnknown},
+    {FileKind::kProfile, Unit::Profile,
+     [](const NameParts& n) { return Names{n.pcr + n.suffix + ".prf"}; }, Mode::kUnknown},
+    {FileKind::kBackground, Unit::Background,
+     [](const NameParts& n) { return Names{n.dat + n.suffix + ".bac"}; }, Mode::kUnknown},
+    {FileKind::kResolution, Unit::Resolution,
+     [](const NameParts& n) { return Names{n.resolution}; }, Mode::kOld},
+    {FileKind::kSimulated, Unit::Simulated,
+     [](const NameParts& n) { return Names{n.pcr + ".sim"}; }, Mode::kUnknown},
+    {FileKind::kSchakal, Unit::Schakal,
+     [](const NameParts& n) { return Names{n.pcr + n.phase + ".sch"}; }, Mode::kUnknown},
+    {FileKind::kNewControl, Unit::NewControl,
+     [](const NameParts& n) { return Names{n.pcr + ".new"}; }, Mode::kUnknown},
+    {FileKind::kShelx, Unit::Shelx,
+     [](const NameParts& n) { return Names{n.pcr + (n.index == 0 ? ".ins" : ".inp")}; },
+     Mode::kUnknown},
+    {FileKind::kAtoms, Unit::Atoms,
+     [](const NameParts& n) { return Names{n.pcr + n.phase + ".atm"}; }, Mode::kUnknown},
+    {FileKind::kPhasePattern, Unit::PhasePattern,
+     [](const NameParts& n) { return Names{n.pcr + n.phase + n.suffix + ".sub"}; }, Mode::kUnknown},
+    {FileKind::kShape, Unit::Shape,
+     [](const NameParts& n) {
+       return Names{n.pcr + ".shp", "global.shp"};
+     },
+     Mode::kOld},
+    {FileKind::kCorrections, Unit::Corrections,
+     [](const NameParts& n) {
+       return Names{n.pcr + n.suffix + ".cor", "cor" + n.suffix + ".cor"};
+     },
+     Mode::kOld},
+    {FileKind::kIntensities, Unit::IntensitiesOut,
+     [](const NameParts& n) {
+       return Names{n.index > 1 ? n.pcr + n.phase + n.suffix + ".int" : n.pcr + n.phase + ".int"};
+     },
+     Mode::kUnknown},
+};
+
+NameParts PartsOf(const Job& job, int index, int phase) {
+  const Pattern& pattern = job.patterns[index < 1 ? 1 : index];
+  NameParts n;
+  n.pcr = Stem(job.driver.PcrCode);
+  n.dat = Stem(pattern.DatCode);
+  n.resolution = Stem(pattern.ResolutionFile);
+  n.suffix = PatternSuffix(job, index);
+  n.phase = PhaseDigit(phase);
+  n.index = index;
+  n.hklFromFile = job.files.hklFromFile;
+  return n;
 }
 
-// Opens the one name of an option, or stops with the single-name message.
-void OpenSingle(Job& job, int unit, const std::string& name, OpenStatus status) {
-  if (TryOpen(job, unit, name, status)) return;
-  StopBox(job, Fmt("(A,A,A,I3)", " => Error opening file: ", name, " Unit:", unit));
+OpenStatus StatusOf(Mode mode, const NameParts& parts, const std::string& name) {
+  switch (mode) {
+    case Mode::kOld:
+      return OpenStatus::Old;
+    case Mode::kAppendIfExists:
+      return FileExists(name) ? OpenStatus::Append : OpenStatus::Unknown;
+    case Mode::kOldUnlessStarting:
+      return IsStartingCode(parts.pcr) ? OpenStatus::Unknown : OpenStatus::Old;
+    case Mode::kUnknown:
+      break;
+  }
+  return OpenStatus::Unknown;
 }
 
-// Opens the first of the names that can be opened; -1 when none can.
-int OpenFirst(Job& job, int unit, const std::vector<std::string>& names, OpenStatus status) {
+std::string FailureText(const FileRow& row, const NameParts& parts, const Names& names) {
+  switch (row.failure) {
+    case Failure::kDataCode:
+      return Fmt("(A,A,A,I3)",
+                 " ==> Error opening file CODEFIL.DAT(UXD,ACQ) with CODEFIL=", parts.dat,
+                 " Unit:", row.unit);
+    case Failure::kAllNames:
+      return Fmt("(A,A,A,A,A,A,A,I3)", " => Error opening a (hkl)-file: ", names[0], ",", names[1],
+                 ",", names[2], " Unit:", row.unit);
+    case Failure::kLastName:
+      break;
+  }
+  return Fmt("(A,A,A,I3)", " => Error opening file: ", names.back(), " Unit:", row.unit);
+}
+
+// Opens the first of the row's names that can be opened, or stops.
+void OpenRow(Job& job, const FileRow& row, const NameParts& parts) {
+  const Names names = row.names(parts);
   for (std::size_t i = 0; i < names.size(); ++i) {
-    if (TryOpen(job, unit, names[i], status)) return static_cast<int>(i);
-  }
-  return -1;
-}
-
-OpenStatus AppendIfExists(const std::string& name) {
-  return FileExists(name) ? OpenStatus::Append : OpenStatus::Unknown;
-}
-
-void OpenDataFile(Job& job, int index) {
-  const std::string d = Stem(job.patterns[index].DatCode);
-  if (OpenFirst(job, Unit::Data, {d + ".dat", d + ".uxd", d + ".acq"}, OpenStatus::Old) >= 0) {
+    if (!OpenUnit(job.files.units[row.unit], names[i], StatusOf(row.mode, parts, names[i]))) {
+      continue;
+    }
+    if (row.marksReflectionSource) job.files.hklFromFile = i > 0;
     return;
   }
-  StopBox(job, Fmt("(A,A,A,I3)", " ==> Error opening file CODEFIL.DAT(UXD,ACQ) with CODEFIL=", d,
-                   " Unit:", Unit::Data));
-}
-
-void OpenReflectionInput(Job& job, int index, int phase) {
-  const std::string p = Stem(job.driver.PcrCode);
-  const std::string d = Stem(job.patterns[index].DatCode);
-  const std::string s = PatternSuffix(job, index);
-  const char f = PhaseDigit(phase);
-  const std::vector<std::string> names = {p + f + s + ".hkl", d + s + ".int",
-                                          std::string("hkl") + f + s + ".hkl"};
-  int found = OpenFirst(job, Unit::HklIn, names, OpenStatus::Old);
-  if (found >= 0) {
-    job.files.hklFromFile = found > 0;
-    return;
-  }
-  StopBox(job, Fmt("(A,A,A,A,A,A,A,I3)", " => Error opening a (hkl)-file: ", names[0], ",",
-                   names[1], ",", names[2], " Unit:", Unit::HklIn));
+  StopBox(job, FailureText(row, parts, names));
 }
 
 }  // namespace
@@ -85,97 +197,19 @@ bool IsStartingCode(const std::string& code) {
   return c.size() >= 8 && c.substr(c.size() - 8) == "starting";
 }
 
-void OpenFiles(Job& job, int nopf, int index, int phase) {
-  const std::string p = Stem(job.driver.PcrCode);
-  const std::string s = PatternSuffix(job, index);
-  const char f = PhaseDigit(phase);
-  auto d = [&]() { return Stem(job.patterns[index < 1 ? 1 : index].DatCode); };
-  switch (nopf) {
-    case 1:
-      OpenSingle(job, Unit::Control, p + ".pcr",
-                 IsStartingCode(p) ? OpenStatus::Unknown : OpenStatus::Old);
-      return;
-    case 2:
-      OpenSingle(job, Unit::Out, p + ".out", OpenStatus::Unknown);
-      OpenSingle(job, Unit::Sum, p + ".sum", OpenStatus::Unknown);
-      return;
-    case 3:
-      OpenSingle(job, Unit::Sym, p + ".sym", OpenStatus::Unknown);
-      return;
-    case 4:
-      OpenSingle(job, Unit::Rpa, p + ".rpa", AppendIfExists(p + ".rpa"));
-      return;
-    case 5:
-      OpenDataFile(job, index);
-      return;
-    case 6:
-      OpenReflectionInput(job, index, phase);
-      return;
-    case 7:
-      OpenSingle(job, Unit::Fourier, p + s + ".fou", OpenStatus::Unknown);
-      return;
-    case 8:
-      OpenSingle(job, Unit::HklOut, p + s + ".hkl", OpenStatus::Unknown);
-      return;
-    case 9:
-      OpenSingle(job, Unit::Sav, p + ".sav", AppendIfExists(p + ".sav"));
-      return;
-    case 10:
-      OpenSingle(job, Unit::HklBack,
-                 job.files.hklFromFile ? std::string("hkl") + f + s + ".hkl" : p + f + s + ".hkl",
-                 OpenStatus::Unknown);
-      return;
-    case 11:
-      OpenSingle(job, Unit::Profile, p + s + ".prf", OpenStatus::Unknown);
-      return;
-    case 12:
-      OpenSingle(job, Unit::Background, d() + s + ".bac", OpenStatus::Unknown);
-      return;
-    case 13:
-      OpenSingle(job, Unit::Resolution, Stem(job.patterns[index < 1 ? 1 : index].ResolutionFile),
-                 OpenStatus::Old);
-      return;
-    case 14:
-      OpenSingle(job, Unit::Simulated, p + ".sim", OpenStatus::Unknown);
-      return;
-    case 15:
-      OpenSingle(job, Unit::Schakal, p + f + ".sch", OpenStatus::Unknown);
-      return;
-    case 16:
-      OpenSingle(job, Unit::NewControl, p + ".new", OpenStatus::Unknown);
-      return;
-    case 17:
-      OpenSingle(job, Unit::Shelx, p + (index == 0 ? ".ins" : ".inp"), OpenStatus::Unknown);
-      return;
-    case 18:
-      OpenSingle(job, Unit::Atoms, p + f + ".atm", OpenStatus::Unknown);
-      return;
-    case 19:
-      OpenSingle(job, Unit::PhasePattern, p + f + s + ".sub", OpenStatus::Unknown);
-      return;
-    case 20:
-      if (OpenFirst(job, Unit::Shape, {p + ".shp", "global.shp"}, OpenStatus::Old) < 0) {
-        StopBox(job,
-                Fmt("(A,A,A,I3)", " => Error opening file: ", "global.shp", " Unit:", Unit::Shape));
-      }
-      return;
-    case 21:
-      if (OpenFirst(job, Unit::Corrections, {p + s + ".cor", "cor" + s + ".cor"}, OpenStatus::Old) <
-          0) {
-        StopBox(job, Fmt("(A,A,A,I3)", " => Error opening file: ", "cor" + s + ".cor",
-                         " Unit:", Unit::Corrections));
-      }
-      return;
-    case 22:
-      OpenSingle(job, Unit::IntensitiesOut, index > 1 ? p + f + s + ".int" : p + f + ".int",
-                 OpenStatus::Unknown);
-      return;
-    case 1000:
-      job.files.multiPattern = true;
-      return;
-    default:
-      StopBox(job, Fmt("(A,I6)", " => Illegal option nopf:", nopf));
+void OpenFiles(Job& job, FileKind kind, int index, int phase) {
+  if (kind == FileKind::kMultiPattern) {
+    job.files.multiPattern = true;
+    return;
   }
+  const NameParts parts = PartsOf(job, index, phase);
+  bool known = false;
+  for (const FileRow& row : kFiles) {
+    if (row.kind != kind) continue;
+    known = true;
+    OpenRow(job, row, parts);
+  }
+  if (!known) StopBox(job, Fmt("(A,I6)", " => Illegal option nopf:", static_cast<int>(kind)));
 }
 
 }  // namespace corvinet

@@ -7,9 +7,37 @@
 
 namespace corvinet {
 
-// Opens the file of option `nopf` (pattern `index`, phase `phase`) on its unit.
-// A file that cannot be opened stops the run with its message.
-void OpenFiles(Job& job, int nopf, int index, int phase);
+// The kinds of file of a run, numbered as the options of the file set.
+enum class FileKind : int {
+  kControl = 1,           // .pcr, on Unit::Control
+  kOutput = 2,            // .out and .sum
+  kSymmetry = 3,          // .sym
+  kRpa = 4,               // .rpa, appended to when it exists
+  kData = 5,              // .dat, .uxd or .acq of the pattern
+  kReflectionInput = 6,   // reflections read from a file
+  kFourier = 7,           // .fou
+  kReflectionOutput = 8,  // .hkl written by the final report
+  kSav = 9,               // .sav, appended to when it exists
+  kReflectionBack = 10,   // .hkl written back with the phase digit
+  kProfile = 11,          // .prf
+  kBackground = 12,       // .bac of the data code
+  kResolution = 13,       // the resolution file named in the control file
+  kSimulated = 14,        // .sim
+  kSchakal = 15,          // .sch
+  kNewControl = 16,       // .new
+  kShelx = 17,            // .ins (index 0) or .inp
+  kAtoms = 18,            // .atm
+  kPhasePattern = 19,     // .sub
+  kShape = 20,            // .shp of the run or global.shp
+  kCorrections = 21,      // .cor of the pattern or the common one
+  kIntensities = 22,      // .int written by the final report
+  kMultiPattern = 1000,   // no file: switches on the pattern suffix
+};
+
+// Opens the file of `kind` (pattern `index`, phase `phase`) on its unit.
+// A file that cannot be opened stops the run with its message, as does a
+// kind outside the list.
+void OpenFiles(Job& job, FileKind kind, int index, int phase);
 
 // "_" and the pattern number in a multi-pattern run, otherwise empty.
 std::string PatternSuffix(const Job& job, int index);

@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+#include "records/profile_slots.h"
+
 namespace corvinet {
 namespace {
 
@@ -12,7 +14,8 @@ constexpr float kFloor = 1.0e-04f;      // the smallest factor a point keeps
 }  // namespace
 
 AsymmetryParameters AsymmetryParametersOf(const PhasePattern& c) {
-  return AsymmetryParameters{c.PAR[14], c.PAR[35], c.PAR[36], c.PAR[37]};
+  using namespace ProfileSlot;
+  return AsymmetryParameters{c.PAR[Asy1], c.PAR[Asy2], c.PAR[Asy3], c.PAR[Asy4]};
 }
 
 AsymmetryFactorTerms AsymmetryFactor(float delta, float H, float tanTheta, float tan2Theta,

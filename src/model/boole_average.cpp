@@ -14,7 +14,7 @@ constexpr float kWeight[kNodes] = {7.0f, 32.0f, 12.0f, 32.0f, 7.0f};
 
 template <bool kSlopes>
 float Average(const PeakShape& s, float asy1, float tan2Theta, ProfilePoint& p, ProfileSlopes* d) {
-  const float eta = (s.code == 12 && p.delta > 0.0f) ? s.eta2 : s.eta;
+  const float eta = (s.code == ProfileCode::kSplitPseudoVoigt && p.delta > 0.0f) ? s.eta2 : s.eta;
   const float invH = 1.0f / p.H;
   const float a = p.delta * invH;
   const float bScale = invH / tan2Theta;

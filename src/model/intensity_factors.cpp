@@ -3,17 +3,13 @@
 
 #include <cmath>
 
+#include "records/profile_slots.h"
 #include "surface/console.h"
 
 namespace corvinet {
 namespace {
 
 constexpr float kQuarterPiSquared = 2.467401f;  // (π/2)², the squared angle of c = 0
-
-// Profile slots of a phase in a pattern.
-constexpr int kBov = 2;
-constexpr int kPref1 = 12;
-constexpr int kPref2 = 13;
 
 // Global slots of the microabsorption.
 constexpr int kP0 = 27;
@@ -56,7 +52,8 @@ PreferredOrientation OrientationOf(Job& job, const Pattern& p, const PhasePatter
                                    const CorrectionInput& in, const Table2<double, 3, 3>& gStar) {
   if (!UsesPreferredOrientation(c)) return PreferredOrientation{};
   const float cos2 = OrientationCos2(in.h, c.PREF, gStar, in.Q);
-  return PreferredOrientationFactor(job, p.NORI, c.PAR[kPref1], c.PAR[kPref2], cos2);
+  return PreferredOrientationFactor(job, p.NORI, c.PAR[ProfileSlot::Pref1],
+                                    c.PAR[ProfileSlot::Pref2], cos2);
 }
 
 // The Pref1 and Pref2 rows of the intensity I: I (dP/dPref)/P. Without
@@ -102,8 +99,8 @@ PreferredOrientation PreferredOrientationFactor(Job& job, int NORI, float pref1,
 }
 
 bool UsesPreferredOrientation(const PhasePattern& c) {
-  return c.PAR[kPref1] != 0.0f || c.PAR[kPref2] != 0.0f || c.PACtyped[kPref1] != 0.0f ||
-         c.PACtyped[kPref2] != 0.0f;
+  return c.PAR[ProfileSlot::Pref1] != 0.0f || c.PAR[ProfileSlot::Pref2] != 0.0f ||
+         c.PACtyped[ProfileSlot::Pref1] != 0.0f || c.PACtyped[ProfileSlot::Pref2] != 0.0f;
 }
 
 bool UsesSurfaceRoughness(const Pattern& p) {
@@ -134,7 +131,7 @@ IntensityCorrections IntensityFactors(Job& job, int ip, int k, const CorrectionI
   IntensityCorrections out;
   out.P = po.P;
   out.SR = sr.SR;
-  out.Corr = std::exp(-2.0f * c.PAR[kBov] * in.s2) * po.P * sr.SR * weight;
+  out.Corr = std::exp(-2.0f * c.PAR[ProfileSlot::Bov] * in.s2) * po.P * sr.SR * weight;
   out.intensity = in.F2 * out.Corr;
   if (!refined) return out;
   out.dBov = -2.0f * in.s2 * out.intensity;
@@ -155,7 +152,7 @@ IntensityCorrections EnergyIntensityFactors(Job& job, int ip, int k, const Corre
   const float s2 = 0.25f * in.Q;
   IntensityCorrections out;
   out.P = po.P;
-  out.Corr = std::exp(-2.0f * c.PAR[kBov] * s2) * po.P;
+  out.Corr = std::exp(-2.0f * c.PAR[ProfileSlot::Bov] * s2) * po.P;
   out.intensity = in.F2 * out.Corr;
   if (!refined) return out;
   out.dBov = -2.0f * s2 * out.intensity;

@@ -103,14 +103,14 @@ float IntensityCorrection(const Pattern& p, float x) {
 }
 
 float LorentzPolarisation(const Pattern& p, float sin2Theta, float cosTheta, float twoTheta) {
-  if (p.IXUNIT == kTimeOfFlight) {
+  if (p.IXUNIT == AbscissaUnit::kTimeOfFlight) {
     const float d = sin2Theta;
     const float d2 = d * d;
     float lp = 0.5f * p.TwoSinTh * d2 * d2;
     if (p.ICORR != 0) lp *= IntensityCorrection(p, twoTheta);
     return lp;
   }
-  if (p.IXUNIT == kEnergy) {
+  if (p.IXUNIT == AbscissaUnit::kEnergy) {
     const float d = sin2Theta;
     return d * d;
   }
@@ -119,7 +119,7 @@ float LorentzPolarisation(const Pattern& p, float sin2Theta, float cosTheta, flo
 
 float ReflectionLorentzPolarisation(const Pattern& p, double q, int w, float position) {
   if (!(q > 0.0)) return 0.0f;
-  if (p.IXUNIT == kTimeOfFlight || p.IXUNIT == kEnergy) {
+  if (IsTofOrEnergy(p.IXUNIT)) {
     const float d = static_cast<float>(1.0 / std::sqrt(q));
     return LorentzPolarisation(p, d, 0.0f, position);
   }

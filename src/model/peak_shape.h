@@ -12,7 +12,7 @@ namespace corvinet {
 // PreparePeakShape and then read at every point under the peak. Plain data:
 // it can be copied into a ring slot next to the reflection's derivatives.
 struct PeakShape {
-  int code = 0;           // ProfileCode
+  ProfileCode code{};     // profile of the reflection
   float position = 0.0f;  // corrected peak position T, in degrees
   float twoTheta = 0.0f;  // Bragg position, in degrees
   float tanTheta = 0.0f;
@@ -65,7 +65,8 @@ struct ProfileSlopes {
 inline bool PointInBase(const PeakShape& shape, float x, float wdt, ProfilePoint& point) {
   point.x = x;
   point.delta = x - shape.position;
-  point.H = (shape.code == 12 && point.delta > 0.0f) ? shape.H2 : shape.H;
+  point.H =
+      (shape.code == ProfileCode::kSplitPseudoVoigt && point.delta > 0.0f) ? shape.H2 : shape.H;
   const float u = point.delta / point.H;
   point.x2 = u * u;
   return point.x2 <= wdt * wdt;

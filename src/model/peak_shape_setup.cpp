@@ -5,6 +5,7 @@
 
 #include "format/fortran_format.h"
 #include "model/pseudo_voigt.h"
+#include "records/profile_slots.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -14,17 +15,16 @@ namespace {
 constexpr float kDegreesToRadians = 0.017453292f;
 constexpr float kRadiansToDegrees = 57.29578f;
 
-namespace Slot {
-constexpr int X = 15, Y = 16, Shape1 = 17, Shp1 = 41, Shp2 = 42, Etar = 49, Xr = 50;
-}  // namespace Slot
+namespace Slot = ProfileSlot;
 
 // Global slots of the pattern.
 constexpr int kZero = 1;
 constexpr int kSycos = 8;
 constexpr int kSysin = 9;
 
-bool KnownCode(int code) {
-  return code >= 1 && code <= 13;
+bool KnownCode(ProfileCode code) {
+  return StoredNumber(code) >= StoredNumber(ProfileCode::kGaussian) &&
+         StoredNumber(code) <= StoredNumber(ProfileCode::kAxialDivergence);
 }
 
 void SetWidth(float h, PeakShape& s) {
@@ -74,7 +74,7 @@ float CorrectedPosition(const Pattern& pattern, float twoTheta) {
 
 PeakShape PreparePeakShape(const Pattern& pattern, const WidthParameters& par,
                            const NumericalProfile& numerical, const ReflectionShapeInput& in) {
-  if (!KnownCode(in.code)) throw PeakError{PeakFailure::UnknownCode, 0.0f, 0, in.code};
+  if (!KnownCode(in.code)) throw PeakError{PeakFailure::UnknownCode, 0.0f, 0, StoredNumber(in.code)};
   PeakShape s;
   s.code = in.code;
   s.twoTheta = in.twoTheta;
@@ -83,23 +83,23 @@ PeakShape PreparePeakShape(const Pattern& pattern, const WidthParameters& par,
   s.position = CorrectedPosition(pattern, in.twoTheta);
   SetWidth(in.widths.H, s);
   switch (in.code) {
-    case 5:
+    case ProfileCode::kTripledPseudoVoigt:
       SetTripled(par, in, s);
       break;
-    case 6:
-    case 13:
+    case ProfileCode::kPseudoVoigt:
+    case ProfileCode::kAxialDivergence:
       s.eta = par[Slot::Shape1] + par[Slot::X] * in.twoTheta;
       break;
-    case 7:
+    case ProfileCode::kPearsonVII:
       s.pearson = PearsonConstants(PearsonExponent(par, in.twoTheta));
       break;
-    case 8:
+    case ProfileCode::kTchPseudoVoigt:
       SetTch(in, s);
       break;
-    case 9:
+    case ProfileCode::kNumerical:
       s.numerical = &numerical;
       break;
-    case 12:
+    case ProfileCode::kSplitPseudoVoigt:
       SetSplit(par, in, s);
       break;
     default:
@@ -111,28 +111,28 @@ PeakShape PreparePeakShape(const Pattern& pattern, const WidthParameters& par,
 ShapeSlotSlopes ShapeParameterSlopes(const PeakShape& s, const ProfileSlopes& d) {
   ShapeSlotSlopes out;
   switch (s.code) {
-    case 5:
+    case ProfileCode::kTripledPseudoVoigt:
       out.Shape1 = d.eta;
       out.X = d.w1;
       out.Y = d.w2;
       out.Shp1 = d.D * s.tanTheta * kRadiansToDegrees;
       out.Shp2 = d.w2 * s.tanTheta;
       break;
-    case 6:
-    case 13:
+    case ProfileCode::kPseudoVoigt:
+    case ProfileCode::kAxialDivergence:
       out.Shape1 = d.eta;
       out.X = d.eta * s.twoTheta;
       break;
-    case 7:
+    case ProfileCode::kPearsonVII:
       out.Shape1 = d.m;
       out.X = d.m * 100.0f / s.twoTheta;
       out.Y = d.m * 10000.0f / (s.twoTheta * s.twoTheta);
       break;
-    case 8:
+    case ProfileCode::kTchPseudoVoigt:
       out.X = d.lorentzian * s.tanTheta;
       out.Y = d.lorentzian / s.cosTheta;
       break;
-    case 12:
+    case ProfileCode::kSplitPseudoVoigt:
       out.Shape1 = d.eta;
       out.X = d.eta * s.twoTheta;
       out.Etar = d.eta2;
@@ -144,8 +144,8 @@ ShapeSlotSlopes ShapeParameterSlopes(const PeakShape& s, const ProfileSlopes& d)
   return out;
 }
 
-void RequireResolutionShape(Job& job, int ip, int code) {
-  if (job.patterns[ip].IRESO == 0 || code == 8) return;
+void RequireResolutionShape(Job& job, int ip, ProfileCode code) {
+  if (job.patterns[ip].IRESO == 0 || code == ProfileCode::kTchPseudoVoigt) return;
   ConsoleLine(job, Fmt("(A,I3)", " Illegal use of resolution function for pattern: ", ip));
   WarningBox(job, " ===>>> Illegal use of resolution function!! ");
   StopBox(job, "        NPROF must be equal to 7!  ");

@@ -8,8 +8,8 @@ namespace corvinet {
 
 // What the shape needs of one reflection of one phase in one pattern.
 struct ReflectionShapeInput {
-  int code = 6;           // ProfileCode of the reflection
-  float twoTheta = 0.0f;  // Bragg position in degrees
+  ProfileCode code = ProfileCode::kPseudoVoigt;  // profile of the reflection
+  float twoTheta = 0.0f;                         // Bragg position in degrees
   float tanTheta = 0.0f;
   PeakWidths widths;  // from PeakWidth
 };
@@ -48,6 +48,6 @@ ShapeSlotSlopes ShapeParameterSlopes(const PeakShape& shape, const ProfileSlopes
 // pattern with IRESO writes " Illegal use of resolution function for
 // pattern: " with the pattern, shows " ===>>> Illegal use of resolution
 // function!! " and stops with "        NPROF must be equal to 7!  ".
-void RequireResolutionShape(Job& job, int ip, int code);
+void RequireResolutionShape(Job& job, int ip, ProfileCode code);
 
 }  // namespace corvinet

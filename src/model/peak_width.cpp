@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "model/tch_widths.h"
+#include "records/profile_slots.h"
 
 namespace corvinet {
 
@@ -12,11 +13,7 @@ namespace {
 constexpr float kDegreesToRadians = 0.017453292f;
 constexpr float kLorentzFloor = 1.0e-06f;
 
-// Slots of the profile parameters used by the width law.
-namespace Slot {
-constexpr int U = 3, V = 4, W = 5, X = 15, Y = 16, GauSiz = 28, Shp1 = 41, Shp2 = 42;
-constexpr int U2 = 43, V2 = 44, W2 = 45, Ur = 46, Vr = 47, Wr = 48;
-}  // namespace Slot
+namespace Slot = ProfileSlot;
 
 // Global slots of the pattern: the cos and sin displacement terms.
 constexpr int kSycos = 8;
@@ -84,14 +81,14 @@ float SplitSidePosition(const Pattern& pattern, float twoTheta) {
 PeakWidths PeakWidth(const Pattern& pattern, const WidthParameters& par, const WidthInput& in) {
   const float square = MainWidthSquare(pattern, par, in);
   PeakWidths out;
-  if (in.code == 12) {
+  if (in.code == ProfileCode::kSplitPseudoVoigt) {
     SplitWidths(pattern, par, in, square, out);
     return out;
   }
   if (square <= 0.0f) RefuseNegativeSquare(in.twoTheta, in.phase);
   out.HG = std::sqrt(square);
   out.H = out.HG;
-  if (in.code == 8) CombineTch(par, in, out);
+  if (in.code == ProfileCode::kTchPseudoVoigt) CombineTch(par, in, out);
   return out;
 }
 

@@ -65,7 +65,7 @@ float PseudoVoigtShape(const PeakShape& s, ProfilePoint& p, ProfileSlopes* d) {
     DistanceSlopes(p, *d);
     if (pv == 0.0f) d->width = 0.0f;
     d->eta = PseudoVoigtEtaSlope(t) * invPv;
-    if (s.code == 8) {
+    if (s.code == ProfileCode::kTchPseudoVoigt) {
       d->gaussian = d->width * s.tch.dHdG + d->eta * s.tch.dEtadG;
       d->lorentzian = d->width * s.tch.dHdL + d->eta * s.tch.dEtadL;
     }
@@ -180,24 +180,24 @@ float Numerical(const PeakShape& s, ProfilePoint& p, ProfileSlopes* d) {
 template <bool kSlopes>
 float Evaluate(const PeakShape& s, ProfilePoint& p, ProfileSlopes* d) {
   switch (s.code) {
-    case 1:
+    case ProfileCode::kGaussian:
       return Gaussian<kSlopes>(s, p, d);
-    case 2:
+    case ProfileCode::kLorentzian:
       return Lorentzian<kSlopes>(s, p, d);
-    case 3:
+    case ProfileCode::kModifiedLorentzian1:
       return ModifiedLorentzian1<kSlopes>(s, p, d);
-    case 4:
+    case ProfileCode::kModifiedLorentzian2:
       return ModifiedLorentzian2<kSlopes>(s, p, d);
-    case 5:
+    case ProfileCode::kTripledPseudoVoigt:
       return TripledPseudoVoigt<kSlopes>(s, p, d);
-    case 6:
-    case 8:
+    case ProfileCode::kPseudoVoigt:
+    case ProfileCode::kTchPseudoVoigt:
       return PseudoVoigtShape<kSlopes>(s, p, d);
-    case 7:
+    case ProfileCode::kPearsonVII:
       return PearsonVII<kSlopes>(s, p, d);
-    case 9:
+    case ProfileCode::kNumerical:
       return Numerical<kSlopes>(s, p, d);
-    case 12:
+    case ProfileCode::kSplitPseudoVoigt:
       return SplitPseudoVoigt<kSlopes>(s, p, d);
     default:
       // Dispatch point of codes 10, 11 (time of flight) and 13 (axial

@@ -54,7 +54,7 @@ FileSegment SegmentAt(const Pattern& p, int i) {
 
 void ReadBackgroundFile(Job& job, int ip) {
   Pattern& p = job.patterns[ip];
-  OpenFiles(job, 12, ip, 0);
+  OpenFiles(job, FileKind::kBackground, ip, 0);
   TextUnit& unit = job.files.units[Unit::Background];
   std::string record;
   if (ReadRecord(unit, record) != RecordRead::Ok) StopAtEndOfFile(job);  // title

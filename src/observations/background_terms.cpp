@@ -51,15 +51,15 @@ void AddPolynomialDerivatives(const Pattern& pattern, float x, int terms, float 
 
 float DebyeReciprocal(const Pattern& pattern, float x) {
   switch (pattern.IXUNIT) {
-    case 0:
+    case AbscissaUnit::kTwoTheta:
       return 12.566371f * std::sin(0.008726646f * x) / pattern.LAMBDA[1];
-    case 1:
+    case AbscissaUnit::kTimeOfFlight:
       return 6.2831855f * pattern.Dtt1 / x;
-    case 2:
+    case AbscissaUnit::kEnergy:
       return 6.2831855f * x / pattern.Dtt1;
-    case 3:
+    case AbscissaUnit::kQ:
       return x;
-    case 4:
+    case AbscissaUnit::kInverseD:
       return 0.07957747f * x;
     default:
       return 0.0f;

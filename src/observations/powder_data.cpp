@@ -121,7 +121,7 @@ void ReadPattern(Job& job, int ip) {
   if (!KnownFormat(job.patterns[ip].INSTR)) StopData(job, " Invalid INSTR parameter ");
   DataFile file(job, ip);
   {
-    OpenFiles(job, 5, ip, 0);
+    OpenFiles(job, FileKind::kData, ip, 0);
     DataUnitCloser closer{job};
     ReadByFormat(file);
   }

@@ -17,20 +17,27 @@
 
 namespace corvinet {
 
+// The answer of the continue dialogs.
+enum class DriverAnswer {
+  kSameData,   // run the same control file again
+  kOtherData,  // choose another job
+  kStop,       // end the program
+};
+
 // What the run driver keeps for the whole process.
 struct DriverState {
-  std::string commandLine;
-  int commandLineLength = 0;
-  std::string PcrCode;
-  std::string DatCode;
-  std::string startDirectory;
-  std::string envDirectory;
-  std::string dirMemoryPath;
-  bool dirMemoryOpen = false;
-  int cyclicMode = 0;
-  char answer = 's';
-  double cpuStart = 0.0;
-  double cpuEnd = 0.0;
+  std::string commandLine;                        // the arguments, joined by blanks
+  int commandLineLength = 0;                      // its length; 0 once the arguments are used
+  std::string PcrCode;                            // control-file code of the job
+  std::string DatCode;                            // data-file code of the job
+  std::string startDirectory;                     // directory the file dialog starts in
+  std::string envDirectory;                       // directory named by CORVINET, with a slash
+  std::string dirMemoryPath;                      // file that remembers the start directory
+  bool dirMemoryOpen = false;                     // that file is open
+  int cyclicMode = 0;                             // 1 while a series of data files is run
+  DriverAnswer answer = DriverAnswer::kSameData;  // answer of the last continue dialog
+  double cpuStart = 0.0;                          // CPU clock at the start of the run, seconds
+  double cpuEnd = 0.0;                            // CPU clock at the end of the run, seconds
 };
 
 // Everything a run reads and computes; cleared by ResetDefaults before each run.

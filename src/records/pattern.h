@@ -4,8 +4,10 @@
 #include <cstdlib>
 #include <string>
 
+#include "records/abscissa_unit.h"
 #include "records/codeword.h"
 #include "records/dimension_limits.h"
+#include "records/profile_code.h"
 #include "records/reflection.h"
 #include "records/table1.h"
 
@@ -15,14 +17,14 @@ namespace corvinet {
 // terms, or a neutron scattering length, or a form factor by coefficients or
 // by a table of points.
 struct ScatteringEntry {
-  std::string NAM;        // species name, at most 4 characters
-  float Fprime = 0.0f;    // f', or the scattering length
-  float Fsecond = 0.0f;   // f''
-  int ITAB = 0;           // entry type
-  Table1<float, 9> coef;  // form-factor coefficients
-  int tablePoints = 0;    // points of a table, at most 59
-  Table1<float, 59> tableX;
-  Table1<float, 59> tableY;
+  std::string NAM;           // species name, at most 4 characters
+  float Fprime = 0.0f;       // f', or the scattering length
+  float Fsecond = 0.0f;      // f''
+  int ITAB = 0;              // entry type
+  Table1<float, 9> coef;     // form-factor coefficients
+  int tablePoints = 0;       // points of a table, at most 59
+  Table1<float, 59> tableX;  // abscissae of a table of points
+  Table1<float, 59> tableY;  // form factors at tableX
 };
 
 struct Pattern {
@@ -30,8 +32,8 @@ struct Pattern {
   std::string DatCode;         // data-file stem
   std::string ResolutionFile;  // resolution-file name
   int JOBTYP = 0;              // job type (Job)
-  int NPROF = 6;               // profile function as stored: the typed number plus 1 (Npr)
-  int NBCKGD = 0;              // magnitude of the background code (Nba)
+  int NPROF = 6;   // profile function (Npr): as typed while read, then its ProfileCode number
+  int NBCKGD = 0;  // magnitude of the background code (Nba)
   int backgroundSign = 1;      // sign of the typed background code
   int noBackgroundPoints = 0;  // 1 for the background forms that read no points
   int NEXCRG = 0;              // excluded regions (Nex)
@@ -43,12 +45,14 @@ struct Pattern {
   int IASYM = 0;               // asymmetry model (Asym)
   int IRESO = 0;               // resolution function (Res)
   int ISTEP = 0;               // point reduction factor (Ste)
-  int IXUNIT = 0;              // abscissa unit (Uni)
-  int ICORR = 0;               // intensity corrections from file (Cor)
-  int IOT = 0;                 // print observed and calculated intensities (Ipr)
-  int IPL = 0;                 // plot and background file output (Ppl)
-  int IPC = 1;                 // integrated intensities output (Ioc)
-  int LST1 = 0, LST2 = 0, LST3 = 0;
+  AbscissaUnit IXUNIT = AbscissaUnit::kTwoTheta;  // abscissa unit (Uni)
+  int ICORR = 0;                                  // intensity corrections from file (Cor)
+  int IOT = 0;                                    // print observed and calculated intensities (Ipr)
+  int IPL = 0;                                    // plot and background file output (Ppl)
+  int IPC = 1;                                    // integrated intensities output (Ioc)
+  int LST1 = 0;                                   // print the reflection list (Ls1)
+  int LST2 = 0;                // 1 print corrected data, 2 plot the pattern each cycle (Ls2)
+  int LST3 = 0;                // print the merged reflection list (Ls3)
   int IPL2 = 1;                // .prf file (Prf)
   int INSTR = 0;               // data-file format (Ins)
   int JLKH = 0;                // reflection file (Hkl)
@@ -71,7 +75,7 @@ struct Pattern {
   float AsyLim = 0.0f;                            // asymmetry applied below this angle
   float Rpolarz = 0.0f;                           // polarisation
   float THMIN = 0.0f, STEP = 0.0f, THMAX = 0.0f;  // range and step
-  float PSD = 0.0f;
+  float PSD = 0.0f;      // incidence angle of a position-sensitive detector
   float Sent0 = 0.0f;    // low-angle limit of the scale correction
   int MORE = 0;          // microabsorption line follows
   int equalStep = 1;     // 1 when the abscissa is equidistant
@@ -81,42 +85,42 @@ struct Pattern {
   float Dtt1 = 0.0f, Dtt2 = 0.0f, TwoSinTh = 0.0f;  // TOF / energy conversion constants
 
   // Global parameters with their typed codes and decoded codewords.
-  Table1<float, DimensionLimits::NGL> GLB;
-  Table1<float, DimensionLimits::NGL> GLBcode;
-  Table1<Codeword, DimensionLimits::NGL> GLBword;
+  Table1<float, DimensionLimits::NGL> GLB;         // global values: zero, background, Dtt...
+  Table1<float, DimensionLimits::NGL> GLBcode;     // their codes as typed
+  Table1<Codeword, DimensionLimits::NGL> GLBword;  // decoded codes
 
   // Background points and excluded regions.
   Table1<float, DimensionLimits::IBACP + 1> BackPos;
   Table1<float, DimensionLimits::IBACP + 1> BackInt;
   Table1<float, DimensionLimits::IBACP + 1> BackIntCode;
-  Table1<float, DimensionLimits::IEXCL> ExclLow;
-  Table1<float, DimensionLimits::IEXCL> ExclHigh;
-  float FourierWindow = 0.0f;
+  Table1<float, DimensionLimits::IEXCL> ExclLow;   // low end of each excluded region
+  Table1<float, DimensionLimits::IEXCL> ExclHigh;  // high end of each excluded region
+  float FourierWindow = 0.0f;                      // window of the Fourier filtering, in points
 
   // Additional scattering entries.
-  Table1<ScatteringEntry, DimensionLimits::N_SPE> scattering;
-  int scatteringTypeSum = 0;  // sum of ITAB over the entries
+  Table1<ScatteringEntry, DimensionLimits::N_SPE> scattering;  // entries 1..scatteringCount
+  int scatteringTypeSum = 0;                                   // sum of ITAB over the entries
 
   // Scales of the line-printer plot, read from the end lines.
-  int Iscale = 100;
-  int Idif = 100;
+  int Iscale = 100;  // counts per column of the plotted pattern
+  int Idif = 100;    // counts per column of the plotted difference
 
   // Intensity-correction table of the .cor file.
-  int corrMode = 1;
-  int corrForm = 1;
-  int corrCount = 0;
-  Table1<float, DimensionLimits::NPRC> corrX;
-  Table1<float, DimensionLimits::NPRC> corrY;
+  int corrMode = 1;                            // 1 coefficients, 2 a table of points
+  int corrForm = 1;                            // form of the correction
+  int corrCount = 0;                           // coefficients or points read
+  Table1<float, DimensionLimits::NPRC> corrX;  // abscissae of the points (mode 2)
+  Table1<float, DimensionLimits::NPRC> corrY;  // coefficients, or the corrections at corrX
 
   // Per-point arrays.
-  int NPTS = 0;
-  Table1<float, DimensionLimits::IDSZ> X;
-  Table1<float, DimensionLimits::IDSZ> Ytotal;
-  Table1<float, DimensionLimits::IDSZ> Variance;
-  Table1<float, DimensionLimits::IDSZ> Backg;
-  Table1<float, DimensionLimits::IDSZ> Ycalc;
-  Table1<float, DimensionLimits::IDSZ> CountNorm;
-  Table1<int, DimensionLimits::IDSZ> OrderCode;
+  int NPTS = 0;                                    // points of the pattern
+  Table1<float, DimensionLimits::IDSZ> X;          // abscissa of each point
+  Table1<float, DimensionLimits::IDSZ> Ytotal;     // observed intensity
+  Table1<float, DimensionLimits::IDSZ> Variance;   // variance of the observed intensity
+  Table1<float, DimensionLimits::IDSZ> Backg;      // background
+  Table1<float, DimensionLimits::IDSZ> Ycalc;      // calculated intensity
+  Table1<float, DimensionLimits::IDSZ> CountNorm;  // count normalisation of each point
+  Table1<int, DimensionLimits::IDSZ> OrderCode;    // reflections under the point, or excluded
 
   // Background model state.
   int backReadCount = 0;                             // pairs read from the .bac file
@@ -129,17 +133,22 @@ struct Pattern {
   Table2<float, DimensionLimits::IBACP + 1, DimensionLimits::IBACP + 1> backSplineGain;
 
   // Reflections of all phases.
-  ReflectionTable reflections;
+  ReflectionTable reflections;  // reflections of all phases in this pattern
 };
+
+// The profile function of a pattern, once the run block is read.
+inline ProfileCode ProfileOf(const Pattern& p) {
+  return ProfileCodeOf(p.NPROF);
+}
 
 // Numerical peak shapes of the .shp file, shared by all patterns.
 struct NumericalProfile {
-  int shapePoints = 0;
-  int shapeCount = 0;
-  Table1<float, DimensionLimits::INPR> shapeAngle;
-  Table1<float, DimensionLimits::NPR> shapeX;
-  Table2<float, DimensionLimits::NPR, DimensionLimits::INPR> shapeY;
-  Table2<float, DimensionLimits::NPR, DimensionLimits::INPR> shapeDy;
+  int shapePoints = 0;                                                 // points of each shape
+  int shapeCount = 0;                                                  // shapes, one per angle
+  Table1<float, DimensionLimits::INPR> shapeAngle;                     // angle of each shape
+  Table1<float, DimensionLimits::NPR> shapeX;                          // abscissae of the points
+  Table2<float, DimensionLimits::NPR, DimensionLimits::INPR> shapeY;   // shape values
+  Table2<float, DimensionLimits::NPR, DimensionLimits::INPR> shapeDy;  // their slopes
 };
 
 // A neutron job type: |JOBTYP| 1 (refinement, -1 time of flight) or 3 (calculation).

@@ -25,19 +25,19 @@ struct RunOptions {
   float EPS = 0.2f;   // convergence value
   int MAXS = 0;       // number of refined parameters
   Table1<float, 5> relaxationFactor{{1.0f, 1.0f, 1.0f, 1.0f, 1.0f}};  // R_at, R_an, R_pr, R_gl
-  int Nconfg = 0;             // Monte Carlo: configurations to test
-  int Nsolu = 0;              // Monte Carlo: solutions to print
-  int Num_Ref = 0;            // Monte Carlo: observations used
-  int Nscalef = 0;            // Monte Carlo: scale factor calculated automatically
-  float rpaRangeLow = 0.0f;   // angular range of the .rpa statistics (2Th1)
-  float rpaRangeHigh = 0.0f;  // (2Th2)
-  int commentedOutput = 1;
-  int firstFurtherParameter = 59;
-  bool ConvergenceTestActive = false;
-  bool integratedObservations = false;
-  bool restraintsPresent = false;    // some phase has distance or moment restraints
-  bool singlePatternForm = true;     // the head had no NPATT line
-  bool controlFileComplete = false;  // the whole control file was read
+  int Nconfg = 0;                       // Monte Carlo: configurations to test
+  int Nsolu = 0;                        // Monte Carlo: solutions to print
+  int Num_Ref = 0;                      // Monte Carlo: observations used
+  int Nscalef = 0;                      // Monte Carlo: scale factor calculated automatically
+  float rpaRangeLow = 0.0f;             // angular range of the .rpa statistics (2Th1)
+  float rpaRangeHigh = 0.0f;            // (2Th2)
+  int commentedOutput = 1;              // 1: the control file is written with comment lines
+  int firstFurtherParameter = 59;       // slot before the first further parameter
+  bool ConvergenceTestActive = false;   // the cycles stop on convergence
+  bool integratedObservations = false;  // some phase has |Irf| 4
+  bool restraintsPresent = false;       // some phase has distance or moment restraints
+  bool singlePatternForm = true;        // the head had no NPATT line
+  bool controlFileComplete = false;     // the whole control file was read
 };
 
 }  // namespace corvinet

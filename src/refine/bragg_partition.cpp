@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "observations/background.h"
+#include "records/profile_slots.h"
 #include "records/reflection.h"
 #include "refine/bragg_factors.h"
 #include "refine/excluded_points.h"
@@ -67,7 +68,7 @@ ReflectionShare PartitionReflection(const Job& job, int ip, int k, const BraggPr
     iobs += (p.Ytotal[i] - BackgroundAt(p, i)) / y * delta * omega;
   }
   if (iobs < 0.0f) iobs = kSmallestIobs;
-  const float scale = job.phases[KeyPhase(r.key)].pat[ip].PAR[1];
+  const float scale = job.phases[KeyPhase(r.key)].pat[ip].PAR[ProfileSlot::Scale];
   const float c = r.LpM * scale * r.F2 * r.Corr;
   share.Iobs = iobs * c;
   share.Icalc = icalc * c;
@@ -92,7 +93,7 @@ void ExtractIntensity(Job& job, int ip, int k, float iobs) {
       }
     }
   }
-  const float scale = job.phases[KeyPhase(r.key)].pat[ip].PAR[1];
+  const float scale = job.phases[KeyPhase(r.key)].pat[ip].PAR[ProfileSlot::Scale];
   r.F2 = iobs / (r.Corr * scale * r.LpM);
 }
 

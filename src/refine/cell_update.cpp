@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "crystal/metric.h"
+#include "records/profile_slots.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -12,7 +13,6 @@ namespace corvinet {
 namespace {
 
 constexpr double kRadianToDegree = 57.29577951308232;
-constexpr int kFirstCellSlot = 6;
 using Matrix3 = std::array<std::array<double, 3>, 3>;
 
 // Inverse of a 3x3 matrix by cofactors; false when the determinant vanishes.
@@ -73,9 +73,9 @@ Matrix3 DirectMetricDerivative(const Matrix3& g, const Matrix3& dStar) {
 CoefficientCovariance CoefficientCovarianceOf(const Job& job, const PhasePattern& pp) {
   CoefficientCovariance v{};
   for (int i = 0; i < 6; ++i) {
-    const Codeword& wi = pp.PAC[kFirstCellSlot + i];
+    const Codeword& wi = pp.PAC[ProfileSlot::FirstCell + i];
     for (int j = 0; j < 6; ++j) {
-      const Codeword& wj = pp.PAC[kFirstCellSlot + j];
+      const Codeword& wj = pp.PAC[ProfileSlot::FirstCell + j];
       if (wi.parameterNumber <= 0 || wj.parameterNumber <= 0) continue;
       v[i][j] = static_cast<double>(wi.multiplier) * wj.multiplier *
                 job.refinement.normal.A(wi.parameterNumber, wj.parameterNumber);
@@ -145,7 +145,7 @@ void UpdateCell(Job& job, int phase, int ip) {
   PhasePattern& pp = job.phases[phase].pat[ip];
   CellStatistics& stats = job.limits.cells(phase, ip);
   Table1<float, 6> coefficients;
-  for (int i = 1; i <= 6; ++i) coefficients[i] = pp.PAR[kFirstCellSlot - 1 + i];
+  for (int i = 1; i <= 6; ++i) coefficients[i] = pp.PAR[ProfileSlot::FirstCell - 1 + i];
   const CellWithSigma result =
       CellAndSigmaFromCoefficients(coefficients, CoefficientCovarianceOf(job, pp));
   Table1<float, 6> cell = result.cell;
@@ -155,7 +155,7 @@ void UpdateCell(Job& job, int phase, int ip) {
   stats.sigma = result.sigma;
   pp.cellVolume = CellVolume(cell);
   stats.volumeSigma = VolumeSigma(cell, result.sigma, pp.cellVolume);
-  const int scaleParameter = pp.PAC[1].parameterNumber;
+  const int scaleParameter = pp.PAC[ProfileSlot::Scale].parameterNumber;
   stats.scaleVariance = scaleParameter > 0
                             ? std::fabs(job.refinement.normal.A(scaleParameter, scaleParameter))
                             : 0.0f;

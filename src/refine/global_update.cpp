@@ -80,7 +80,7 @@ GlobalTable ShiftGlobalParameters(Job& job, int ip, const UpdatePass& pass) {
   RecoverTransform(p, shown, Global::kTransformC, 0.1f);
   RecoverTransform(p, shown, Global::kTransformD, 3.0f);
   if (HasMicroabsorption(p)) ClampMicroabsorption(job, pass, p);
-  if (p.IXUNIT == 1 || p.IXUNIT == 2) {
+  if (IsTofOrEnergy(p.IXUNIT)) {
     p.Dtt1 = p.GLB[Global::kDtt1];
     p.Dtt2 = p.GLB[Global::kDtt2];
   }

@@ -9,6 +9,7 @@
 #include "crystal/reflection_generation.h"
 #include "format/bisection.h"
 #include "format/fortran_format.h"
+#include "records/profile_slots.h"
 #include "records/reflection.h"
 #include "refine/excluded_points.h"
 #include "surface/console.h"
@@ -36,20 +37,21 @@ PeakInterval PeakIntervalOf(const Job& job, int ip, int k) {
   float left = p.Wdt * H;
   float right = left;
   float shift = 0.0f;
-  const int code = c.Npr;
-  if (p.IXUNIT == 0) {
+  const ProfileCode code = ProfileOf(c);
+  if (p.IXUNIT == AbscissaUnit::kTwoTheta) {
     const float theta = 0.5f * r.position * kDegree;
     shift = p.GLB[8] * std::cos(theta) + p.GLB[9] * std::sin(2.0f * theta);
-    if (code == 12) right = p.Wdt * r.FwhmRight;
-  } else if (p.IXUNIT == 2) {
+    if (code == ProfileCode::kSplitPseudoVoigt) right = p.Wdt * r.FwhmRight;
+  } else if (p.IXUNIT == AbscissaUnit::kEnergy) {
     // The stored energy is Dtt1/d: the shift is the Dtt2 q term.
     const float q = (r.position / p.GLB[8]) * (r.position / p.GLB[8]);
     shift = p.GLB[9] * q;
   } else {
     const float d = r.position / p.Dtt1;
     shift = p.Dtt2 * d * d;
-    if (p.IXUNIT == 1) {
-      const float alpha0 = par[14], beta0 = par[35], alpha1 = par[36], beta1 = par[37];
+    if (p.IXUNIT == AbscissaUnit::kTimeOfFlight) {
+      using namespace ProfileSlot;
+      const float alpha0 = par[Asy1], beta0 = par[Asy2], alpha1 = par[Asy3], beta1 = par[Asy4];
       left = (H + kLog4 / (alpha1 / d + alpha0)) * p.Wdt;
       right = (H + kLog4 / (beta1 / (d * d * d * d) + beta0)) * p.Wdt;
     }
@@ -90,15 +92,15 @@ void MarkExcludedRegions(Pattern& p, Table1<int, DimensionLimits::IDSZ>& k11,
   }
 }
 
-const char* UnitText(int ixunit) {
+const char* UnitText(AbscissaUnit ixunit) {
   switch (ixunit) {
-    case 1:
+    case AbscissaUnit::kTimeOfFlight:
       return " T.O.F. us";
-    case 2:
+    case AbscissaUnit::kEnergy:
       return "Energy Kev";
-    case 3:
+    case AbscissaUnit::kQ:
       return "  Q-value ";
-    case 4:
+    case AbscissaUnit::kInverseD:
       return "  S-value ";
     default:
       return "  2theta  ";
@@ -145,17 +147,18 @@ void WritePointTable(Job& job, const Pattern& p, const Table1<int, DimensionLimi
 // Codes that cannot act: asymmetry refined with no peak under its limit, and
 // the second preferred-orientation value refined while both are zero.
 void CheckRefinedShapeCodes(Job& job, const Pattern& p, int ip, int firstValid) {
-  if (p.IXUNIT == 0 && firstValid > 0) {
+  if (p.IXUNIT == AbscissaUnit::kTwoTheta && firstValid > 0) {
     const Reflection& r = p.reflections.slot[firstValid];
     const Phase& first = job.phases[1];
-    if (r.position >= p.AsyLim && first.pat[ip].PAC[14].parameterNumber != 0) {
+    if (r.position >= p.AsyLim && first.pat[ip].PAC[ProfileSlot::Asy1].parameterNumber != 0) {
       StopWithReport(job, " => Asymmetry parameters usage invalid !!");
     }
   }
   for (int k = 1; k <= job.run.NPHASE; ++k) {
     const PhasePattern& c = job.phases[k].pat[ip];
     if (c.Contribution == 0) continue;
-    if (c.PAR[12] == 0.0f && c.PAR[13] == 0.0f && c.PAC[13].parameterNumber != 0) {
+    if (c.PAR[ProfileSlot::Pref1] == 0.0f && c.PAR[ProfileSlot::Pref2] == 0.0f &&
+        c.PAC[ProfileSlot::Pref2].parameterNumber != 0) {
       StopWithReport(job, " => Preferred orientation usage invalid !!");
     }
   }

@@ -1,56 +1,9 @@
 // Families of the refined parameters, from the slots that hold them.
 #include "refine/parameter_families.h"
 
-namespace corvinet {
+#include "records/profile_slots.h"
 
-Family FamilyOfProfileSlot(int s, int code) {
-  switch (s) {
-    case 1:
-    case 2:
-    case 12:
-    case 13:
-      return kIntensity;
-    case 3:
-    case 4:
-    case 5:
-    case 28:
-    case 43:
-    case 44:
-    case 45:
-      return code == 8 ? kGaussWidth : kWidth;
-    case 14:
-      return kAsym1;
-    case 35:
-      return kAsym2;
-    case 36:
-      return kAsym3;
-    case 37:
-      return kAsym4;
-    case 15:
-      return kShapeX;
-    case 16:
-      return kShapeY;
-    case 17:
-      return kShape1;
-    case 41:
-      return code == 12 ? kWidth : kShp1;
-    case 42:
-      return code == 12 ? kWidthRight : kShp2;
-    case 46:
-    case 47:
-    case 48:
-      return kWidthRight;
-    case 49:
-      return kEtar;
-    case 50:
-      return kXr;
-    default:
-      break;
-  }
-  if (s >= 6 && s <= 11) return kPosition;
-  if (s == 39 || s == 40) return kPosition;
-  return kWidth;  // strain and size terms broaden the peak
-}
+namespace corvinet {
 
 Family FamilyOfGlobalSlot(int n) {
   switch (n) {
@@ -93,7 +46,7 @@ void BuildParameterFamilies(Job& job) {
       const PhasePattern& c = ph.pat[ip];
       if (c.Contribution == 0) continue;
       for (int s = 1; s <= DimensionLimits::MPAR; ++s) {
-        Assign(job, c.PAC[s], FamilyOfProfileSlot(s, c.Npr));
+        Assign(job, c.PAC[s], ProfileSlotFamily(s, ProfileOf(c)));
       }
     }
     for (int a = 1; a <= ph.Nat && row < DimensionLimits::NATS; ++a) {

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "format/fortran_format.h"
+#include "records/profile_slots.h"
 
 namespace corvinet {
 
@@ -23,122 +24,11 @@ std::string BlockRow(std::string_view label, std::string_view word,
   return FormatText(format, all);
 }
 
-// Names of the profile slots of a phase with |Irf| not 4, in 2theta units.
-const char* ProfileName(int slot) {
-  switch (slot) {
-    case 1:
-      return "Scale";
-    case 2:
-      return "Bov";
-    case 3:
-      return "U";
-    case 4:
-      return "V";
-    case 5:
-      return "W";
-    case 12:
-      return "Pref1";
-    case 13:
-      return "Pref2";
-    case 14:
-      return "Asy1";
-    case 15:
-      return "X";
-    case 16:
-      return "Y";
-    case 17:
-      return "Shape1";
-    case 28:
-      return "GauSiz";
-    case 29:
-      return "LorSiz";
-    case 35:
-      return "Asy2";
-    case 36:
-      return "Asy3";
-    case 37:
-      return "Asy4";
-    case 38:
-      return "AsyP";
-    case 39:
-      return "Shift1";
-    case 40:
-      return "Shift2";
-    case 41:
-      return "Shp1";
-    case 42:
-      return "Shp2";
-    case 43:
-      return "U2";
-    case 44:
-      return "V2";
-    case 45:
-      return "W2";
-    case 46:
-      return "Ur";
-    case 47:
-      return "Vr";
-    case 48:
-      return "Wr";
-    case 49:
-      return "Etar";
-    case 50:
-      return "Xr";
-    default:
-      return nullptr;
-  }
-}
-
-// The slots whose name differs for time-of-flight data.
-const char* TimeOfFlightName(int slot) {
-  switch (slot) {
-    case 3:
-      return "Sig-2";
-    case 4:
-      return "Sig-1";
-    case 5:
-      return "Sig-0";
-    case 14:
-      return "alph0";
-    case 15:
-      return "Xt";
-    case 16:
-      return "Yt";
-    case 17:
-      return "Extinc";
-    case 28:
-      return "Z1";
-    case 29:
-      return "Z0";
-    case 35:
-      return "beta0";
-    case 36:
-      return "alph1";
-    case 37:
-      return "beta1";
-    case 41:
-      return "Abs1";
-    case 42:
-      return "Abs2";
-    case 46:
-      return "Gam-2";
-    case 47:
-      return "Gam-1";
-    case 48:
-      return "Gam-0";
-    case 49:
-      return "LStr";
-    case 50:
-      return "LSiz";
-    default:
-      return nullptr;
-  }
-}
-
 std::string IntegratedName(int slot) {
-  if (slot >= 1 && slot <= 5) return Numbered("Sc", slot);
-  if (slot == 12) return "Sc6";
-  if (slot >= 13 && slot <= 19) return Numbered("Ext", slot - 12);
+  using namespace IntegratedSlot;
+  if (slot >= Sc1 && slot <= Sc5) return Numbered("Sc", slot);
+  if (slot == Sc6) return "Sc6";
+  if (slot >= Ext1 && slot <= Ext7) return Numbered("Ext", slot - Ext1 + 1);
   return Fmt("(A,I3.3)", "Par", slot);
 }
 
@@ -213,21 +103,17 @@ std::string CellVolumeLine(double volume, float sigma) {
   return Fmt("(A,F12.4,A,F10.4,A)", " => Cell volume:", volume, " (", sigma, ")");
 }
 
-std::string PeakSlotName(int slot, int irf, int ixunit, std::string_view furtherName) {
+std::string PeakSlotName(int slot, int irf, AbscissaUnit ixunit, std::string_view furtherName) {
   if (std::abs(irf) == 4) return IntegratedName(slot);
-  if (ixunit == 1) {
-    if (const char* name = TimeOfFlightName(slot)) return name;
+  if (const ProfileSlotRow* row = ProfileSlotRowOf(slot)) {
+    return ixunit == AbscissaUnit::kTimeOfFlight ? row->timeOfFlight : row->name;
   }
-  if (const char* name = ProfileName(slot)) return name;
-  if (slot >= 18 && slot <= 27) return Numbered("Str", slot - 17);
-  if (slot >= 30 && slot <= 34) return Numbered("Size", slot - 28);
-  if (slot >= 51 && slot <= 59) return Numbered("SizeSH", slot - 50);
-  if (slot >= 60 && !furtherName.empty()) return std::string(furtherName);
+  if (slot > ProfileSlot::Last && !furtherName.empty()) return std::string(furtherName);
   return Fmt("(A,I3.3)", "Par", slot);
 }
 
-std::string GlobalSlotName(int slot, int ixunit) {
-  const bool converted = ixunit == 1 || ixunit == 2;
+std::string GlobalSlotName(int slot, AbscissaUnit ixunit) {
+  const bool converted = IsTofOrEnergy(ixunit);
   if (slot == 1) return "Zero";
   if (slot >= 2 && slot <= 7) return Numbered("Bck", slot - 2);
   if (slot == 8) return converted ? "Dtt1" : "Sycos";

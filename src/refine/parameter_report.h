@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "records/abscissa_unit.h"
 #include "records/table1.h"
 
 namespace corvinet {
@@ -47,8 +48,8 @@ std::string MomentLine(std::string_view label, std::string_view which, float mom
 std::string CellVolumeLine(double volume, float sigma);
 
 // Names of the slots as the report shows them.
-std::string PeakSlotName(int slot, int irf, int ixunit, std::string_view furtherName);
-std::string GlobalSlotName(int slot, int ixunit);
+std::string PeakSlotName(int slot, int irf, AbscissaUnit ixunit, std::string_view furtherName);
+std::string GlobalSlotName(int slot, AbscissaUnit ixunit);
 const char* CellConstantName(int i);  // a, b, c, alpha, beta, gamma
 
 }  // namespace corvinet

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "format/fortran_format.h"
+#include "records/profile_slots.h"
 #include "refine/apply_shift.h"
 #include "refine/cell_update.h"
 
@@ -12,16 +13,8 @@ namespace corvinet {
 
 namespace {
 
-namespace Slot {
-constexpr int kScale = 1;
-constexpr int kFirstCell = 6;
-constexpr int kLastCell = 11;
-constexpr int kPref1 = 12;  // Sc6 with |Irf| 4
-constexpr int kPref2 = 13;
-constexpr int kX = 15;
-constexpr int kY = 16;
-constexpr int kExtinction = 17;
-}  // namespace Slot
+namespace Slot = ProfileSlot;
+constexpr int kExtinction = ProfileSlot::Shape1;  // Shape1 holds the extinction with time of flight
 
 constexpr float kSmallestScale = 1.0e-15f;
 constexpr float kSmallestWidth = 0.0001f;
@@ -41,20 +34,20 @@ void ClampWidth(Job& job, const UpdatePass& pass, PeakSlots& slots, PhasePattern
 
 void ClampScales(Job& job, int phase, const UpdatePass& pass, PhasePattern& pp) {
   if (IsIntegratedPhase(pp)) {
-    for (int i = 1; i <= 5; ++i) {
+    for (int i = IntegratedSlot::Sc1; i <= IntegratedSlot::Sc5; ++i) {
       if (!(pp.PAR[i] < 0.0f)) continue;
       pp.PAR[i] = kSmallestScale;
       WriteClampWarning(job, pass, Fmt("(A,I3)", " WARNING, Negative Scale factor number:", i));
       WriteClampWarning(job, pass, " Program is fixing SCALE to 1.E-15 ");
     }
-    if (pp.PAR[Slot::kPref1] < 0.0f) {
-      pp.PAR[Slot::kPref1] = kSmallestScale;
+    if (pp.PAR[IntegratedSlot::Sc6] < 0.0f) {
+      pp.PAR[IntegratedSlot::Sc6] = kSmallestScale;
       WriteClampWarning(job, pass, Fmt("(A,I3)", " WARNING, Negative Scale factor number:", 6));
     }
     return;
   }
-  if (pp.PAR[Slot::kScale] < 0.0f) {
-    pp.PAR[Slot::kScale] = kSmallestScale;
+  if (pp.PAR[Slot::Scale] < 0.0f) {
+    pp.PAR[Slot::Scale] = kSmallestScale;
     WriteClampWarning(job, pass,
                       Fmt("(A,I3)", " WARNING, Negative Scale factor for phase:", phase));
     WriteClampWarning(job, pass, " Program is fixing SCALE to 1.E-15 ");
@@ -63,21 +56,21 @@ void ClampScales(Job& job, int phase, const UpdatePass& pass, PhasePattern& pp) 
 
 void ClampOrientation(const Pattern& pattern, PhasePattern& pp) {
   if (IsIntegratedPhase(pp)) return;
-  float& pref2 = pp.PAR[Slot::kPref2];
+  float& pref2 = pp.PAR[Slot::Pref2];
   if (pref2 < 0.0f) pref2 = 0.0f;
   if (pref2 > 1.0f) pref2 = 1.0f;
-  if (pattern.NORI == 1 && pp.PAR[Slot::kPref1] < 0.0f) pp.PAR[Slot::kPref1] = 1.0f;
+  if (pattern.NORI == 1 && pp.PAR[Slot::Pref1] < 0.0f) pp.PAR[Slot::Pref1] = 1.0f;
 }
 
 void ReportPeakParameters(Job& job, int phase, int ip, const UpdatePass& pass,
                           const PeakSlots& slots) {
   const Phase& ph = job.phases[phase];
   const PhasePattern& pp = ph.pat[ip];
-  const int ixunit = job.patterns[ip].IXUNIT;
+  const AbscissaUnit ixunit = job.patterns[ip].IXUNIT;
   WritePassLine(job, pass, PeakHeading(phase, ip));
   WritePassLine(job, pass, ParameterColumns());
   for (int s = 1; s <= DimensionLimits::MPAR; ++s) {
-    if (s >= Slot::kFirstCell && s <= Slot::kLastCell) continue;
+    if (s >= Slot::FirstCell && s <= Slot::LastCell) continue;
     if (pp.PAR[s] == 0.0f && pp.PAC[s].parameterNumber == 0) continue;
     const int further = s - job.run.firstFurtherParameter;
     const std::string furtherName =
@@ -112,13 +105,14 @@ PeakSlots ShiftPeakSlots(Job& job, int phase, int ip) {
 void ClampPeakParameters(Job& job, int phase, int ip, const UpdatePass& pass, PeakSlots& slots) {
   PhasePattern& pp = job.phases[phase].pat[ip];
   const Pattern& pattern = job.patterns[ip];
-  if (pp.Npr == 5 || pp.Npr == 8) {
-    ClampWidth(job, pass, slots, pp, Slot::kX, " WARNING, parameter X < 0, fixed to 0.0001");
-    ClampWidth(job, pass, slots, pp, Slot::kY, " WARNING, parameter Y < 0, fixed to 0.0001");
+  const ProfileCode code = ProfileOf(pp);
+  if (code == ProfileCode::kTripledPseudoVoigt || code == ProfileCode::kTchPseudoVoigt) {
+    ClampWidth(job, pass, slots, pp, Slot::X, " WARNING, parameter X < 0, fixed to 0.0001");
+    ClampWidth(job, pass, slots, pp, Slot::Y, " WARNING, parameter Y < 0, fixed to 0.0001");
   }
   ClampScales(job, phase, pass, pp);
-  if (pattern.IXUNIT == 1 && pp.PAR[Slot::kExtinction] < 0.0f) {
-    pp.PAR[Slot::kExtinction] = kSmallestWidth;
+  if (pattern.IXUNIT == AbscissaUnit::kTimeOfFlight && pp.PAR[kExtinction] < 0.0f) {
+    pp.PAR[kExtinction] = kSmallestWidth;
     WriteClampWarning(job, pass, Fmt("(A,I3)", " WARNING, Negative Extinction for phase:", phase));
     WriteClampWarning(job, pass, " Program is fixing Extinction to 0.0001 ");
   }

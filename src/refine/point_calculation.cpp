@@ -51,8 +51,9 @@ void FamilySlopes(const RingEntry& e, const ProfilePoint& point, const ProfileSl
   const float tanTheta = e.shape.tanTheta;
   // The asymmetry factor moves with the width of the side the point is on;
   // through the TCH widths it moves with X and Y as well.
-  const bool rightSide = e.shape.code == 12 && point.delta > 0.0f;
-  const float lorentzScale = e.shape.code == 8 ? asym.dlnAdH * e.shape.tch.dHdL : 0.0f;
+  const bool rightSide = e.shape.code == ProfileCode::kSplitPseudoVoigt && point.delta > 0.0f;
+  const float lorentzScale =
+      e.shape.code == ProfileCode::kTchPseudoVoigt ? asym.dlnAdH * e.shape.tch.dHdL : 0.0f;
   slope[kIntensity] = 1.0f;
   slope[kPosition] = sl.position + asym.dlnAdT;
   slope[kWidth] = sl.width + (rightSide ? 0.0f : asym.dlnAdH);

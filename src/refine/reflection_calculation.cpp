@@ -50,7 +50,7 @@ std::array<double, 3> WorkingVector(const Phase& ph, const Reflection& r) {
 // The reciprocal coefficients A..F of the phase in this pattern, PAR[6..11].
 Table1<float, 6> CellCoefficients(const PhasePattern& c) {
   Table1<float, 6> coefficients;
-  for (int i = 1; i <= 6; ++i) coefficients[i] = c.PAR[5 + i];
+  for (int i = 1; i <= 6; ++i) coefficients[i] = c.PAR[ProfileSlot::FirstCell - 1 + i];
   return coefficients;
 }
 
@@ -72,7 +72,7 @@ bool MakeEnergyGeometry(const Pattern& p, const PhasePattern& c, Geometry& g) {
 }
 
 bool MakeGeometry(const Pattern& p, const PhasePattern& c, int w, Geometry& g) {
-  if (p.IXUNIT == 2) return MakeEnergyGeometry(p, c, g);
+  if (p.IXUNIT == AbscissaUnit::kEnergy) return MakeEnergyGeometry(p, c, g);
   g.Q = InverseDSquared(CellCoefficients(c), g.h);
   g.lambda = p.LAMBDA[w];
   g.sin2 = 0.25 * g.Q * g.lambda * g.lambda;
@@ -93,62 +93,63 @@ double PerIntensity(const IntensityCorrections& corr, float derivative) {
 }
 
 // Derivative of the family quantity of profile slot s for this reflection.
-double ProfileSlotDerivative(int s, int code, int w, const Pattern& p, const PhasePattern& c,
-                             const Geometry& g, const PeakWidths& widths,
+double ProfileSlotDerivative(int s, ProfileCode code, int w, const Pattern& p,
+                             const PhasePattern& c, const Geometry& g, const PeakWidths& widths,
                              const IntensityCorrections& corr) {
   const double t = g.tanTheta;
   const bool second = w == 2 && p.separateUVW2;
-  const double H = code == 8 ? widths.HG : widths.H;
+  const bool split = code == ProfileCode::kSplitPseudoVoigt;
+  const double H = code == ProfileCode::kTchPseudoVoigt ? widths.HG : widths.H;
   switch (s) {
-    case 1:
-      return c.PAR[1] != 0.0f ? 1.0 / c.PAR[1] : 0.0;
-    case 2:
+    case ProfileSlot::Scale:
+      return c.PAR[ProfileSlot::Scale] != 0.0f ? 1.0 / c.PAR[ProfileSlot::Scale] : 0.0;
+    case ProfileSlot::Bov:
       return PerIntensity(corr, corr.dBov);
-    case 12:
+    case ProfileSlot::Pref1:
       return PerIntensity(corr, corr.dPref1);
-    case 13:
+    case ProfileSlot::Pref2:
       return PerIntensity(corr, corr.dPref2);
-    case 3:
+    case ProfileSlot::U:
       return second ? 0.0 : t * t / (2.0 * H);
-    case 4:
+    case ProfileSlot::V:
       return second ? 0.0 : t / (2.0 * H);
-    case 5:
+    case ProfileSlot::W:
       return second ? 0.0 : 1.0 / (2.0 * H);
-    case 43:
+    case ProfileSlot::U2:
       return second ? t * t / (2.0 * H) : 0.0;
-    case 44:
+    case ProfileSlot::V2:
       return second ? t / (2.0 * H) : 0.0;
-    case 45:
+    case ProfileSlot::W2:
       return second ? 1.0 / (2.0 * H) : 0.0;
-    case 28:
+    case ProfileSlot::GauSiz:
       return 1.0 / (2.0 * H * g.cos2);
-    case 46:
-      return code == 12 ? t * t / (2.0 * widths.HL) : 0.0;
-    case 47:
-      return code == 12 ? t / (2.0 * widths.HL) : 0.0;
-    case 48:
-      return code == 12 ? 1.0 / (2.0 * widths.HL) : 0.0;
+    case ProfileSlot::Ur:
+      return split ? t * t / (2.0 * widths.HL) : 0.0;
+    case ProfileSlot::Vr:
+      return split ? t / (2.0 * widths.HL) : 0.0;
+    case ProfileSlot::Wr:
+      return split ? 1.0 / (2.0 * widths.HL) : 0.0;
     default:
       break;
   }
-  if (s >= 6 && s <= 11) {
+  if (s >= ProfileSlot::FirstCell && s <= ProfileSlot::LastCell) {
     const double hx = g.h[0], hy = g.h[1], hz = g.h[2];
     const double dQ[6] = {hx * hx, hy * hy, hz * hz, hy * hz, hx * hz, hx * hy};
-    return g.dTdTwoTheta * g.dTwoThetadQ * dQ[s - 6];
+    return g.dTdTwoTheta * g.dTwoThetadQ * dQ[s - ProfileSlot::FirstCell];
   }
-  if (code == 12 && (s == 41 || s == 42)) {
+  if (split && (s == ProfileSlot::Shp1 || s == ProfileSlot::Shp2)) {
     const double side = SplitSidePosition(p, static_cast<float>(g.twoTheta));
-    if (s == 41) return side <= 90.0 ? 1.0 / (2.0 * widths.H * t * t) : 0.0;
+    if (s == ProfileSlot::Shp1) return side <= 90.0 ? 1.0 / (2.0 * widths.H * t * t) : 0.0;
     return side > 90.0 ? 1.0 / (2.0 * widths.HL * t * t) : 0.0;
   }
-  const Family f = FamilyOfProfileSlot(s, code);
+  const Family f = ProfileSlotFamily(s, code);
   if (f >= kShapeX && f <= kAsym4) return 1.0;
   return 0.0;  // strain, size and shift terms come with their models
 }
 
 double GlobalSlotDerivative(int n, const Pattern& p, const Geometry& g,
                             const IntensityCorrections& corr) {
-  if (p.IXUNIT == 2) {
+  if (p.IXUNIT == AbscissaUnit::kEnergy) {
     if (n == 1) return 1.0;
     if (n == 8) return std::sqrt(g.Q);
     if (n == 9) return g.Q;
@@ -177,7 +178,7 @@ double GlobalSlotDerivative(int n, const Pattern& p, const Geometry& g,
 
 // The widths of reflection r at geometry g, stored in the reflection.
 PeakWidths StoreWidths(Job& job, int ip, int phase, int w, const Geometry& g, Reflection& r) {
-  const int code = job.phases[phase].pat[ip].Npr;
+  const ProfileCode code = ProfileOf(job.phases[phase].pat[ip]);
   WidthInput in;
   in.code = code;
   in.phase = phase;
@@ -193,7 +194,7 @@ PeakWidths StoreWidths(Job& job, int ip, int phase, int w, const Geometry& g, Re
     StopOnPeakError(job, error);
   }
   r.Fwhm = widths.H;
-  r.FwhmRight = code == 12 ? widths.HL : widths.H;
+  r.FwhmRight = code == ProfileCode::kSplitPseudoVoigt ? widths.HL : widths.H;
   r.HG = widths.HG;
   r.HL = widths.HL;
   r.eta = widths.eta;
@@ -257,7 +258,7 @@ float CrystalStructureFactor(Job& job, CycleWork& work, int ip, int phase, const
 
 void FillReflectionWidths(Job& job, int ip) {
   Pattern& p = job.patterns[ip];
-  if (p.IXUNIT != 0 && p.IXUNIT != 2) return;
+  if (p.IXUNIT != AbscissaUnit::kTwoTheta && p.IXUNIT != AbscissaUnit::kEnergy) return;
   ReflectionTable& table = p.reflections;
   for (int k = 1; k <= table.total; ++k) {
     Reflection& r = table.slot[k];
@@ -296,7 +297,7 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   r.position = static_cast<float>(g.twoTheta);
   const PeakWidths widths = StoreWidths(job, ip, phase, w, g, r);
   ReflectionShapeInput shapeIn;
-  shapeIn.code = c.Npr;
+  shapeIn.code = ProfileOf(c);
   shapeIn.twoTheta = r.position;
   shapeIn.tanTheta = r.tanTheta;
   shapeIn.widths = widths;
@@ -305,7 +306,7 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   } catch (const PeakError& error) {
     StopOnPeakError(job, error);
   }
-  if (p.IXUNIT == 2) {
+  if (p.IXUNIT == AbscissaUnit::kEnergy) {
     entry.shape.position = p.GLB[1] + r.position + static_cast<float>(p.GLB[9] * g.Q);
   }
   CorrectionInput ci;
@@ -320,14 +321,14 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   if (crystal) r.F2 = CrystalStructureFactor(job, work, ip, phase, g, r, fitted);
   ci.F2 = r.F2;
   const IntensityCorrections corr =
-      p.IXUNIT == 2
+      p.IXUNIT == AbscissaUnit::kEnergy
           ? EnergyIntensityFactors(job, ip, phase, ci, ReciprocalTensor(CellCoefficients(c)),
                                    fitted > 0)
           : IntensityFactors(job, ip, phase, ci, ReciprocalTensor(CellCoefficients(c)), fitted > 0);
   r.Corr = corr.Corr;
-  entry.intensity = c.PAR[1] * r.LpM * corr.intensity;
+  entry.intensity = c.PAR[ProfileSlot::Scale] * r.LpM * corr.intensity;
   entry.tan2Theta = Tan2ThetaFromSquares(static_cast<float>(g.sin2), static_cast<float>(g.cos2));
-  entry.asymmetric = p.IXUNIT == 0 && r.position <= p.AsyLim ? 1 : 0;
+  entry.asymmetric = p.IXUNIT == AbscissaUnit::kTwoTheta && r.position <= p.AsyLim ? 1 : 0;
   entry.phase = phase;
   entry.active = true;
   if (fitted == 0) return;
@@ -338,7 +339,8 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   }
   for (int s = 1; s <= DimensionLimits::MPAR; ++s) {
     if (c.PAC[s].parameterNumber == 0) continue;
-    AddToRow(row, c.PAC[s], ProfileSlotDerivative(s, c.Npr, w, p, c, g, widths, corr), fitted);
+    AddToRow(row, c.PAC[s], ProfileSlotDerivative(s, ProfileOf(c), w, p, c, g, widths, corr),
+             fitted);
   }
   AddVectorDerivatives(row, ph, c, r, g, fitted);
   for (int n = 1; n <= DimensionLimits::NGL; ++n) {

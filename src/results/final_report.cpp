@@ -82,7 +82,7 @@ void WritePhaseHeader(Job& job, int ip, int f) {
 void OpenExtractedIntensityFile(Job& job, int ip, int f) {
   const Pattern& p = job.patterns[ip];
   const Phase& ph = job.phases[f];
-  OpenFiles(job, 22, ip, f);
+  OpenFiles(job, FileKind::kIntensities, ip, f);
   const int u = Unit::IntensitiesOut;
   WriteLine(job, u,
             Fmt("(A,I3,A,I3,2X,A)", " Pattern#", ip, " Phase No: ", f, TrimRight(ph.PhaseTitle)));

@@ -167,7 +167,7 @@ void WriteIgorProfileFile(Job& job, int ip, const ProfileFileContext& context) {
   const bool timeOfFlight = p.JOBTYP < 0;
   const char* axis = timeOfFlight ? "TOF" : "TwoTheta";
   const IgorScale s = ScaleOf(job, p, refinement);
-  OpenFiles(job, 11, ip, 0);
+  OpenFiles(job, FileKind::kProfile, ip, 0);
   WriteProfileWaves(job, p, refinement, axis);
   WriteTickWaves(job, ip, s);
   WriteRegionWaves(job, p, s);

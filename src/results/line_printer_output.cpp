@@ -15,11 +15,11 @@ constexpr int kPageLines = 60;
 constexpr int kPageGroups = 4;
 constexpr int kPlotWidth = 120;
 
-const char* TableHeading(int ixunit) {
+const char* TableHeading(AbscissaUnit ixunit) {
   switch (ixunit) {
-    case 1:
+    case AbscissaUnit::kTimeOfFlight:
       return "T.O.F.   YOBS    YCALC VARIANCE ";
-    case 2:
+    case AbscissaUnit::kEnergy:
       return "Energy   YOBS    YCALC VARIANCE ";
     default:
       return "2THETA   YOBS    YCALC VARIANCE ";
@@ -42,7 +42,7 @@ void WriteLinePrinterTable(Job& job, int ip) {
   const Pattern& p = job.patterns[ip];
   std::string heading;
   for (int g = 0; g < kPageGroups; ++g) heading += TableHeading(p.IXUNIT);
-  const char* group = p.IXUNIT == 1 || p.IXUNIT == 2 ? "(1X,F7.0,3F8.0)" : "(1X,F7.3,3F8.0)";
+  const char* group = IsTofOrEnergy(p.IXUNIT) ? "(1X,F7.0,3F8.0)" : "(1X,F7.3,3F8.0)";
   const int pageSize = kPageLines * kPageGroups;
   for (int page = 0; page < p.NPTS / pageSize; ++page) {
     WriteLine(job, Unit::Out, heading);

@@ -25,7 +25,7 @@ void WritePatternExports(Job& job, int ip) {
   if (std::abs(p.JFOU) == 3 || std::abs(p.JFOU) == 4) {
     NotWrittenLine(job, "the Fourier template (.inp)");
   }
-  if (p.JLKH != 0) OpenFiles(job, 8, ip, 0);
+  if (p.JLKH != 0) OpenFiles(job, FileKind::kReflectionOutput, ip, 0);
   if (job.run.JCIL == 2) NotWrittenLine(job, "the collected results file (.sav)");
 }
 

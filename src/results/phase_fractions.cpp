@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+#include "records/profile_slots.h"
+
 namespace corvinet {
 
 namespace {
@@ -30,12 +32,12 @@ PhaseFractions ComputePhaseFractions(const Job& job, int ip) {
     fr.Brindley[f] = pp.Brind < 0.0001f ? 1.0f : pp.Brind;
     fr.volumeSigma[f] = job.limits.cells(f, ip).volumeSigma;
     if (pp.Contribution == 0) continue;
-    const float scale = pp.PAR[1];
+    const float scale = pp.PAR[ProfileSlot::Scale];
     const float volume = static_cast<float>(pp.cellVolume);
     fr.weight[f] = scale * volume * fr.ATZ[f] / fr.Brindley[f];
     const float volumeVariance = fr.volumeSigma[f] * fr.volumeSigma[f];
-    fr.relativeVariance[f] =
-        volumeVariance / (volume * volume) + ParameterVariance(job, pp.PAC[1]) / (scale * scale);
+    fr.relativeVariance[f] = volumeVariance / (volume * volume) +
+                             ParameterVariance(job, pp.PAC[ProfileSlot::Scale]) / (scale * scale);
     sumW += fr.weight[f];
     q += fr.weight[f] * fr.weight[f] * fr.relativeVariance[f];
   }

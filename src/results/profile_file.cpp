@@ -88,10 +88,11 @@ void WriteSatelliteBlock(Job& job, const ReflectionTable& table) {
 
 void WriteFixedProfileFile(Job& job, int ip, const PlotExtremes&) {
   const Pattern& p = job.patterns[ip];
-  OpenFiles(job, 11, ip, 0);
+  OpenFiles(job, FileKind::kProfile, ip, 0);
   WriteLine(job, Unit::Profile, Title70(job));
   WriteLine(job, Unit::Profile, Fmt("(A,F9.4)", "3111   1.0000", p.GLB[1]));
-  WriteLine(job, Unit::Profile, Fmt("(2F8.3,F8.5,2I8)", p.THMAX, p.THMIN, p.STEP, 8, p.IXUNIT));
+  WriteLine(job, Unit::Profile,
+            Fmt("(2F8.3,F8.5,2I8)", p.THMAX, p.THMIN, p.STEP, 8, ControlNumber(p.IXUNIT)));
   WriteLine(job, Unit::Profile,
             Fmt("(I3,I7,5F10.5)", job.run.NPHASE, p.NPTS, p.LAMBDA[1], p.LAMBDA[2], p.GLB[1],
                 p.GLB[8], p.GLB[9]));

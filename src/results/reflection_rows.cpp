@@ -22,11 +22,11 @@ bool HasVectors(const Job& job, int f) {
 // Interplanar distance of a reflection from its position in the abscissa unit.
 float SpacingOf(const Pattern& p, float position) {
   switch (p.IXUNIT) {
-    case 0: {
+    case AbscissaUnit::kTwoTheta: {
       const float s = std::sin(kHalfDegree * position);
       return s > 0.0f ? MeanWavelength(p) / (2.0f * s) : 0.0f;
     }
-    case 1:
+    case AbscissaUnit::kTimeOfFlight:
       return p.Dtt1 != 0.0f ? position / p.Dtt1 : 0.0f;
     default:
       return position != 0.0f ? p.GLB[8] / position : 0.0f;

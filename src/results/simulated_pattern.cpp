@@ -21,7 +21,7 @@ int RoundedCount(float y) {
 void WriteSimulatedPattern(Job& job, int ip) {
   Pattern& p = job.patterns[ip];
   if (job.run.IDUM == 0 || !IsCalculatedPattern(p)) return;
-  OpenFiles(job, 14, ip, 0);
+  OpenFiles(job, FileKind::kSimulated, ip, 0);
   // A negative IDUM asks for counts drawn around the calculated pattern.
   if (job.run.IDUM < 0) {
     for (int i = 1; i <= p.NPTS; ++i) p.Ytotal[i] = PoissonDeviate(job, p.Ytotal[i]);

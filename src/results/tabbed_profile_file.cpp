@@ -16,11 +16,11 @@ namespace {
 
 constexpr char kTab = '\t';
 
-const char* AbscissaHeading(int ixunit) {
+const char* AbscissaHeading(AbscissaUnit ixunit) {
   switch (ixunit) {
-    case 1:
+    case AbscissaUnit::kTimeOfFlight:
       return " T.O.F.";
-    case 2:
+    case AbscissaUnit::kEnergy:
       return " Energy";
     default:
       return " 2Theta";
@@ -42,7 +42,7 @@ void WriteTabbedHeader(Job& job, int ip) {
   WriteLine(job, Unit::Profile, Title70(job));
   WriteLine(job, Unit::Profile,
             Fmt("(I3,I7,5F12.5,I5)", job.run.NPHASE, p.NPTS, p.LAMBDA[1], p.LAMBDA[2], p.GLB[1],
-                p.GLB[8], p.GLB[9], p.IXUNIT));
+                p.GLB[8], p.GLB[9], ControlNumber(p.IXUNIT)));
   WriteLine(job, Unit::Profile, PhaseCountsLine(job, ip, true));
   WriteVectorLines(job, Unit::Profile);
   for (int r = 1; r <= p.NEXCRG; ++r) {
@@ -74,7 +74,7 @@ std::string Indices(const Reflection& r) {
 void WriteTabbedProfileFile(Job& job, int ip, const PlotExtremes& extremes) {
   const Pattern& p = job.patterns[ip];
   const PlotOffsets o = OffsetsOf(extremes);
-  OpenFiles(job, 11, ip, 0);
+  OpenFiles(job, FileKind::kProfile, ip, 0);
   WriteTabbedHeader(job, ip);
   WriteLine(job, Unit::Profile,
             Joined({AbscissaHeading(p.IXUNIT), "Yobs", "Ycal", "Yobs-Ycal", "Backg", "Posr",
@@ -96,7 +96,7 @@ void WriteTabbedProfileFile(Job& job, int ip, const PlotExtremes& extremes) {
 void WriteSideBySideProfileFile(Job& job, int ip, const PlotExtremes& extremes) {
   const Pattern& p = job.patterns[ip];
   const PlotOffsets o = OffsetsOf(extremes);
-  OpenFiles(job, 11, ip, 0);
+  OpenFiles(job, FileKind::kProfile, ip, 0);
   WriteTabbedHeader(job, ip);
   WriteLine(job, Unit::Profile,
             Joined({AbscissaHeading(p.IXUNIT), "Yobs", "Ycal", "Yobs-Ycal", "Backg", "Bragg",

@@ -63,7 +63,7 @@ void WriteHeader(Job& job, XyDataKind kind) {
 
 void WriteXyDataFile(Job& job, int ip, XyDataKind kind) {
   const Pattern& p = job.patterns[ip];
-  OpenFiles(job, 12, ip, 0);
+  OpenFiles(job, FileKind::kBackground, ip, 0);
   WriteHeader(job, kind);
   const bool constantStep = p.equalStep == 1;
   if (constantStep) {

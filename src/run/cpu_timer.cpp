@@ -9,9 +9,9 @@
 
 namespace corvinet {
 
-void CpuTimer(Job& job, int mode, bool print) {
+void CpuTimer(Job& job, CpuTimerMode mode, bool print) {
   const double seconds = static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
-  if (mode == 1) {
+  if (mode == CpuTimerMode::kStart) {
     job.driver.cpuStart = seconds;
     return;
   }

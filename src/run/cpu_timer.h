@@ -5,8 +5,14 @@
 
 namespace corvinet {
 
-// Mode 1 records the start of the CPU clock; mode 2 records the end and, with
-// `print`, writes the CPU time on the console, the report and the summary.
-void CpuTimer(Job& job, int mode, bool print);
+// What a call of the CPU timer does.
+enum class CpuTimerMode {
+  kStart,  // records the start of the CPU clock
+  kEnd,    // records the end and, with `print`, writes the time used
+};
+
+// Records the start or the end of the CPU clock; at the end with `print`,
+// writes the CPU time on the console, the report and the summary.
+void CpuTimer(Job& job, CpuTimerMode mode, bool print);
 
 }  // namespace corvinet

@@ -59,11 +59,11 @@ bool IsCyclicCode(const std::string& code) {
 
 void AskContinue(Job& job) {
   if (AskYesNo(job.console, "Corvinet Refinement", "Continue with the same data?", true)) {
-    job.driver.answer = 's';
+    job.driver.answer = DriverAnswer::kSameData;
   } else if (AskYesNo(job.console, "Corvinet Refinement", "Continue with other data?", true)) {
-    job.driver.answer = 'a';
+    job.driver.answer = DriverAnswer::kOtherData;
   } else {
-    job.driver.answer = 'k';
+    job.driver.answer = DriverAnswer::kStop;
   }
 }
 

@@ -14,7 +14,7 @@ void ChooseJob(Job& job);
 // "cyc", "CYC" or "Cyc": the control code that asks for the cyclic mode.
 bool IsCyclicCode(const std::string& code);
 
-// The two continue dialogs; sets job.driver.answer to 's', 'a' or 'k'.
+// The two continue dialogs; sets job.driver.answer to the same data, other data or stop.
 void AskContinue(Job& job);
 
 // Splits a path at its last '/': the directory with the '/', and the file name.

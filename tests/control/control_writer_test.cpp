@@ -177,7 +177,7 @@ TEST(ControlWriter, InstrumentCycleAndGlobalLines) {
 TEST(ControlWriter, UnitsThreeAndFourHaveNoRangeLine) {
   WriterJob w;
   FillXrayPattern(w->patterns[1]);
-  w->patterns[1].IXUNIT = 3;
+  w->patterns[1].IXUNIT = AbscissaUnit::kQ;
   ControlLines lines;
   AppendPatternBlock(*w, lines);
   for (const std::string& l : lines) EXPECT_EQ(l.find("0.0200"), std::string::npos) << l;
@@ -187,7 +187,7 @@ TEST(ControlWriter, UnitsThreeAndFourHaveNoRangeLine) {
   m->run.NPATT = 2;
   FillXrayPattern(m->patterns[1]);
   FillXrayPattern(m->patterns[2]);
-  m->patterns[2].IXUNIT = 4;
+  m->patterns[2].IXUNIT = AbscissaUnit::kInverseD;
   ControlLines multi;
   AppendPatternBlock(*m, multi);
   EXPECT_TRUE(
@@ -201,7 +201,7 @@ TEST(ControlWriter, UnitsThreeAndFourHaveNoRangeLine) {
 TEST(ControlWriter, TimeOfFlightLinesAndMicroabsorption) {
   WriterJob w;
   Pattern& p = w->patterns[1];
-  p.IXUNIT = 1;
+  p.IXUNIT = AbscissaUnit::kTimeOfFlight;
   p.Bkpos = 5000.0f;
   p.Wdt = 6.0f;
   p.Iabscor = 1;
@@ -749,7 +749,7 @@ TEST(ControlWriter, IntegratedIntensityProfileLines) {
 TEST(ControlWriter, TimeOfFlightProfileLines) {
   WriterJob w;
   FillPhase(*w);
-  w->patterns[1].IXUNIT = 1;
+  w->patterns[1].IXUNIT = AbscissaUnit::kTimeOfFlight;
   w->phases[1].pat[1].Npr = 10;
   w->phases[1].pat[1].PAR[41] = 0.5f;
   ControlLines lines;

@@ -361,7 +361,7 @@ TEST(ProfileLines, TimeOfFlightReadsTheExtraWidthLines) {
   std::string text = std::string("T\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 0 0 0\nP 1\n") + kCubicProfile;
   text.insert(text.find("4.0 4.0"), "1 2 3 4 5\n0 0 0 0 0\n");
   PhaseJob job(text + "END\n");
-  job->patterns[1].IXUNIT = 1;
+  job->patterns[1].IXUNIT = AbscissaUnit::kTimeOfFlight;
   ASSERT_TRUE(job.Runs(ReadPhaseAndProfile));
   EXPECT_FLOAT_EQ(job->phases[1].pat[1].PAR[50], 5.0f);
   std::string next;

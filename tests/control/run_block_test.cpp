@@ -96,6 +96,22 @@ TEST(RunBlock, ProfileTypedTenIsStoredAsTen) {
   EXPECT_EQ(job->patterns[1].NPROF, 10);
 }
 
+TEST(RunBlock, AbscissaUnitAndProfileAreReadFromTheirNumbers) {
+  ScratchDir dir;
+  CapturedJob job;
+  ASSERT_TRUE(ReadHead(dir, job, SingleHead("-1 11 1 0 0 0 0 0 0 0 0 0 0 0 0 1 0")));
+  EXPECT_EQ(job->patterns[1].IXUNIT, AbscissaUnit::kTimeOfFlight);
+  EXPECT_EQ(ProfileCodeOf(job->patterns[1].NPROF), ProfileCode::kSplitPseudoVoigt);
+}
+
+TEST(RunBlock, AbscissaUnitOutsideTheListIsKeptAsTyped) {
+  ScratchDir dir;
+  CapturedJob job;
+  ASSERT_TRUE(ReadHead(dir, job, SingleHead("0 5 1 0 0 0 0 0 0 0 0 0 0 0 0 7 0")));
+  EXPECT_EQ(ControlNumber(job->patterns[1].IXUNIT), 7);
+  EXPECT_EQ(ProfileCodeOf(job->patterns[1].NPROF), ProfileCode::kPseudoVoigt);
+}
+
 TEST(RunBlock, ProfileTypedEightReadsTheShapeFile) {
   ScratchDir dir;
   dir.Write("global.shp",

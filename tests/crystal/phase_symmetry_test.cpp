@@ -253,7 +253,7 @@ TEST(SymmetryReport, OperatorsOfTheFileAreReportedAsRead) {
 TEST(SymmetryReport, SymmetryListFileWhenTheRunAsksForIt) {
   SymmetryCase c("P 21/c", 0, 0, "");
   c.job->run.JSY = 1;
-  OpenFiles(*c.job, 3, 0, 0);
+  OpenFiles(*c.job, FileKind::kSymmetry, 0, 0);
   ASSERT_TRUE(c.Builds());
   std::fflush(c.job->files.units[Unit::Sym].file);
   const std::vector<std::string> lines = testing::SplitLines(c.dir.Read("x.sym"));

@@ -38,9 +38,9 @@ struct ReflectionCase {
     ResetDefaults(*job);
     job->run.NPATT = 1;
     job->run.NPHASE = 1;
-    OpenFiles(*job, 2, 0, 0);
+    OpenFiles(*job, FileKind::kOutput, 0, 0);
     Pattern& p = job->patterns[1];
-    p.IXUNIT = unit;
+    p.IXUNIT = AbscissaUnitOf(unit);
     p.LAMBDA[1] = p.LAMBDA[2] = 1.54056f;
     p.RATIO[1] = 1.0f;
     p.RATIO[2] = 0.0f;

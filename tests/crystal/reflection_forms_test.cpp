@@ -163,7 +163,7 @@ struct GenerationJob {
   testing::CapturedJob job;
   void SetUp(const SpaceGroup& group, const Table1<float, 6>& coefficients, float maxInverseD) {
     Pattern& p = job->patterns[1];
-    p.IXUNIT = 4;
+    p.IXUNIT = AbscissaUnit::kInverseD;
     p.THMIN = 0.001f;
     p.THMAX = maxInverseD;
     p.LAMBDA[1] = p.LAMBDA[2] = 1.0f;

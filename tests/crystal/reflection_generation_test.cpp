@@ -41,7 +41,7 @@ const Reflection* Find(const std::vector<Reflection>& slots, int h, int k, int l
 
 TEST(ReflectionRange, TwoThetaUpperLimitAddsTheMarginOfThePeakTails) {
   Pattern p;
-  p.IXUNIT = 0;
+  p.IXUNIT = AbscissaUnit::kTwoTheta;
   p.THMIN = 10.0f;
   p.THMAX = 100.0f;
   p.LAMBDA[1] = p.LAMBDA[2] = 1.5f;
@@ -96,7 +96,7 @@ TEST(ReflectionRange, DoubletWidensTheRangeForTheOtherWavelength) {
 
 TEST(ReflectionRange, TimeOfFlightRangeTakesItsLowEndFromTheFirstExcludedRegion) {
   Pattern p;
-  p.IXUNIT = 1;
+  p.IXUNIT = AbscissaUnit::kTimeOfFlight;
   p.Dtt1 = 5000.0f;
   p.THMIN = 2000.0f;
   p.THMAX = 20000.0f;
@@ -115,14 +115,14 @@ TEST(ReflectionRange, EnergyQAndInverseDRanges) {
   p.THMIN = 2.0f;
   p.THMAX = 8.0f;
   p.Dtt1 = 20.0f;
-  p.IXUNIT = 2;
+  p.IXUNIT = AbscissaUnit::kEnergy;
   ReflectionRange r = RangeOfPattern(p, MarginWidths{}, false);
   EXPECT_NEAR(r.sLow, 0.25 * std::pow(2.0 / 20.0, 2), 1e-9);
   EXPECT_NEAR(r.sHigh, 0.25 * std::pow(8.0 / 20.0, 2), 1e-9);
-  p.IXUNIT = 3;
+  p.IXUNIT = AbscissaUnit::kQ;
   r = RangeOfPattern(p, MarginWidths{}, false);
   EXPECT_NEAR(r.sHigh, 64.0 / (16.0 * kPi * kPi), 1e-7);  // s = 1/(2d) = Q/(4 pi)
-  p.IXUNIT = 4;
+  p.IXUNIT = AbscissaUnit::kInverseD;
   r = RangeOfPattern(p, MarginWidths{}, false);
   EXPECT_NEAR(r.sLow, 1.0, 1e-12);
   EXPECT_NEAR(r.sHigh, 16.0, 1e-12);

@@ -23,7 +23,7 @@ struct SlotCase {
   ReflectionSource source;
   SlotCase() {
     Pattern& p = *pattern;
-    p.IXUNIT = kTwoTheta;
+    p.IXUNIT = AbscissaUnit::kTwoTheta;
     p.LAMBDA[1] = 1.54056f;
     p.THMIN = 10.0f;
     p.THMAX = 80.0f;

@@ -22,10 +22,10 @@ TEST(FileSet, SinglePatternNamesHaveNoSuffix) {
   CapturedJob job;
   job->driver.PcrCode = "abc";
   job->patterns[1].DatCode = "abc";
-  OpenFiles(*job, 1, 0, 0);
-  OpenFiles(*job, 2, 0, 0);
-  OpenFiles(*job, 11, 1, 0);
-  OpenFiles(*job, 12, 1, 0);
+  OpenFiles(*job, FileKind::kControl, 0, 0);
+  OpenFiles(*job, FileKind::kOutput, 0, 0);
+  OpenFiles(*job, FileKind::kProfile, 1, 0);
+  OpenFiles(*job, FileKind::kBackground, 1, 0);
   EXPECT_EQ(NameOn(*job, 1), "abc.pcr");
   EXPECT_EQ(NameOn(*job, 7), "abc.out");
   EXPECT_EQ(NameOn(*job, 8), "abc.sum");
@@ -38,9 +38,9 @@ TEST(FileSet, MultiPatternNamesCarryThePatternSuffix) {
   CapturedJob job;
   job->driver.PcrCode = "abc";
   job->patterns[2].DatCode = "data2";
-  OpenFiles(*job, 1000, 1, 1);
-  OpenFiles(*job, 12, 2, 0);
-  OpenFiles(*job, 11, 2, 0);
+  OpenFiles(*job, FileKind::kMultiPattern, 1, 1);
+  OpenFiles(*job, FileKind::kBackground, 2, 0);
+  OpenFiles(*job, FileKind::kProfile, 2, 0);
   EXPECT_EQ(NameOn(*job, 12), "data2_2.bac");
   EXPECT_EQ(NameOn(*job, 17), "abc_2.prf");
   EXPECT_EQ(PatternSuffix(*job, 12), "_12");
@@ -51,9 +51,9 @@ TEST(FileSet, MultiPatternSwitchOutlivesTheRun) {
   ScratchDir dir;
   CapturedJob job;
   job->driver.PcrCode = "abc";
-  OpenFiles(*job, 1000, 1, 1);
+  OpenFiles(*job, FileKind::kMultiPattern, 1, 1);
   // A later single-pattern control file in the same process keeps the suffix.
-  OpenFiles(*job, 11, 1, 0);
+  OpenFiles(*job, FileKind::kProfile, 1, 0);
   EXPECT_EQ(NameOn(*job, 17), "abc_1.prf");
 }
 
@@ -61,17 +61,17 @@ TEST(FileSet, PhaseZeroLeavesABlankInsideTheName) {
   ScratchDir dir;
   CapturedJob job;
   job->driver.PcrCode = "abc";
-  OpenFiles(*job, 15, 1, 0);
-  OpenFiles(*job, 18, 1, 0);
-  OpenFiles(*job, 19, 1, 0);
-  OpenFiles(*job, 22, 1, 0);
-  OpenFiles(*job, 10, 1, 0);
+  OpenFiles(*job, FileKind::kSchakal, 1, 0);
+  OpenFiles(*job, FileKind::kAtoms, 1, 0);
+  OpenFiles(*job, FileKind::kPhasePattern, 1, 0);
+  OpenFiles(*job, FileKind::kIntensities, 1, 0);
+  OpenFiles(*job, FileKind::kReflectionBack, 1, 0);
   EXPECT_EQ(NameOn(*job, 18), "abc .sch");
   EXPECT_EQ(NameOn(*job, 22), "abc .atm");
   EXPECT_EQ(NameOn(*job, 23), "abc .sub");
   EXPECT_EQ(NameOn(*job, 26), "abc .int");
   EXPECT_EQ(NameOn(*job, 16), "abc .hkl");
-  OpenFiles(*job, 18, 1, 3);
+  OpenFiles(*job, FileKind::kAtoms, 1, 3);
   EXPECT_EQ(NameOn(*job, 22), "abc3.atm");
 }
 
@@ -90,11 +90,11 @@ TEST(FileSet, DirectoryOfTheCodeIsKeptButSomeNamesAreLookedForHere) {
   CapturedJob job;
   job->driver.PcrCode = "sub/x";
   job->patterns[1].DatCode = "sub/none";
-  OpenFiles(*job, 1, 0, 0);
-  OpenFiles(*job, 18, 1, 2);
-  OpenFiles(*job, 20, 1, 0);
-  OpenFiles(*job, 21, 1, 0);
-  OpenFiles(*job, 6, 1, 2);
+  OpenFiles(*job, FileKind::kControl, 0, 0);
+  OpenFiles(*job, FileKind::kAtoms, 1, 2);
+  OpenFiles(*job, FileKind::kShape, 1, 0);
+  OpenFiles(*job, FileKind::kCorrections, 1, 0);
+  OpenFiles(*job, FileKind::kReflectionInput, 1, 2);
   EXPECT_EQ(NameOn(*job, 1), "sub/x.pcr");
   EXPECT_EQ(NameOn(*job, 22), "sub/x2.atm");
   EXPECT_EQ(NameOn(*job, 24), "global.shp");
@@ -110,13 +110,13 @@ TEST(FileSet, ReflectionFileTriesThreeNamesInOrder) {
   CapturedJob job;
   job->driver.PcrCode = "abc";
   job->patterns[1].DatCode = "dat";
-  OpenFiles(*job, 6, 1, 1);
+  OpenFiles(*job, FileKind::kReflectionInput, 1, 1);
   EXPECT_EQ(NameOn(*job, 15), "abc1.hkl");
   EXPECT_FALSE(job->files.hklFromFile);
-  OpenFiles(*job, 6, 1, 2);
+  OpenFiles(*job, FileKind::kReflectionInput, 1, 2);
   EXPECT_EQ(NameOn(*job, 15), "dat.int");
   EXPECT_TRUE(job->files.hklFromFile);
-  OpenFiles(*job, 10, 1, 2);
+  OpenFiles(*job, FileKind::kReflectionBack, 1, 2);
   EXPECT_EQ(NameOn(*job, 16), "hkl2.hkl");
 }
 
@@ -125,7 +125,7 @@ TEST(FileSet, MissingReflectionFilesStopWithTheThreeNames) {
   CapturedJob job;
   job->driver.PcrCode = "abc";
   job->patterns[1].DatCode = "dat";
-  EXPECT_THROW(OpenFiles(*job, 6, 1, 1), ProcessStop);
+  EXPECT_THROW(OpenFiles(*job, FileKind::kReflectionInput, 1, 1), ProcessStop);
   EXPECT_NE(
       job.Console().find(" => Error opening a (hkl)-file: abc1.hkl,dat.int,hkl1.hkl Unit: 15"),
       std::string::npos);
@@ -137,7 +137,7 @@ TEST(FileSet, DataFileIsLookedForAsDatThenUxdThenAcq) {
   dir.Write("d.acq", "a\n");
   CapturedJob job;
   job->patterns[1].DatCode = "d";
-  OpenFiles(*job, 5, 1, 0);
+  OpenFiles(*job, FileKind::kData, 1, 0);
   EXPECT_EQ(NameOn(*job, 4), "d.uxd");
 }
 
@@ -145,7 +145,7 @@ TEST(FileSet, MissingDataFileStopsWithItsCode) {
   ScratchDir dir;
   CapturedJob job;
   job->patterns[1].DatCode = "nothing";
-  EXPECT_THROW(OpenFiles(*job, 5, 1, 0), ProcessStop);
+  EXPECT_THROW(OpenFiles(*job, FileKind::kData, 1, 0), ProcessStop);
   EXPECT_NE(job.Console().find(
                 " ==> Error opening file CODEFIL.DAT(UXD,ACQ) with CODEFIL=nothing Unit:  4"),
             std::string::npos);
@@ -155,13 +155,39 @@ TEST(FileSet, MissingControlFileStopsWithItsName) {
   ScratchDir dir;
   CapturedJob job;
   job->driver.PcrCode = "absent";
-  EXPECT_THROW(OpenFiles(*job, 1, 0, 0), ProcessStop);
+  EXPECT_THROW(OpenFiles(*job, FileKind::kControl, 0, 0), ProcessStop);
   EXPECT_NE(job.Console().find(" => Error opening file: absent.pcr Unit:  1"), std::string::npos);
+}
+
+TEST(FileSet, MissingShapeFileStopsWithTheCommonName) {
+  ScratchDir dir;
+  CapturedJob job;
+  job->driver.PcrCode = "abc";
+  EXPECT_THROW(OpenFiles(*job, FileKind::kShape, 1, 0), ProcessStop);
+  EXPECT_NE(job.Console().find(" => Error opening file: global.shp Unit: 24"), std::string::npos);
+}
+
+TEST(FileSet, MissingCorrectionFileStopsWithTheCommonNameOfItsPattern) {
+  ScratchDir dir;
+  CapturedJob job;
+  job->driver.PcrCode = "abc";
+  OpenFiles(*job, FileKind::kMultiPattern, 1, 1);
+  EXPECT_THROW(OpenFiles(*job, FileKind::kCorrections, 2, 0), ProcessStop);
+  EXPECT_NE(job.Console().find(" => Error opening file: cor_2.cor Unit: 25"), std::string::npos);
+}
+
+TEST(FileSet, StartingControlCodeIsCreatedWhenAbsent) {
+  ScratchDir dir;
+  CapturedJob job;
+  job->driver.PcrCode = "starting";
+  OpenFiles(*job, FileKind::kControl, 0, 0);
+  EXPECT_EQ(NameOn(*job, Unit::Control), "starting.pcr");
+  EXPECT_EQ(job.Console(), "");
 }
 
 TEST(FileSet, IllegalOptionStops) {
   CapturedJob job;
-  EXPECT_THROW(OpenFiles(*job, 23, 1, 0), ProcessStop);
+  EXPECT_THROW(OpenFiles(*job, static_cast<FileKind>(23), 1, 0), ProcessStop);
   EXPECT_NE(job.Console().find(" => Illegal option nopf:    23"), std::string::npos);
 }
 
@@ -171,8 +197,8 @@ TEST(FileSet, RpaAndSavAreAppendedWhenTheyExist) {
   dir.Write("abc.sav", "old sav\n");
   CapturedJob job;
   job->driver.PcrCode = "abc";
-  OpenFiles(*job, 4, 0, 0);
-  OpenFiles(*job, 9, 0, 0);
+  OpenFiles(*job, FileKind::kRpa, 0, 0);
+  OpenFiles(*job, FileKind::kSav, 0, 0);
   WriteRecord(job->files.units[2], "new rpa");
   WriteRecord(job->files.units[11], "new sav");
   CloseUnit(job->files.units[2]);
@@ -186,7 +212,7 @@ TEST(FileSet, UnknownStatusOverwritesOnWriting) {
   dir.Write("abc.out", "an old report that is longer\n");
   CapturedJob job;
   job->driver.PcrCode = "abc";
-  OpenFiles(*job, 2, 0, 0);
+  OpenFiles(*job, FileKind::kOutput, 0, 0);
   WriteRecord(job->files.units[7], "new");
   CloseUnit(job->files.units[7]);
   EXPECT_EQ(dir.Read("abc.out"), "new\n");
@@ -200,14 +226,14 @@ TEST(FileSet, OtherNamesOfTheTable) {
   CapturedJob job;
   job->driver.PcrCode = "abc";
   job->patterns[1].ResolutionFile = "res.irf";
-  OpenFiles(*job, 1000, 1, 1);
-  OpenFiles(*job, 3, 0, 0);
-  OpenFiles(*job, 7, 1, 0);
-  OpenFiles(*job, 8, 1, 0);
-  OpenFiles(*job, 13, 1, 0);
-  OpenFiles(*job, 14, 0, 0);
-  OpenFiles(*job, 16, 0, 0);
-  OpenFiles(*job, 17, 0, 0);
+  OpenFiles(*job, FileKind::kMultiPattern, 1, 1);
+  OpenFiles(*job, FileKind::kSymmetry, 0, 0);
+  OpenFiles(*job, FileKind::kFourier, 1, 0);
+  OpenFiles(*job, FileKind::kReflectionOutput, 1, 0);
+  OpenFiles(*job, FileKind::kResolution, 1, 0);
+  OpenFiles(*job, FileKind::kSimulated, 0, 0);
+  OpenFiles(*job, FileKind::kNewControl, 0, 0);
+  OpenFiles(*job, FileKind::kShelx, 0, 0);
   EXPECT_EQ(NameOn(*job, 3), "abc.sym");
   EXPECT_EQ(NameOn(*job, 9), "abc_1.fou");
   EXPECT_EQ(NameOn(*job, 10), "abc_1.hkl");
@@ -215,13 +241,13 @@ TEST(FileSet, OtherNamesOfTheTable) {
   EXPECT_EQ(NameOn(*job, 14), "abc.sim");
   EXPECT_EQ(NameOn(*job, 19), "abc.new");
   EXPECT_EQ(NameOn(*job, 21), "abc.ins");
-  OpenFiles(*job, 17, 1, 0);
+  OpenFiles(*job, FileKind::kShelx, 1, 0);
   EXPECT_EQ(NameOn(*job, 21), "abc.inp");
-  OpenFiles(*job, 20, 1, 0);
-  OpenFiles(*job, 21, 1, 0);
+  OpenFiles(*job, FileKind::kShape, 1, 0);
+  OpenFiles(*job, FileKind::kCorrections, 1, 0);
   EXPECT_EQ(NameOn(*job, 24), "abc.shp");
   EXPECT_EQ(NameOn(*job, 25), "abc_1.cor");
-  OpenFiles(*job, 22, 2, 1);
+  OpenFiles(*job, FileKind::kIntensities, 2, 1);
   EXPECT_EQ(NameOn(*job, 26), "abc1_2.int");
 }
 

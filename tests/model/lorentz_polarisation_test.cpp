@@ -293,7 +293,7 @@ TEST(LorentzPolarisation, NeutronFactorTakesTheCorrectionToo) {
 TEST(LorentzPolarisation, TimeOfFlightIsHalfTwoSinThetaTimesDToTheFourth) {
   Pattern p;
   p.JOBTYP = -1;
-  p.IXUNIT = 1;
+  p.IXUNIT = AbscissaUnit::kTimeOfFlight;
   p.TwoSinTh = 1.8126f;
   p.ILOR = 2;  // geometry, absorption and polarisation do not enter
   p.muR = 0.5f;
@@ -305,7 +305,7 @@ TEST(LorentzPolarisation, TimeOfFlightIsHalfTwoSinThetaTimesDToTheFourth) {
 
 TEST(LorentzPolarisation, TimeOfFlightCorrectionIsTakenAtTheTimeOfFlight) {
   Pattern p;
-  p.IXUNIT = 1;
+  p.IXUNIT = AbscissaUnit::kTimeOfFlight;
   p.TwoSinTh = 2.0f;
   p.ICORR = 2;
   p.corrCount = 2;
@@ -318,7 +318,7 @@ TEST(LorentzPolarisation, TimeOfFlightCorrectionIsTakenAtTheTimeOfFlight) {
 
 TEST(LorentzPolarisation, EnergyDispersiveIsDSquared) {
   Pattern p;
-  p.IXUNIT = 2;
+  p.IXUNIT = AbscissaUnit::kEnergy;
   p.JOBTYP = 0;
   p.Cthm = 0.9f;
   p.Sent0 = 50.0f;
@@ -345,12 +345,12 @@ TEST(ReflectionLorentzPolarisation, TwoThetaFactorFromTheWavelengthOfTheReflecti
 
 TEST(ReflectionLorentzPolarisation, TimeOfFlightAndEnergyTakeTheSpacing) {
   Pattern tof;
-  tof.IXUNIT = 1;
+  tof.IXUNIT = AbscissaUnit::kTimeOfFlight;
   tof.TwoSinTh = 1.5f;
   const double q = 0.16;  // d = 2.5
   ExpectRelative(ReflectionLorentzPolarisation(tof, q, 1, 12000.0f), 0.5 * 1.5 * std::pow(2.5, 4));
   Pattern energy;
-  energy.IXUNIT = 2;
+  energy.IXUNIT = AbscissaUnit::kEnergy;
   ExpectRelative(ReflectionLorentzPolarisation(energy, q, 1, 30.0f), 6.25);
 }
 

@@ -120,7 +120,7 @@ TEST(PeakShapeSetup, CodesOfOtherModulesAreAccepted) {
   CapturedJob job;
   for (int code : {10, 11, 13}) {
     const PeakShape s = PrepareShape(*job, code, PlainWidths(0.1f));
-    EXPECT_EQ(s.code, code);
+    EXPECT_EQ(s.code, ProfileCodeOf(code));
     EXPECT_EQ(s.H, 0.1f);
   }
   EXPECT_EQ(job.Console(), "");
@@ -162,7 +162,7 @@ TEST(PeakShapeSetup, UnknownCodeIsAnIllegalRequest) {
 TEST(PeakShapeSetup, ResolutionFileWithAnotherCodeStops) {
   CapturedJob job;
   job->patterns[2].IRESO = 1;
-  EXPECT_THROW(RequireResolutionShape(*job, 2, 6), ProcessStop);
+  EXPECT_THROW(RequireResolutionShape(*job, 2, ProfileCode::kPseudoVoigt), ProcessStop);
   EXPECT_EQ(job.Console(),
             " Illegal use of resolution function for pattern:   2\n"
             "=== Stop/Warning Box ===\n"
@@ -174,9 +174,9 @@ TEST(PeakShapeSetup, ResolutionFileWithAnotherCodeStops) {
 TEST(PeakShapeSetup, ResolutionFileWithTheTchCodeOrWithoutFilePasses) {
   CapturedJob job;
   job->patterns[1].IRESO = 1;
-  RequireResolutionShape(*job, 1, 8);
+  RequireResolutionShape(*job, 1, ProfileCode::kTchPseudoVoigt);
   job->patterns[1].IRESO = 0;
-  RequireResolutionShape(*job, 1, 6);
+  RequireResolutionShape(*job, 1, ProfileCode::kPseudoVoigt);
   EXPECT_EQ(job.Console(), "");
 }
 
@@ -192,7 +192,7 @@ class SlotSlopes : public ::testing::Test {
     if (code == 12) w = testing::SplitWidthsOf(0.25f, 0.375f);
     if (code == 8) {
       WidthInput in;
-      in.code = 8;
+      in.code = ProfileCode::kTchPseudoVoigt;
       in.twoTheta = kTwoTheta;
       in.tanTheta = testing::TanTheta(kTwoTheta);
       const double c = std::cos(0.5 * kTwoTheta * kPi / 180.0);
@@ -308,7 +308,7 @@ TEST_F(SlotSlopes, TchLorentzianWidthTerms) {
   Par(*job)[15] = 0.05f;  // X
   Par(*job)[16] = 0.08f;  // Y
   WidthInput in;
-  in.code = 8;
+  in.code = ProfileCode::kTchPseudoVoigt;
   in.twoTheta = kTwoTheta;
   in.tanTheta = testing::TanTheta(kTwoTheta);
   const double c = std::cos(0.5 * kTwoTheta * kPi / 180.0);

@@ -49,7 +49,7 @@ inline PeakWidths TchWidthsOf(float hg, float hl) {
 // The input of the shape of a reflection at 2theta.
 inline ReflectionShapeInput ShapeInputAt(int code, const PeakWidths& widths, float twoTheta) {
   ReflectionShapeInput in;
-  in.code = code;
+  in.code = ProfileCodeOf(code);
   in.twoTheta = twoTheta;
   in.tanTheta = TanTheta(twoTheta);
   in.widths = widths;

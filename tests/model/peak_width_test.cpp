@@ -27,7 +27,7 @@ Angle AngleAt(double twoTheta) {
 
 WidthInput InputAt(int code, const Angle& a) {
   WidthInput in;
-  in.code = code;
+  in.code = ProfileCodeOf(code);
   in.phase = 1;
   in.twoTheta = static_cast<float>(a.twoTheta);
   in.tanTheta = static_cast<float>(a.tn);

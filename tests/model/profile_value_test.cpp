@@ -71,7 +71,7 @@ class ProfileSymmetry : public ProfileCodes {};
 
 TEST_P(ProfileAreas, UnitAreaOverTheWholeLine) {
   const PeakShape s = Shape();
-  const double tolerance = s.code == 7 ? 1e-4 : 2e-6;
+  const double tolerance = s.code == ProfileCode::kPearsonVII ? 1e-4 : 2e-6;
   EXPECT_NEAR(testing::AreaOverWholeLine(s, s.H), 1.0, tolerance);
 }
 
@@ -105,7 +105,7 @@ TEST_P(ProfileWidths, FullWidthAtHalfMaximumIsTheWidth) {
   const auto f = [&s](double d) { return OmegaAt(s, d); };
   const double right = testing::HalfMaximumDistance(f, 1.0, 5.0 * s.H);
   const double left = testing::HalfMaximumDistance(f, -1.0, 5.0 * s.H);
-  if (s.code == 12) {
+  if (s.code == ProfileCode::kSplitPseudoVoigt) {
     EXPECT_NEAR(left, 0.5 * s.H, 1e-5);
     EXPECT_NEAR(right, 0.5 * s.H2, 1e-5);
   } else {

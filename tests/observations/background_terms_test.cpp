@@ -140,7 +140,7 @@ void SetDebyePattern(Pattern& p, int unit) {
   SetGrid(p, 5.0f, 0.25f, 400);
   SetTypedBackground(p, -1);
   p.Bkpos = 50.0f;
-  p.IXUNIT = unit;
+  p.IXUNIT = AbscissaUnitOf(unit);
   p.LAMBDA[1] = 1.5406f;
   p.Dtt1 = 5000.0f;
   const float amplitude[6] = {40.0f, -25.0f, 12.0f, 8.0f, -4.0f, 2.5f};
@@ -152,7 +152,7 @@ void SetDebyePattern(Pattern& p, int unit) {
 }
 
 double ReciprocalByHand(const Pattern& p, double x) {
-  switch (p.IXUNIT) {
+  switch (ControlNumber(p.IXUNIT)) {
     case 0:
       return 4.0 * kPi * std::sin(x * kPi / 360.0) / p.LAMBDA[1];
     case 1:

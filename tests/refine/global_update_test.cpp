@@ -129,7 +129,7 @@ TEST(GlobalUpdate, WithoutTheCorrectionMicroabsorptionSlotsAreNotClamped) {
 TEST(GlobalUpdate, TimeOfFlightConversionConstantsFollowSlotsEightAndNine) {
   UpdateCase c;
   Pattern& p = c.pattern();
-  p.IXUNIT = 1;
+  p.IXUNIT = AbscissaUnit::kTimeOfFlight;
   p.GLB[8] = 7000.0f;
   p.GLB[9] = -2.0f;
   p.GLBword[8] = UpdateCase::Code(1);

@@ -63,30 +63,30 @@ TEST(ParameterReport, HeadingsNameCyclePhaseAndPattern) {
 }
 
 TEST(ParameterReport, PeakSlotNamesFollowThePhaseKindAndUnit) {
-  EXPECT_EQ(PeakSlotName(1, 0, 0, ""), "Scale");
-  EXPECT_EQ(PeakSlotName(15, 0, 0, ""), "X");
-  EXPECT_EQ(PeakSlotName(15, 0, 1, ""), "Xt");
-  EXPECT_EQ(PeakSlotName(17, 0, 1, ""), "Extinc");
-  EXPECT_EQ(PeakSlotName(3, 0, 1, ""), "Sig-2");
-  EXPECT_EQ(PeakSlotName(18, 0, 0, ""), "Str1");
-  EXPECT_EQ(PeakSlotName(27, 0, 0, ""), "Str10");
-  EXPECT_EQ(PeakSlotName(12, 4, 0, ""), "Sc6");
-  EXPECT_EQ(PeakSlotName(15, -4, 0, ""), "Ext3");
-  EXPECT_EQ(PeakSlotName(61, 0, 0, "Biso"), "Biso");
-  EXPECT_EQ(PeakSlotName(61, 0, 0, ""), "Par061");
+  EXPECT_EQ(PeakSlotName(1, 0, AbscissaUnit::kTwoTheta, ""), "Scale");
+  EXPECT_EQ(PeakSlotName(15, 0, AbscissaUnit::kTwoTheta, ""), "X");
+  EXPECT_EQ(PeakSlotName(15, 0, AbscissaUnit::kTimeOfFlight, ""), "Xt");
+  EXPECT_EQ(PeakSlotName(17, 0, AbscissaUnit::kTimeOfFlight, ""), "Extinc");
+  EXPECT_EQ(PeakSlotName(3, 0, AbscissaUnit::kTimeOfFlight, ""), "Sig-2");
+  EXPECT_EQ(PeakSlotName(18, 0, AbscissaUnit::kTwoTheta, ""), "Str1");
+  EXPECT_EQ(PeakSlotName(27, 0, AbscissaUnit::kTwoTheta, ""), "Str10");
+  EXPECT_EQ(PeakSlotName(12, 4, AbscissaUnit::kTwoTheta, ""), "Sc6");
+  EXPECT_EQ(PeakSlotName(15, -4, AbscissaUnit::kTwoTheta, ""), "Ext3");
+  EXPECT_EQ(PeakSlotName(61, 0, AbscissaUnit::kTwoTheta, "Biso"), "Biso");
+  EXPECT_EQ(PeakSlotName(61, 0, AbscissaUnit::kTwoTheta, ""), "Par061");
 }
 
 TEST(ParameterReport, GlobalSlotNamesFollowTheUnit) {
-  EXPECT_EQ(GlobalSlotName(1, 0), "Zero");
-  EXPECT_EQ(GlobalSlotName(2, 0), "Bck0");
-  EXPECT_EQ(GlobalSlotName(35, 0), "Bck11");
-  EXPECT_EQ(GlobalSlotName(8, 0), "Sycos");
-  EXPECT_EQ(GlobalSlotName(8, 1), "Dtt1");
-  EXPECT_EQ(GlobalSlotName(26, 0), "Lambda");
-  EXPECT_EQ(GlobalSlotName(26, 2), "2Theta");
-  EXPECT_EQ(GlobalSlotName(24, 0), "Bk_c");
-  EXPECT_EQ(GlobalSlotName(29, 0), "Tau");
-  EXPECT_EQ(GlobalSlotName(40, 0), "Glb40");
+  EXPECT_EQ(GlobalSlotName(1, AbscissaUnit::kTwoTheta), "Zero");
+  EXPECT_EQ(GlobalSlotName(2, AbscissaUnit::kTwoTheta), "Bck0");
+  EXPECT_EQ(GlobalSlotName(35, AbscissaUnit::kTwoTheta), "Bck11");
+  EXPECT_EQ(GlobalSlotName(8, AbscissaUnit::kTwoTheta), "Sycos");
+  EXPECT_EQ(GlobalSlotName(8, AbscissaUnit::kTimeOfFlight), "Dtt1");
+  EXPECT_EQ(GlobalSlotName(26, AbscissaUnit::kTwoTheta), "Lambda");
+  EXPECT_EQ(GlobalSlotName(26, AbscissaUnit::kEnergy), "2Theta");
+  EXPECT_EQ(GlobalSlotName(24, AbscissaUnit::kTwoTheta), "Bk_c");
+  EXPECT_EQ(GlobalSlotName(29, AbscissaUnit::kTwoTheta), "Tau");
+  EXPECT_EQ(GlobalSlotName(40, AbscissaUnit::kTwoTheta), "Glb40");
   EXPECT_STREQ(CellConstantName(5), "beta");
 }
 

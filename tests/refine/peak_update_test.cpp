@@ -113,7 +113,7 @@ TEST(PeakClamps, IntegratedIntensityPhasesFixEachNegativeScaleWithItsNumber) {
 
 TEST(PeakClamps, NegativeExtinctionOfTimeOfFlightDataIsFixed) {
   UpdateCase c;
-  c.pattern().IXUNIT = 1;
+  c.pattern().IXUNIT = AbscissaUnit::kTimeOfFlight;
   c.peaks().PAR[17] = -0.5f;
   PeakSlots slots = ShiftPeakSlots(*c, 1, 1);
   ClampPeakParameters(*c, 1, 1, c.Pass(), slots);

@@ -23,7 +23,7 @@ TEST(LinePrinterTable, PrintsFullPagesOfFourColumnGroups) {
   CapturedJob job;
   FillPlotCase(*job);
   FillRamp(job->patterns[1], 250);
-  OpenFiles(*job, 2, 1, 0);
+  OpenFiles(*job, FileKind::kOutput, 1, 0);
   WriteLinePrinterTable(*job, 1);
   const std::vector<std::string> lines = SplitLines(FlushedReport(dir, *job));
   // One full page of 240 points: the heading and 60 rows; points 241..250 are not printed.
@@ -44,9 +44,9 @@ TEST(LinePrinterTable, TimeOfFlightAbscissaHasNoDecimals) {
   CapturedJob job;
   FillPlotCase(*job);
   FillRamp(job->patterns[1], 240);
-  job->patterns[1].IXUNIT = 1;
+  job->patterns[1].IXUNIT = AbscissaUnit::kTimeOfFlight;
   job->patterns[1].X[1] = 1234.4f;
-  OpenFiles(*job, 2, 1, 0);
+  OpenFiles(*job, FileKind::kOutput, 1, 0);
   WriteLinePrinterTable(*job, 1);
   const std::vector<std::string> lines = SplitLines(FlushedReport(dir, *job));
   ASSERT_EQ(lines.size(), 61u);
@@ -59,8 +59,8 @@ TEST(LinePrinterTable, EnergyHeadingAndShortPatternPrintsNothing) {
   CapturedJob job;
   FillPlotCase(*job);
   FillRamp(job->patterns[1], 239);
-  job->patterns[1].IXUNIT = 2;
-  OpenFiles(*job, 2, 1, 0);
+  job->patterns[1].IXUNIT = AbscissaUnit::kEnergy;
+  OpenFiles(*job, FileKind::kOutput, 1, 0);
   WriteLinePrinterTable(*job, 1);
   EXPECT_TRUE(SplitLines(FlushedReport(dir, *job)).empty());
   FillRamp(job->patterns[1], 240);
@@ -93,7 +93,7 @@ TEST(LinePrinterPlot, ScalesDefaultTo50AndMarksGoToTheirColumns) {
   p.X[2] = 10.5f;
   p.Ytotal[2] = 1.0e6f;  // beyond the page: column 120
   p.Ycalc[2] = -100.0f;  // below: column 2
-  OpenFiles(*job, 2, 1, 0);
+  OpenFiles(*job, FileKind::kOutput, 1, 0);
   WriteLinePrinterPlot(*job, 1, 0.0f, 0.0f);
   const std::vector<std::string> lines = SplitLines(FlushedReport(dir, *job));
   ASSERT_EQ(lines.size(), 5u);
@@ -121,7 +121,7 @@ TEST(LinePrinterPlot, GivenScalesAreUsedAndEveryTenthLineCarriesX) {
     p.Ytotal[i] = 300.0f;
     p.Ycalc[i] = 200.0f;
   }
-  OpenFiles(*job, 2, 1, 0);
+  OpenFiles(*job, FileKind::kOutput, 1, 0);
   WriteLinePrinterPlot(*job, 1, 100.0f, 25.0f);
   const std::vector<std::string> lines = SplitLines(FlushedReport(dir, *job));
   ASSERT_EQ(lines.size(), 14u);

@@ -23,7 +23,7 @@ inline void FillPlotCase(Job& job) {
   Pattern& p = job.patterns[1];
   p.DatCode = "d";
   p.JOBTYP = 0;
-  p.IXUNIT = 0;
+  p.IXUNIT = AbscissaUnit::kTwoTheta;
   p.THMIN = 10.0f;
   p.STEP = 0.5f;
   p.THMAX = 11.5f;

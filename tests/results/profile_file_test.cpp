@@ -171,7 +171,7 @@ TEST(ProfileFile, PlottedPositionOfTimeOfFlightAddsTheDSquaredTerm) {
   CapturedJob job;
   FillPlotCase(*job);
   Pattern& p = job->patterns[1];
-  p.IXUNIT = 1;
+  p.IXUNIT = AbscissaUnit::kTimeOfFlight;
   p.GLB[1] = 5.0f;
   p.Dtt1 = 1000.0f;
   p.Dtt2 = 2.0f;

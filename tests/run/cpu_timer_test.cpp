@@ -19,8 +19,8 @@ TEST(CpuTimer, CpuTimerPrintsSecondsAndMinutes) {
   CapturedJob job;
   ASSERT_TRUE(OpenUnit(job->files.units[Unit::Out], "r.out", OpenStatus::Unknown));
   ASSERT_TRUE(OpenUnit(job->files.units[Unit::Sum], "r.sum", OpenStatus::Unknown));
-  CpuTimer(*job, 1, false);
-  CpuTimer(*job, 2, true);
+  CpuTimer(*job, CpuTimerMode::kStart, false);
+  CpuTimer(*job, CpuTimerMode::kEnd, true);
   CloseUnit(job->files.units[Unit::Out]);
   CloseUnit(job->files.units[Unit::Sum]);
   const std::regex seconds(R"(          \s{4}CPU Time:\s*\d+\.\d{3} seconds)");

@@ -28,13 +28,13 @@ TEST(JobChoice, SplitPathCutsAtTheLastSlash) {
 TEST(JobChoice, ContinueDialogsGiveSameOtherOrStop) {
   CapturedJob job("y\nn\ny\nn\nn\n");
   AskContinue(*job);
-  EXPECT_EQ(job->driver.answer, 's');
+  EXPECT_EQ(job->driver.answer, DriverAnswer::kSameData);
   AskContinue(*job);
-  EXPECT_EQ(job->driver.answer, 'a');
+  EXPECT_EQ(job->driver.answer, DriverAnswer::kOtherData);
   AskContinue(*job);
-  EXPECT_EQ(job->driver.answer, 'k');
+  EXPECT_EQ(job->driver.answer, DriverAnswer::kStop);
   AskContinue(*job);  // end of input answers No twice
-  EXPECT_EQ(job->driver.answer, 'k');
+  EXPECT_EQ(job->driver.answer, DriverAnswer::kStop);
   const std::string console = job.Console();
   EXPECT_NE(console.find("Corvinet Refinement: Continue with the same data? [Y/n]"),
             std::string::npos);
