@@ -74,7 +74,8 @@ float CorrectedPosition(const Pattern& pattern, float twoTheta) {
 
 PeakShape PreparePeakShape(const Pattern& pattern, const WidthParameters& par,
                            const NumericalProfile& numerical, const ReflectionShapeInput& in) {
-  if (!KnownCode(in.code)) throw PeakError{PeakFailure::UnknownCode, 0.0f, 0, StoredNumber(in.code)};
+  if (!KnownCode(in.code))
+    throw PeakError{PeakFailure::UnknownCode, 0.0f, 0, StoredNumber(in.code)};
   PeakShape s;
   s.code = in.code;
   s.twoTheta = in.twoTheta;

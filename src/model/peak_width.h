@@ -13,9 +13,9 @@ using WidthParameters = Table1<float, DimensionLimits::MPAR>;
 // What the width law needs of one reflection of one phase in one pattern.
 struct WidthInput {
   ProfileCode code = ProfileCode::kPseudoVoigt;  // Npr of the phase in the pattern
-  int phase = 1;                                 // phase number, for the report of a negative square
-  int wavelengthIndex = 1;                       // 2 for the lambda(2) member of a doublet
-  float twoTheta = 0.0f;                         // Bragg position in degrees
+  int phase = 1;            // phase number, for the report of a negative square
+  int wavelengthIndex = 1;  // 2 for the lambda(2) member of a doublet
+  float twoTheta = 0.0f;    // Bragg position in degrees
   float tanTheta = 0.0f;
   float cos2Theta = 1.0f;        // cos^2(theta)
   float deltaU = 0.0f;           // strain addition to U
