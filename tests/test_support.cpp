@@ -116,6 +116,11 @@ std::vector<std::string> NormaliseLines(const std::vector<std::string>& lines) {
   return out;
 }
 
+int CountLines(const std::string& text, const std::string& line) {
+  const auto lines = SplitLines(text);
+  return static_cast<int>(std::count(lines.begin(), lines.end(), line));
+}
+
 bool HasLine(const std::string& text, const std::string& line) {
   const std::vector<std::string> lines = SplitLines(text);
   return std::find(lines.begin(), lines.end(), line) != lines.end();

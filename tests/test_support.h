@@ -49,6 +49,9 @@ BinaryRun RunBinary(const std::filesystem::path& dir, const std::string& argumen
 
 std::vector<std::string> SplitLines(const std::string& text);
 
+// How many lines of `text` are exactly `line`.
+int CountLines(const std::string& text, const std::string& line);
+
 // True when one line of `text` is exactly `line`.
 bool HasLine(const std::string& text, const std::string& line);
 

@@ -180,26 +180,32 @@ void RangeFromPositions(DataFile& file) {
   file.STEP = n > 1 ? (file.THMAX - file.THMIN) / static_cast<float>(n - 1) : 0.0f;
 }
 
-void NormaliseByCounters(DataFile& file) {
+namespace {
+
+// Counts at or below 0.00001 become 1, counter counts of 0 become 1, and
+// Variance = Ytotal/CountNorm.
+void VarianceOverCounters(DataFile& file) {
   for (std::size_t i = 0; i < static_cast<std::size_t>(file.NPTS); ++i) {
     float& y = file.Ytotal[i];
     float& n = file.CountNorm[i];
     if (y <= 0.00001f) y = 1.0f;
     if (n == 0.0f) n = 1.0f;
     file.Variance[i] = y / n;
-    y = y / n;
+  }
+}
+
+}  // namespace
+
+void NormaliseByCounters(DataFile& file) {
+  VarianceOverCounters(file);
+  for (std::size_t i = 0; i < static_cast<std::size_t>(file.NPTS); ++i) {
+    file.Ytotal[i] = file.Ytotal[i] / file.CountNorm[i];
   }
   file.Cnorm = MeanVarianceRatio(file.Ytotal, file.Variance);
 }
 
 void TakeCounterMeans(DataFile& file) {
-  for (std::size_t i = 0; i < static_cast<std::size_t>(file.NPTS); ++i) {
-    float& y = file.Ytotal[i];
-    float& n = file.CountNorm[i];
-    if (y <= 0.00001f) y = 1.0f;
-    if (n == 0.0f) n = 1.0f;
-    file.Variance[i] = y / n;
-  }
+  VarianceOverCounters(file);
   file.Cnorm = 1.0f;
 }
 

@@ -13,13 +13,9 @@ namespace corvinet {
 namespace {
 
 using testing::CapturedJob;
+using testing::CountLines;
 using testing::ScratchDir;
 using testing::SplitLines;
-
-int CountLines(const std::string& text, const std::string& line) {
-  const auto lines = SplitLines(text);
-  return static_cast<int>(std::count(lines.begin(), lines.end(), line));
-}
 
 // --- Exports of a pattern ---
 
