@@ -82,6 +82,11 @@ void FillBackground(Job& job, int ip) {
   }
 }
 
+bool RefilledEachCycle(const Pattern& pattern) {
+  const BackgroundModel model = BackgroundModelOf(pattern);
+  return model != BackgroundModel::File && model != BackgroundModel::Fourier;
+}
+
 float BackgroundAt(const Pattern& pattern, int i) {
   if (BackgroundModelOf(pattern) == BackgroundModel::File) return FileBackgroundAt(pattern, i);
   return pattern.Backg[i];

@@ -30,6 +30,12 @@ void EvaluateBackground(Job& job, int ip);
 // values of its last pass (FourierFilter).
 void FillBackground(Job& job, int ip);
 
+// Whether the cycle refills Backg before its points (FillBackground): the
+// closed forms and the interpolated points, whose heights may be refined. The
+// file model is interpolated at each call and the Fourier filter keeps its
+// last pass.
+bool RefilledEachCycle(const Pattern& pattern);
+
 // The background at point i as the point loop uses it: the stored Backg[i],
 // except for the file model, which interpolates at each call.
 float BackgroundAt(const Pattern& pattern, int i);

@@ -24,8 +24,8 @@ namespace corvinet {
 
 namespace {
 
-// Backgrounds in closed form are filled before the pass; only with them are
-// points without reflections calculated as well.
+// Only with a background in closed form are points without reflections
+// calculated as well.
 bool PolynomialBackground(const Pattern& p) {
   const BackgroundModel model = BackgroundModelOf(p);
   return model == BackgroundModel::Polynomial || model == BackgroundModel::Debye ||
@@ -40,7 +40,7 @@ void CalculatePattern(Job& job, CycleWork& work, int ip) {
   s.braggPoints[ip] = 0;
   s.usedPoints[ip] = 0;
   const bool polynomial = PolynomialBackground(p);
-  if (polynomial) FillBackground(job, ip);
+  if (RefilledEachCycle(p)) FillBackground(job, ip);
   ConsoleLineWithNumber(job, " Calculation for pattern:", ip, 0.0f, 1);
   int next = 1;
   for (int i = 1; i <= p.NPTS; ++i) {

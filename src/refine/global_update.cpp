@@ -2,8 +2,10 @@
 #include "refine/global_update.h"
 
 #include <cmath>
+#include <vector>
 
 #include "refine/apply_shift.h"
+#include "refine/background_height_update.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -90,12 +92,16 @@ GlobalTable ShiftGlobalParameters(Job& job, int ip, const UpdatePass& pass) {
 
 void UpdateGlobalParameters(Job& job, int ip, const UpdatePass& pass) {
   const GlobalTable shown = ShiftGlobalParameters(job, ip, pass);
+  const std::vector<ShownHeight> heights = ShiftBackgroundHeights(job, ip);
   const Pattern& p = job.patterns[ip];
   WritePassLine(job, pass, GlobalHeading(ip));
   WritePassLine(job, pass, ParameterColumns());
   for (int s = 1; s <= DimensionLimits::NGL; ++s) {
     if (p.GLB[s] == 0.0f && !IsRefined(p, s)) continue;
     WritePassLine(job, pass, ParameterLine(GlobalSlotName(s, p.IXUNIT), shown[s]));
+  }
+  for (const ShownHeight& h : heights) {
+    WritePassLine(job, pass, ParameterLine(BackgroundHeightName(h.point), h.shown));
   }
 }
 

@@ -21,7 +21,8 @@ bool HasMicroabsorption(const Pattern& pattern);
 Table1<ReportedValue, DimensionLimits::NGL> ShiftGlobalParameters(Job& job, int ip,
                                                                   const UpdatePass& pass);
 
-// The global step of a pattern: the update and its table.
+// The global step of a pattern: the update of the global slots and of the
+// refined background heights, and their table (the heights after the slots).
 void UpdateGlobalParameters(Job& job, int ip, const UpdatePass& pass);
 
 }  // namespace corvinet

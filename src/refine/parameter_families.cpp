@@ -1,6 +1,7 @@
 // Families of the refined parameters, from the slots that hold them.
 #include "refine/parameter_families.h"
 
+#include "records/codeword.h"
 #include "records/profile_slots.h"
 
 namespace corvinet {
@@ -37,6 +38,11 @@ void BuildParameterFamilies(Job& job) {
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
     for (int n = 1; n <= DimensionLimits::NGL; ++n) {
       Assign(job, job.patterns[ip].GLBword[n], FamilyOfGlobalSlot(n));
+    }
+    // Heights of an interpolated background; other models leave their codes 0.
+    const Pattern& p = job.patterns[ip];
+    for (int k = 1; k <= p.NBCKGD && k <= DimensionLimits::IBACP; ++k) {
+      Assign(job, DecodeCodeword(p.BackIntCode[k]), kBackground);
     }
   }
   int row = 0;
