@@ -1,5 +1,7 @@
 // The Bragg R-factors of every phase and pattern, with their report lines.
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 #include "format/fortran_format.h"
 #include "refine/bragg_factors.h"
@@ -9,13 +11,9 @@ namespace corvinet {
 
 namespace {
 
-void Report(Job& job, bool writeOut, const std::string& line) {
-  if (writeOut) WriteLine(job, Unit::Out, line);
-  ConsoleLine(job, line);
-}
-
-void BraggFactorsOfPattern(Job& job, int ip, bool writeOut, const BraggProfile& profile) {
-  Report(job, writeOut, Fmt("(A,I3)", " => ---------> Pattern#", ip));
+void BraggFactorsOfPattern(Job& job, int ip, const BraggProfile& profile,
+                           std::vector<std::string>& lines) {
+  lines.push_back(Fmt("(A,I3)", " => ---------> Pattern#", ip));
   PatternReliability& state = job.reliability.pattern[ip];
   for (int f = 1; f <= job.run.NPHASE; ++f) {
     const Phase& phase = job.phases[f];
@@ -29,7 +27,7 @@ void BraggFactorsOfPattern(Job& job, int ip, bool writeOut, const BraggProfile& 
     state.rfFactor[f] = BraggRatio(sums.SumAbsF, sums.SumFobs);
     for (const std::string& line :
          BraggFactorLines(f, phase.Jbt, state.braggR[f], state.rfFactor[f])) {
-      Report(job, writeOut, line);
+      lines.push_back(line);
     }
   }
 }
@@ -44,8 +42,21 @@ std::vector<std::string> BraggFactorLines(int phase, int jbt, float rb, float rf
           Fmt("(A,G9.3)", " =>    RF-factor     :", rf)};
 }
 
+std::vector<std::string> ComputeBraggFactors(Job& job, const BraggProfile& profile) {
+  std::vector<std::string> lines;
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) BraggFactorsOfPattern(job, ip, profile, lines);
+  return lines;
+}
+
+void ReportBraggFactors(Job& job, bool writeOut, const std::vector<std::string>& lines) {
+  for (const std::string& line : lines) {
+    if (writeOut) WriteLine(job, Unit::Out, line);
+    ConsoleLine(job, line);
+  }
+}
+
 void BraggFactors(Job& job, bool writeOut, const BraggProfile& profile) {
-  for (int ip = 1; ip <= job.run.NPATT; ++ip) BraggFactorsOfPattern(job, ip, writeOut, profile);
+  ReportBraggFactors(job, writeOut, ComputeBraggFactors(job, profile));
 }
 
 }  // namespace corvinet

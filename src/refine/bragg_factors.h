@@ -83,9 +83,17 @@ float BraggRatio(float sumAbs, float sumObs);
 // The report lines of a phase: magnetic phases (|Jbt| 1 or 5) have one factor.
 std::vector<std::string> BraggFactorLines(int phase, int jbt, float rb, float rf);
 
-// Bragg factors of every phase of every pattern, stored in
-// job.reliability.pattern[ip].braggR and .rfFactor and reported on the
-// console and, with writeOut, on the .out file.
+// Bragg factors of every phase of every pattern from the parameters as they
+// stand, stored in job.reliability.pattern[ip].braggR and .rfFactor (and,
+// for profile matching, the extracted F2); returns the report lines, a
+// pattern heading and the lines of each phase.
+std::vector<std::string> ComputeBraggFactors(Job& job, const BraggProfile& profile);
+
+// The lines of ComputeBraggFactors on the console and, with writeOut, on the
+// .out file.
+void ReportBraggFactors(Job& job, bool writeOut, const std::vector<std::string>& lines);
+
+// ComputeBraggFactors and its report at once.
 void BraggFactors(Job& job, bool writeOut, const BraggProfile& profile);
 
 }  // namespace corvinet

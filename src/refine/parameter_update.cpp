@@ -2,6 +2,9 @@
 // and sigmas are printed.
 #include "refine/parameter_update.h"
 
+#include <string>
+#include <vector>
+
 #include "format/fortran_format.h"
 #include "observations/fourier.h"
 #include "refine/apply_shift.h"
@@ -73,6 +76,11 @@ void WriteCycleResults(Job& job, int cycle, int endMarker, const BraggProfile& p
   const UpdatePass pass = MakeUpdatePass(job, cycle, endMarker);
   const bool profiles = job.run.ICRYG == 0;
   if (job.run.NRELL != 0) ClearLimitPass(job.limits);
+  // The Bragg factors belong to the parameters the points of this cycle were
+  // calculated with: they are taken before any value moves (a reflection
+  // whose ring slot was reused is computed again from those same values) and
+  // reported in their place after the Chi2.
+  const std::vector<std::string> bragg = ComputeBraggFactors(job, profile);
   WriteHeadings(job, pass);
   if (profiles) {
     for (int ip = 1; ip <= job.run.NPATT; ++ip) ReliabilityIndices(job, ip);
@@ -82,7 +90,7 @@ void WriteCycleResults(Job& job, int cycle, int endMarker, const BraggProfile& p
     for (int ip = 1; ip <= job.run.NPATT; ++ip) UpdatePattern(job, ip, pass);
   }
   ReportGlobalChi2(job, pass);
-  BraggFactors(job, pass.writeOut, profile);
+  ReportBraggFactors(job, pass.writeOut, bragg);
   if (!profiles) return;
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
     Pattern& p = job.patterns[ip];
