@@ -96,10 +96,23 @@ TEST(CycleDriver, NoRefinedParameterConvergesAfterTheFirstCycle) {
   EXPECT_EQ(run.job->refinement.EndMarker, 123);
 }
 
+// With the convergence test on, the last cycle counts as unconverged whatever
+// its shifts, and says nothing about it: a tolerance that every shift meets
+// ends a run of two cycles at the first, but a run of one cycle has no
+// results pass of zero shifts.
 TEST(CycleDriver, OneCycleWithTheTestActiveNeverReportsConvergence) {
-  CycleRun run(1, 1);
+  const float everyShiftMeetsIt = 1.0e6f;
+  CycleRun two(2, 1, 0, true, everyShiftMeetsIt);
+  ASSERT_TRUE(two.finished) << two.job.Console();
+  ASSERT_TRUE(two.job->run.ConvergenceTestActive);
+  ASSERT_EQ(two.job->refinement.EndMarker, 123);
+  EXPECT_EQ(two.Count("    ===================>>> CYCLE:       2"), 0);
+
+  CycleRun run(1, 1, 0, true, everyShiftMeetsIt);
   EXPECT_TRUE(run.finished) << run.job.Console();
+  ASSERT_TRUE(run.job->run.ConvergenceTestActive);
   EXPECT_EQ(run.job->refinement.EndMarker, 0);
+  EXPECT_EQ(run.job.Console().find("Convergence reached"), std::string::npos);
   EXPECT_EQ(run.job.Console().find("Convergence not reached"), std::string::npos);
 }
 

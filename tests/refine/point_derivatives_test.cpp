@@ -4,7 +4,9 @@
 
 #include <cmath>
 #include <functional>
+#include <limits>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "observations/background.h"
@@ -44,6 +46,31 @@ std::string ControlText(int typedProfile, int iasym) {
          "4.05 4.05 4.05 90 90 90\n0 0 0 0 0 0\n"
          "0.3 0.0 0.05 0.02 0.01 0.01\n0 0 0 0 0 0\n" +
          (typedProfile == 4 || typedProfile >= 8 ? std::string("0.02 0 0.03 0\n") : std::string());
+}
+
+// The relative agreement of an analytic derivative with its central
+// difference.
+constexpr double kRelative = 2e-3;
+// The rows that leave out how the peak moves the quantities computed at its
+// position (Lorentz-polarisation factor, widths): their differences show
+// those terms, from 0.3 to 1.3 per cent.
+constexpr double kPositionOnlyRelative = 1.5e-2;
+
+bool MovesThePeakOnly(const std::string& name) {
+  return name == "Sysin" || name == "Dtt1" || name == "U (energy)" || name == "component";
+}
+
+// What a central difference of 32-bit values can confirm of a derivative: a
+// relative agreement, widened only by the rounding of the two values it
+// differences (kRoundingUnits units of the last place of the larger one,
+// divided by the width 2h of the difference).
+double FiniteDifferenceTolerance(const std::string& name, double numeric, double up, double down,
+                                 double h) {
+  constexpr double kRoundingUnits = 8.0;
+  const double relative = MovesThePeakOnly(name) ? kPositionOnlyRelative : kRelative;
+  const double unit =
+      std::numeric_limits<float>::epsilon() * std::max(std::fabs(up), std::fabs(down));
+  return relative * std::fabs(numeric) + kRoundingUnits * unit / (2.0 * h);
 }
 
 struct Parameter {
@@ -142,8 +169,8 @@ void CheckProfile(int typedProfile, int iasym, const std::vector<const char*>& s
       const double down = run.At(i, unused);
       v = saved;
       const double numeric = (up - down) / (2.0 * h);
-      const double scale = std::max(std::fabs(numeric), 1.0);
-      EXPECT_NEAR(analytic[n], numeric, 2e-2 * scale)
+      EXPECT_NEAR(analytic[n], numeric,
+                  FiniteDifferenceTolerance(list[n].name, numeric, up, down, h))
           << list[n].name << " at point " << i << " (profile " << typedProfile << ")";
     }
   }
@@ -225,7 +252,7 @@ TEST(PointDerivatives, PropagationVectorComponentsFollowFiniteDifferences) {
       v = saved;
       const double numeric = (up - down) / (2.0 * h);
       EXPECT_NEAR(analytic[static_cast<std::size_t>(c - 1)], numeric,
-                  2e-2 * std::max(std::fabs(numeric), 1.0))
+                  FiniteDifferenceTolerance("component", numeric, up, down, h))
           << "component " << c << " at point " << i;
       checked += std::fabs(numeric) > 1.0 ? 1 : 0;
     }
@@ -246,6 +273,11 @@ TEST(PointDerivatives, ReflectionWithoutStructureFactorKeepsItsStoredValue) {
     ComputeReflectionProfile(j, *run.work, 1, 1);
     EXPECT_EQ(r.F2, 7.5f) << "Jbt " << Jbt;
   }
+}
+
+// The energy rows under their names in MovesThePeakOnly.
+std::string EnergyRowName(const std::string& name) {
+  return name == "U" ? "U (energy)" : name;
 }
 
 TEST(PointDerivatives, EnergyDispersivePseudoVoigtFollowsFiniteDifferences) {
@@ -312,7 +344,9 @@ TEST(PointDerivatives, EnergyDispersivePseudoVoigtFollowsFiniteDifferences) {
         const double down = at(i, nullptr);
         v = saved;
         const double numeric = (up - down) / (2.0 * list[n].step);
-        EXPECT_NEAR(analytic[n], numeric, 2e-2 * std::max(std::fabs(numeric), 1.0))
+        EXPECT_NEAR(
+            analytic[n], numeric,
+            FiniteDifferenceTolerance(EnergyRowName(list[n].name), numeric, up, down, list[n].step))
             << list[n].name << " at point " << i;
       }
     }
