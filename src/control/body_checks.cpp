@@ -14,8 +14,12 @@ namespace {
 
 bool UsedByGlobals(const Job& job, int n) {
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
-    for (const Codeword& w : job.patterns[ip].GLBword) {
+    const Pattern& p = job.patterns[ip];
+    for (const Codeword& w : p.GLBword) {
       if (w.parameterNumber == n) return true;
+    }
+    for (int j = 1; j <= p.NBCKGD && j <= DimensionLimits::IBACP + 1; ++j) {
+      if (DecodeCodeword(p.BackIntCode[j]).parameterNumber == n) return true;
     }
   }
   return false;

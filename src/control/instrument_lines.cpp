@@ -102,7 +102,9 @@ void ReadPointLists(Job& job, int ip) {
   Pattern& p = job.patterns[ip];
   if (p.NBCKGD >= 2 && p.noBackgroundPoints == 0) {
     for (int j = 1; j <= p.NBCKGD; ++j) {
-      ReadMaskedLine(job, Unit::Control, "ff", job.LINE, {&p.BackPos[j], &p.BackInt[j]});
+      // An optional third value is the code of the height; a line of two leaves it 0.
+      ReadMaskedLine(job, Unit::Control, "fff", job.LINE,
+                     {&p.BackPos[j], &p.BackInt[j], &p.BackIntCode[j]});
     }
     WriteReports(job, " => Background ==> ");
     WriteReports(job, "    Position   Intensity");

@@ -89,8 +89,10 @@ void AppendPointLists(const Job& job, int ip, ControlLines& lines) {
   const Pattern& p = job.patterns[ip];
   if (p.NBCKGD >= 2 && p.noBackgroundPoints == 0) {
     Head(job, lines, Fmt("(A,I3)", "!2Theta/TOF/E(Kev)   Background  for Pattern#", ip));
+    const bool coded = AnyBackgroundHeightCode(p);
     for (int j = 1; j <= p.NBCKGD; ++j) {
-      Put(lines, Fmt("(2(1X,F12.3))", p.BackPos[j], p.BackInt[j]));
+      Put(lines, coded ? Fmt("(2(1X,F12.3),F9.2)", p.BackPos[j], p.BackInt[j], p.BackIntCode[j])
+                       : Fmt("(2(1X,F12.3))", p.BackPos[j], p.BackInt[j]));
     }
     Put(lines, "! ");
   }

@@ -161,6 +161,14 @@ inline bool IsNeutronPattern(const Pattern& p) {
   return IsNeutronJob(p.JOBTYP);
 }
 
+// Whether a height of the background points carries a refinement code.
+inline bool AnyBackgroundHeightCode(const Pattern& p) {
+  for (int j = 1; j <= p.NBCKGD && j <= DimensionLimits::IBACP + 1; ++j) {
+    if (p.BackIntCode[j] != 0.0f) return true;
+  }
+  return false;
+}
+
 // A pattern that is calculated, not refined: |JOBTYP| 2 (X-rays) or 3 (neutrons).
 inline bool IsCalculatedPattern(const Pattern& p) {
   return std::abs(p.JOBTYP) > 1;

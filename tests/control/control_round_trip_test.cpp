@@ -152,6 +152,7 @@ void ExpectSamePatternValues(const Pattern& a, const Pattern& b) {
   for (int j = 1; j <= a.NBCKGD; ++j) {
     EXPECT_CLOSE(BackPos[j]);
     EXPECT_CLOSE(BackInt[j]);
+    EXPECT_CLOSE(BackIntCode[j]);
   }
   for (int j = 1; j <= a.NEXCRG; ++j) {
     EXPECT_CLOSE(ExclLow[j]);
@@ -409,6 +410,17 @@ TEST(ControlRoundTrip, LinearBackgroundPointsAndExcludedRegions) {
   SingleCase c = WithoutBackgroundCoefficients("0 5 1 3 2 0 0 0 0 0 0 0 0 1 0 0 0");
   c.points = "20.0 100.0\n40.0 110.5\n60.0 120.25\n20.0 22.0\n58.5 60.0\n";
   RoundTrip(c.Text());
+}
+
+// A third value on a background point line is the code of its height; the
+// codes count as parameters of the matrix and are written back.
+TEST(ControlRoundTrip, BackgroundPointHeightsWithCodes) {
+  SingleCase c = WithoutBackgroundCoefficients("0 5 1 3 0 0 0 0 0 0 0 0 0 1 0 0 0");
+  c.maxs = "4";
+  c.points = "20.0 100.0 31.0\n40.0 110.5 41.0\n60.0 120.25\n";
+  const std::string written = RoundTrip(c.Text());
+  EXPECT_NE(written.find("       20.000      100.000    31.00"), std::string::npos) << written;
+  EXPECT_NE(written.find("       60.000      120.250     0.00"), std::string::npos) << written;
 }
 
 TEST(ControlRoundTrip, SplineBackgroundPoints) {

@@ -3,6 +3,8 @@
 // whose numbers are recalculated independently by tests/data/cycle/check_cycle_numbers.py.
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -131,6 +133,38 @@ TEST(CycleEndToEnd, CyclicLogShowsTheChiSquareOfEachRound) {
   EXPECT_NEAR(reported[0], kCycle1GlobalChi2, 0.0006);
   EXPECT_NE(reported[1], reported[0]);
   EXPECT_NEAR(NumberAfter(rounds[1], "Chi2 ="), reported[1], 0.0006) << rounds[1];
+}
+
+// Background heights refined from the control file: the third value of each
+// point line is its code. The heights start at 150 counts and end within 3
+// sigma of the background the data were simulated with (make_cycle_data.py:
+// 180 + 25u + 40u^2, u = 2theta/40 - 1); the new control file keeps the codes.
+TEST(CycleEndToEnd, BackgroundHeightsRefineFromTheirCodes) {
+  ScratchDir dir;
+  dir.Write("heights.pcr", TestData("cycle/heights.pcr"));
+  dir.Write("heights.dat", TestData("cycle/cycle.dat"));
+  ASSERT_EQ(testing::RunBinary(dir.path, "heights").exitCode, 0);
+  std::vector<std::string> rows;
+  for (const std::string& line : SplitLines(dir.Read("heights.out"))) {
+    if (line.find("BckPt") != std::string::npos) rows.push_back(line);
+  }
+  ASSERT_GE(rows.size(), 9u);
+  for (int k = 1; k <= 9; ++k) {
+    const std::string& row = rows[rows.size() - 9 + static_cast<std::size_t>(k - 1)];
+    std::istringstream in(row);
+    std::string name;
+    double height = 0.0, shift = 0.0, sigma = 0.0;
+    in >> name >> height >> shift >> sigma;
+    EXPECT_EQ(name, "BckPt" + std::to_string(k));
+    const double u = (15.0 + 5.0 * k) / 40.0 - 1.0;
+    const double truth = 180.0 + 25.0 * u + 40.0 * u * u;
+    EXPECT_LT(std::fabs(height - truth), 3.0 * sigma) << row;
+    EXPECT_GT(std::fabs(height - 150.0), 10.0) << row;
+  }
+  const std::string written = dir.Read("heights.pcr");
+  EXPECT_NE(written.find("    11.00\n"), std::string::npos) << written;
+  EXPECT_NE(written.find("    91.00\n"), std::string::npos) << written;
+  EXPECT_EQ(written.find("  150.000"), std::string::npos) << written;
 }
 
 }  // namespace
