@@ -308,6 +308,8 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   }
   if (p.IXUNIT == AbscissaUnit::kEnergy) {
     entry.shape.position = p.GLB[1] + r.position + static_cast<float>(p.GLB[9] * g.Q);
+    // HL = X E + Y: Y enters the Lorentzian width as it is, with no 1/cos(theta).
+    entry.shape.cosTheta = 1.0f;
   }
   CorrectionInput ci;
   ci.wavelengthIndex = w;
