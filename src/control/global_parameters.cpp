@@ -6,6 +6,7 @@
 
 #include "format/fortran_format.h"
 #include "io/field_reader.h"
+#include "refine/global_update.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -143,7 +144,7 @@ void ReadGlobalParameters(Job& job, int ip) {
     c[26] = 0.0f;
   }
   if (c[26] > 0.5f && g[26] > 0.01f && p.IXUNIT == AbscissaUnit::kTwoTheta) {
-    p.LAMBDA[1] = p.LAMBDA[2] = g[26];
+    MoveWavelengths(p, g[26]);
     WriteReports(job, " => Wavelength is refined");
     WriteReports(job, Fmt("(A,F10.5)", " => Refined Wavelength: ", g[26]));
   }

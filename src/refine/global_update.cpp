@@ -64,6 +64,17 @@ void ClampMicroabsorption(Job& job, const UpdatePass& pass, Pattern& p) {
 
 }  // namespace
 
+void MoveWavelengths(Pattern& pattern, float lambda1) {
+  const float old1 = pattern.LAMBDA[1];
+  const float old2 = pattern.LAMBDA[2];
+  pattern.LAMBDA[1] = lambda1;
+  if (old2 == old1 || !(old1 > 0.0f)) {
+    pattern.LAMBDA[2] = lambda1;
+  } else {
+    pattern.LAMBDA[2] = static_cast<float>(static_cast<double>(old2) / old1 * lambda1);
+  }
+}
+
 bool HasMicroabsorption(const Pattern& pattern) {
   return pattern.MORE != 0 && (pattern.ILOR == 0 || pattern.ILOR == 3);
 }
@@ -77,7 +88,7 @@ GlobalTable ShiftGlobalParameters(Job& job, int ip, const UpdatePass& pass) {
     shown[s] = {p.GLB[s], r.shift, r.sigma};
   }
   if (IsRefined(p, Global::kWavelength) && p.GLB[Global::kWavelength] > 0.0f) {
-    p.LAMBDA[1] = p.LAMBDA[2] = p.GLB[Global::kWavelength];
+    MoveWavelengths(p, p.GLB[Global::kWavelength]);
   }
   RecoverTransform(p, shown, Global::kTransformC, 0.1f);
   RecoverTransform(p, shown, Global::kTransformD, 3.0f);

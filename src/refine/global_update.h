@@ -13,8 +13,13 @@ namespace corvinet {
 // geometry (ILOR) 0 or 3.
 bool HasMicroabsorption(const Pattern& pattern);
 
+// Sets the first wavelength of the pattern to `lambda1` and moves the second
+// with it, so that the ratio LAMBDA[2]/LAMBDA[1] of a doublet is kept (a
+// single wavelength, LAMBDA[2] = LAMBDA[1], stays single).
+void MoveWavelengths(Pattern& pattern, float lambda1);
+
 // Updates the NGL global slots of the pattern with R_gl, then: the refined
-// wavelength copied into both wavelengths; the transforming coefficients c
+// wavelength moves both wavelengths at their fixed ratio; the transforming coefficients c
 // and d reset to 0 (sigma 0.9999) when out of range; the microabsorption
 // clamps with their warnings; Dtt1 and Dtt2 copied into the conversion
 // constants for time of flight and energy. Returns what the table shows.

@@ -164,7 +164,9 @@ double GlobalSlotDerivative(int n, const Pattern& p, const Geometry& g,
     case 9:
       return std::sin(2.0 * theta);
     case 26:
-      return g.dTdTwoTheta * 2.0 * kRadian * g.tanTheta / g.lambda;
+      // Both wavelengths move at their fixed ratio: d(2theta)/d(LAMBDA[1]) of
+      // a reflection of either is 2 tan(theta)/LAMBDA[1] in radians.
+      return g.dTdTwoTheta * 2.0 * kRadian * g.tanTheta / p.LAMBDA[1];
     case 27:
       return PerIntensity(corr, corr.dP0);
     case 28:
@@ -308,6 +310,8 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   }
   if (p.IXUNIT == AbscissaUnit::kEnergy) {
     entry.shape.position = p.GLB[1] + r.position + static_cast<float>(p.GLB[9] * g.Q);
+    // HL = X E + Y: Y enters the Lorentzian width as it is, with no 1/cos(theta).
+    entry.shape.cosTheta = 1.0f;
   }
   CorrectionInput ci;
   ci.wavelengthIndex = w;

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "control/control_reading.h"
+#include "control/unmodelled_inputs.h"
 #include "format/date_time.h"
 #include "format/fortran_format.h"
 #include "io/file_set.h"
@@ -49,6 +50,7 @@ void RunEngine(Job& job) {
       return;
     }
   }
+  StopOnUnmodelledInputs(job);
   auto work = std::make_unique<CycleWork>();
   RunCycles(job, *work);
   FinalReport(job, *work);

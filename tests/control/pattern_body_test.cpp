@@ -231,14 +231,16 @@ TEST(PatternBody, ExcludedRegionsAndBackgroundPointsAreListed) {
   EXPECT_NEAR(p.Backg[11], 60.0f, 1e-4);
 }
 
-TEST(PatternBody, RefinedWavelengthReplacesBoth) {
+// The refined wavelength replaces the first and moves the second of the
+// doublet (1.5406, 1.5444) at its ratio.
+TEST(PatternBody, RefinedWavelengthMovesBothAtTheirRatio) {
   ScratchDir dir;
   CapturedJob job;
   Parts parts;
   parts.globals = "0.0 0.0 0.0 0.0 0.0 0.0 1.54 11.0 0";
   ASSERT_TRUE(ReadWhole(dir, job, parts.Text()));
   EXPECT_FLOAT_EQ(job->patterns[1].LAMBDA[1], 1.54f);
-  EXPECT_FLOAT_EQ(job->patterns[1].LAMBDA[2], 1.54f);
+  EXPECT_FLOAT_EQ(job->patterns[1].LAMBDA[2], static_cast<float>(1.54 * 1.5444 / 1.5406));
   const std::string out = dir.Read("x.out");
   EXPECT_TRUE(testing::HasNormalisedLine(out, " => Wavelength is refined"));
   EXPECT_TRUE(testing::HasNormalisedLine(out, " => Refined Wavelength:    1.54000"));

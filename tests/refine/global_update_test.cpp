@@ -22,11 +22,26 @@ TEST(GlobalUpdate, GlobalSlotsTakeRgl) {
   EXPECT_EQ(c.pattern().GLB[1], 0.01f + 0.5f * 2.0f * 0.25f);
 }
 
-TEST(GlobalUpdate, ARefinedPositiveWavelengthReplacesBothWavelengths) {
+// The shifted wavelength replaces the first and moves the second at the
+// ratio of the doublet.
+TEST(GlobalUpdate, ARefinedPositiveWavelengthMovesBothAtTheirRatio) {
   UpdateCase c;
   Pattern& p = c.pattern();
   p.LAMBDA[1] = 1.54056f;
   p.LAMBDA[2] = 1.54439f;
+  p.GLB[26] = 1.5f;
+  p.GLBword[26] = UpdateCase::Code(1);
+  c.SetParameter(1, 0.25f, 0.0f);
+  ShiftGlobalParameters(*c, 1, c.Pass());
+  EXPECT_EQ(p.LAMBDA[1], 1.75f);
+  EXPECT_FLOAT_EQ(p.LAMBDA[2], static_cast<float>(1.75 * 1.54439 / 1.54056));
+}
+
+TEST(GlobalUpdate, ARefinedSingleWavelengthStaysSingle) {
+  UpdateCase c;
+  Pattern& p = c.pattern();
+  p.LAMBDA[1] = 1.54056f;
+  p.LAMBDA[2] = 1.54056f;
   p.GLB[26] = 1.5f;
   p.GLBword[26] = UpdateCase::Code(1);
   c.SetParameter(1, 0.25f, 0.0f);

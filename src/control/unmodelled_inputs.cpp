@@ -1,0 +1,90 @@
+// The check that no value read from the control file waits on a model this version lacks.
+#include "control/unmodelled_inputs.h"
+
+#include <cstdlib>
+#include <string>
+
+#include "format/fortran_format.h"
+#include "records/profile_slots.h"
+#include "surface/console.h"
+
+namespace corvinet {
+
+namespace {
+
+using namespace ProfileSlot;
+
+// A slot range of the profile table, first to last.
+struct SlotRange {
+  int first;
+  int last;
+};
+
+// Strain terms, the Lorentzian and generalized size terms, the harmonic size coefficients.
+constexpr SlotRange kSizeStrain[] = {{Str1, Str10}, {LorSiz, Size6}, {SizeSH1, SizeSH9}};
+constexpr SlotRange kShift[] = {{Shift1, Shift2}};
+constexpr SlotRange kAsymmetryModel[] = {{AsyP, AsyP}};
+
+// A slot holds something: a non-zero value, or a code that refines it.
+bool SlotUsed(const PhasePattern& c, int s) {
+  return c.PAR[s] != 0.0f || c.PACtyped[s] != 0.0f;
+}
+
+template <std::size_t N>
+bool AnyUsed(const PhasePattern& c, const SlotRange (&ranges)[N]) {
+  for (const SlotRange& r : ranges) {
+    for (int s = r.first; s <= r.last; ++s) {
+      if (SlotUsed(c, s)) return true;
+    }
+  }
+  return false;
+}
+
+bool FurtherUsed(const Job& job, const Phase& ph, const PhasePattern& c) {
+  for (int n = 1; n <= ph.Furth; ++n) {
+    const int s = job.run.firstFurtherParameter + n;
+    if (s <= DimensionLimits::MPAR && SlotUsed(c, s)) return true;
+  }
+  return false;
+}
+
+// What phase k holds in pattern ip that no model uses; empty when nothing.
+std::string UnmodelledWords(const Job& job, int k, int ip) {
+  const Phase& ph = job.phases[k];
+  const PhasePattern& c = ph.pat[ip];
+  if (ProfileOf(c) == ProfileCode::kAxialDivergence)
+    return "the axial-divergence profile (Npr 12) is not modelled by this version";
+  if (AnyUsed(c, kSizeStrain)) return "size and strain parameters are not modelled by this version";
+  if (AnyUsed(c, kShift)) return "hkl-dependent shift parameters are not modelled by this version";
+  if (AnyUsed(c, kAsymmetryModel))
+    return "the hkl-dependent asymmetry parameter is not modelled by this version";
+  if (FurtherUsed(job, ph, c)) return "further parameters are not modelled by this version";
+  return {};
+}
+
+bool PatternRuns(const Pattern& p) {
+  return p.IXUNIT != AbscissaUnit::kTimeOfFlight;
+}
+
+}  // namespace
+
+void StopOnUnmodelledInputs(Job& job) {
+  if (std::abs(job.run.ICRYG) == 2) return;
+  for (int k = 1; k <= job.run.NPHASE; ++k) {
+    for (int ip = 1; ip <= job.run.NPATT; ++ip) {
+      const PhasePattern& c = job.phases[k].pat[ip];
+      if (c.Contribution == 0 || std::abs(c.Irf) == 4 || !PatternRuns(job.patterns[ip])) continue;
+      const std::string words = UnmodelledWords(job, k, ip);
+      if (words.empty()) continue;
+      const std::string where = job.run.NPATT > 1
+                                    ? Fmt("(A,I0,A,I0)", " => Phase ", k, " in pattern ", ip)
+                                    : Fmt("(A,I0)", " => Phase ", k);
+      const std::string line = where + ": " + words;
+      ConsoleLine(job, line);
+      WriteReports(job, line);
+      StopBox(job, " Input not modelled by this version ");
+    }
+  }
+}
+
+}  // namespace corvinet
