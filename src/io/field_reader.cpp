@@ -32,7 +32,7 @@ bool ReadQualifyingLine(Job& job, int unit, std::string& line, int& lineNumber, 
       error = FieldError::EndOfFile;
       ConsoleLine(job, Fmt("(A,I3)", " => Not FATAL End of file !,  logical unit: ", unit));
       if (unit == Unit::Data) return false;
-      throw ProcessStop{1};
+      throw ProcessStop{ExitStatus::kError};
     }
     if (got == RecordRead::Error) {
       error = -1 - 100;
