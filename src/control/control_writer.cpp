@@ -6,6 +6,7 @@
 
 #include "format/fortran_format.h"
 #include "format/text.h"
+#include "io/file_replacement.h"
 #include "io/file_set.h"
 #include "surface/console.h"
 
@@ -63,21 +64,26 @@ void WriteLines(TextUnit& unit, const ControlLines& lines) {
   std::fflush(unit.file);
 }
 
-// The control file is rewritten in place: its unit is opened again for
-// writing at its start, and the file ends where the new text ends.
-TextUnit& ControlUnitForRewrite(Job& job) {
-  TextUnit& unit = job.files.units[Unit::Control];
-  const std::string name = IsOpen(unit) ? unit.name : job.driver.PcrCode + ".pcr";
-  if (!OpenUnit(unit, name, OpenStatus::Unknown)) {
-    StopBox(job, " => Error opening file: " + name + Fmt("(A,I3)", " Unit:", Unit::Control));
-  }
-  return unit;
+void StopOnWriteFailure(Job& job, const std::string& name) {
+  ConsoleLine(job, " => Error writing file: " + name);
+  StopBox(job, " Error writing the new control file ");
 }
 
 void StopOnWriteFailure(Job& job, const TextUnit& unit) {
   if (unit.file != nullptr && std::ferror(unit.file) == 0) return;
-  ConsoleLine(job, " => Error writing file: " + unit.name);
-  StopBox(job, " Error writing the new control file ");
+  StopOnWriteFailure(job, unit.name);
+}
+
+// The control file being read (unit 1), or the one of the control code.
+std::string ControlFileName(Job& job) {
+  const TextUnit& unit = job.files.units[Unit::Control];
+  return IsOpen(unit) ? unit.name : FileName(job, FileKind::kControl, 0, 0);
+}
+
+// The file is replaced whole, through a temporary file beside it: a run that
+// is killed or fails while writing leaves the old file.
+void ReplaceControlText(Job& job, const std::string& name, const ControlLines& lines) {
+  if (ReplaceFileLines(name, lines) != ReplaceResult::kReplaced) StopOnWriteFailure(job, name);
 }
 
 void WriteAtomCoordinateFile(Job& job, int k) {
@@ -146,15 +152,12 @@ ControlLines ControlFileLines(const Job& job, const ControlEndValues& ends) {
 void WriteControlFile(Job& job, int Iscale, int Idif, float twoTh1, float twoTh2) {
   const ControlLines lines = ControlFileLines(job, {Iscale, Idif, twoTh1, twoTh2});
   if (job.run.NXT == 1) {
-    TextUnit& unit = ControlUnitForRewrite(job);
-    WriteLines(unit, lines);
-    StopOnWriteFailure(job, unit);
+    // The unit would go on reading the text that is replaced: it is closed.
+    const std::string name = ControlFileName(job);
+    CloseUnit(job.files.units[Unit::Control]);
+    ReplaceControlText(job, name, lines);
   } else {
-    OpenFiles(job, FileKind::kNewControl, 0, 0);
-    TextUnit& unit = job.files.units[Unit::NewControl];
-    WriteLines(unit, lines);
-    StopOnWriteFailure(job, unit);
-    CloseUnit(unit);
+    ReplaceControlText(job, FileName(job, FileKind::kNewControl, 0, 0), lines);
   }
   for (int k = 1; k <= job.run.NPHASE; ++k) {
     if (job.phases[k].Jdi != 0) WriteAtomCoordinateFile(job, k);

@@ -21,10 +21,11 @@ struct ControlEndValues {
 // Lines of a control file being written; each entry is one record.
 using ControlLines = std::vector<std::string>;
 
-// Writes the control file of the job: over the control file itself (unit 1)
-// when NXT is 1, otherwise on the .new file (unit 19). Phases with Jdi not 0
-// also get their atom-coordinate file (.atm, unit 22). A write failure stops
-// the run.
+// Writes the control file of the job: over the control file itself (the file
+// of unit 1, which is closed) when NXT is 1, otherwise as the .new file. The
+// file is replaced whole through a temporary file beside it, so that a failed
+// or killed run leaves the old one. Phases with Jdi not 0 also get their
+// atom-coordinate file (.atm, unit 22). A write failure stops the run.
 void WriteControlFile(Job& job, int Iscale, int Idif, float twoTh1, float twoTh2);
 
 // All records of the control file, in order.

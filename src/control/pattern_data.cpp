@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <string>
 
 #include "control/body_checks.h"
 #include "format/fortran_format.h"
@@ -56,6 +57,31 @@ void StopOnTooManyPoints(Job& job, int points) {
   StopBox(job, " Too many data points ");
 }
 
+// Stops with `words` on the report and in the box.
+[[noreturn]] void StopOnPatternInput(Job& job, int ip, const char* words) {
+  const std::string line = Fmt("(A,A,I3)", words, " -> Pattern#", ip);
+  WriteLine(job, Unit::Out, line);
+  StopBox(job, line);
+}
+
+// A 2theta pattern places its reflections by the wavelength: with none, no
+// reflection would fall in the range.
+void StopOnMissingWavelength(Job& job, int ip) {
+  const Pattern& p = job.patterns[ip];
+  if (p.IXUNIT != AbscissaUnit::kTwoTheta || p.LAMBDA[1] > 0.0f) return;
+  StopOnPatternInput(job, ip, " => The wavelength Lambda1 must be above 0");
+}
+
+// The range of the cycle line must hold points: a step above 0 and an upper
+// end above the lower one.
+void StopOnEmptyCalculationRange(Job& job, int ip) {
+  const Pattern& p = job.patterns[ip];
+  if (!(p.STEP > 0.0f)) StopOnPatternInput(job, ip, " => The calculation step must be above 0");
+  if (!(p.THMAX > p.THMIN)) {
+    StopOnPatternInput(job, ip, " => The calculation range is empty: Thmax must be above Thmin");
+  }
+}
+
 // A pattern to calculate has its abscissa from the range of the cycle line.
 void BuildCalculatedAbscissa(Job& job, Pattern& p) {
   const double points = std::trunc((p.THMAX - p.THMIN) * (1.0f / p.STEP) + 1.5f);
@@ -69,9 +95,11 @@ void BuildCalculatedAbscissa(Job& job, Pattern& p) {
 
 void ReadPatternData(Job& job, int ip) {
   Pattern& p = job.patterns[ip];
+  StopOnMissingWavelength(job, ip);
   if (!IsCalculatedPattern(p)) {
     ReadObservedData(job, ip);
   } else {
+    StopOnEmptyCalculationRange(job, ip);
     BuildCalculatedAbscissa(job, p);
   }
   StopOnTooManyPoints(job, p.NPTS);

@@ -2,6 +2,7 @@
 // fields.
 #include "io/field_reader.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "surface/console.h"
@@ -32,7 +33,7 @@ bool ReadQualifyingLine(Job& job, int unit, std::string& line, int& lineNumber, 
       error = FieldError::EndOfFile;
       ConsoleLine(job, Fmt("(A,I3)", " => Not FATAL End of file !,  logical unit: ", unit));
       if (unit == Unit::Data) return false;
-      throw ProcessStop{1};
+      throw ProcessStop{ExitStatus::kError};
     }
     if (got == RecordRead::Error) {
       error = -1 - 100;
@@ -42,6 +43,12 @@ bool ReadQualifyingLine(Job& job, int unit, std::string& line, int& lineNumber, 
     if (!line.empty() && line[0] != '!' && !TrimRight(line).empty()) return true;
     ++lineNumber;
   }
+}
+
+// A tab separates fields as a blank does: each becomes one blank, so that the
+// columns of the caret report stay those of the line as read.
+void BlankTabs(std::string& line) {
+  std::replace(line.begin(), line.end(), '\t', ' ');
 }
 
 // Stops the run with the report of `error`.
@@ -105,9 +112,8 @@ struct NumberWalk {
 };
 
 // Stage 1: skips blanks and signs up to the first character of the number.
-// A tab at the very start of a later field counts as a blank; elsewhere it
-// ends the field. False when the field ends here (with or without an error).
-bool FindNumberStart(NumberWalk& walk, int start, char& c) {
+// False when the field ends here (with or without an error).
+bool FindNumberStart(NumberWalk& walk, char& c) {
   bool signSeen = false;
   for (;;) {
     if (!walk.Take(c)) return false;
@@ -118,15 +124,6 @@ bool FindNumberStart(NumberWalk& walk, int start, char& c) {
     if (IsSign(c)) {
       signSeen = true;
       continue;
-    }
-    if (c == '\t') {
-      if (walk.width == 1 && start >= 1) {
-        walk.line[static_cast<std::size_t>(walk.position - 1)] = ' ';
-        continue;
-      }
-      if (signSeen) return walk.Fail(FieldError::IncompleteNumber);
-      walk.GiveBack();
-      return false;
     }
     return true;
   }
@@ -151,14 +148,14 @@ bool JudgeFirstCharacter(NumberWalk& walk, int kind, int start, char c, bool& do
 
 enum class NumberStep { Next, End, Error };
 
-// One character inside the number after `previous`: a blank or tab ends it, a
-// sign ends it too unless it follows an exponent letter in a real.
+// One character inside the number after `previous`: a blank ends it, a sign
+// ends it too unless it follows an exponent letter in a real.
 NumberStep JudgeNumberCharacter(NumberWalk& walk, int kind, char c, char previous, bool& dotSeen) {
   const auto fail = [&](int code) {
     walk.Fail(code);
     return NumberStep::Error;
   };
-  if (c == ' ' || c == '\t') {
+  if (c == ' ') {
     if (IsSign(previous)) return fail(FieldError::IncompleteNumber);
     walk.GiveBack();
     return NumberStep::End;
@@ -191,7 +188,7 @@ void ScanNumber(int kind, std::string& line, int lineLen, int& position, int& wi
   width = 0;
   NumberWalk walk{line, lineLen, position, width, error};
   char c = ' ';
-  if (!FindNumberStart(walk, start, c)) return;
+  if (!FindNumberStart(walk, c)) return;
   bool dotSeen = false;
   if (!JudgeFirstCharacter(walk, kind, start, c, dotSeen)) return;
   // Stage 3: walk over the number.
@@ -209,8 +206,7 @@ void ScanText(int kind, std::string_view line, int lineLen, int& position, int& 
   skip = 0;
   if (position >= lineLen) return;
   if (position > 1) {
-    char c = line[static_cast<std::size_t>(position)];
-    if (c != ' ' && c != '\t') {
+    if (line[static_cast<std::size_t>(position)] != ' ') {
       ++position;
       error = FieldError::SeparatorMissing;
       return;
@@ -225,8 +221,7 @@ void ScanText(int kind, std::string_view line, int lineLen, int& position, int& 
   skip = width;
   int taken = 0;
   while (position < lineLen && taken < n) {
-    char c = line[static_cast<std::size_t>(position)];
-    if (c == ' ' || c == '\t') break;
+    if (line[static_cast<std::size_t>(position)] == ' ') break;
     ++position;
     ++width;
     ++taken;
@@ -329,6 +324,7 @@ void FindFMT(Job& job, int unit, std::string& line, std::string& mask, std::stri
   mask = std::string(trimmedMask);
   ToUpper(mask);
   if (unit > 0 && !ReadQualifyingLine(job, unit, line, lineNumber, error)) return;
+  BlankTabs(line);
 
   const int lineLen = static_cast<int>(TrimRight(line).size());
   const int maskLen = static_cast<int>(mask.size());

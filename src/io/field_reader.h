@@ -34,7 +34,8 @@ constexpr int kDescriptorReal = -2;
 
 // Skips comment and blank lines of `unit` (none when unit <= 0: `line` is
 // scanned as given), reads the next line and builds in `format` the edit
-// descriptors of the fields the mask asks for. Field errors are reported with
+// descriptors of the fields the mask asks for. Every tab of the line becomes a
+// blank first, so tabs separate fields anywhere. Field errors are reported with
 // a caret and stop the run; an end of file stops it too, except on the data
 // unit 4, where error is -1 on return.
 void FindFMT(Job& job, int unit, std::string& line, std::string& mask, std::string& format,
@@ -44,7 +45,7 @@ void FindFMT(Job& job, int unit, std::string& line, std::string& mask, std::stri
 // text field, 0 at the end (or with error 6 for any other letter).
 int NextDescriptor(std::string_view mask, int& maskPos, int maskLen, int& error);
 
-// Scanners of one field starting behind column `position`; on return
+// Scanners of one field of a line without tabs, starting behind column `position`; on return
 // `position` is the last column taken, `width` the columns from the start.
 void ScanNumber(int kind, std::string& line, int lineLen, int& position, int& width, int& error);
 void ScanText(int kind, std::string_view line, int lineLen, int& position, int& width, int& skip,

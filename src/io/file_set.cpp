@@ -122,6 +122,14 @@ const FileRow kFiles[] = {
        return Names{n.index > 1 ? n.pcr + n.phase + n.suffix + ".int" : n.pcr + n.phase + ".int"};
      },
      Mode::kUnknown},
+    // The curves of the final report carry the control code: they never
+    // replace the background file (.bac of the data code) that a run reads.
+    {FileKind::kBackgroundCurve, Unit::Background,
+     [](const NameParts& n) { return Names{n.pcr + n.suffix + "_bac.xy"}; }, Mode::kUnknown},
+    {FileKind::kDifferenceCurve, Unit::Background,
+     [](const NameParts& n) { return Names{n.pcr + n.suffix + "_dif.xy"}; }, Mode::kUnknown},
+    {FileKind::kZeroDifference, Unit::Background,
+     [](const NameParts& n) { return Names{n.pcr + n.suffix + "_zdif.xy"}; }, Mode::kUnknown},
 };
 
 NameParts PartsOf(const Job& job, int index, int phase) {
@@ -195,6 +203,13 @@ char PhaseDigit(int phase) {
 bool IsStartingCode(const std::string& code) {
   std::string_view c = TrimRight(code);
   return c.size() >= 8 && c.substr(c.size() - 8) == "starting";
+}
+
+std::string FileName(const Job& job, FileKind kind, int index, int phase) {
+  for (const FileRow& row : kFiles) {
+    if (row.kind == kind) return row.names(PartsOf(job, index, phase)).front();
+  }
+  return std::string();
 }
 
 void OpenFiles(Job& job, FileKind kind, int index, int phase) {

@@ -31,6 +31,9 @@ enum class FileKind : int {
   kShape = 20,            // .shp of the run or global.shp
   kCorrections = 21,      // .cor of the pattern or the common one
   kIntensities = 22,      // .int written by the final report
+  kBackgroundCurve = 23,  // _bac.xy: the background written by the final report
+  kDifferenceCurve = 24,  // _dif.xy: the difference written by the final report
+  kZeroDifference = 25,   // _zdif.xy: the zero-corrected difference with the background in
   kMultiPattern = 1000,   // no file: switches on the pattern suffix
 };
 
@@ -38,6 +41,10 @@ enum class FileKind : int {
 // A file that cannot be opened stops the run with its message, as does a
 // kind outside the list.
 void OpenFiles(Job& job, FileKind kind, int index, int phase);
+
+// The first name of the file of `kind` (pattern `index`, phase `phase`), for
+// a file that is written without being opened on its unit.
+std::string FileName(const Job& job, FileKind kind, int index, int phase);
 
 // "_" and the pattern number in a multi-pattern run, otherwise empty.
 std::string PatternSuffix(const Job& job, int index);

@@ -21,7 +21,7 @@ std::span<const float> Heights(const Pattern& p) {
 
 [[noreturn]] void StopOnZeroWidth(Job& job) {
   ConsoleLine(job, " => Problem with interpolation!, check your background points! ");
-  throw ProcessStop{0};
+  throw ProcessStop{ExitStatus::kError};
 }
 
 // The bracket of abscissa t and the linear weights of its two points.

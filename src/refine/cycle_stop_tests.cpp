@@ -8,6 +8,7 @@
 
 #include "format/fortran_format.h"
 #include "refine/equation_solver.h"
+#include "refine/parameter_names.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -22,22 +23,35 @@ void StopOnStructureFactorsNotCalculated(Job& job) {
   }
 }
 
+std::string SingularParameterLine(const Job& job, int L) {
+  const std::string name = ParameterDescription(job, L);
+  return Fmt("(A,I4,A,A)", " ==> Parameter no.:", L, ": ",
+             name.empty() ? std::string("held by no value of the model") : name);
+}
+
 void StopOnSingularMatrix(Job& job, int fitted) {
   for (int i = 1; i <= fitted; ++i) {
     if (job.refinement.normal.A(i, i) >= 1.0e-30f) continue;
     const std::string words =
         Fmt("(A,I4)", " ==> Singular matrix!!, problem with parameter no.:", i);
+    const std::string name = SingularParameterLine(job, i);
     WriteLine(job, Unit::Out, words);
+    WriteLine(job, Unit::Out, name);
     ConsoleLine(job, words);
+    ConsoleLine(job, name);
     StopBox(job, " Singular Matrix!! ");
   }
 }
 
 void SolveCycleEquations(Job& job, int fitted) {
   RefinementState& s = job.refinement;
-  if (SolveNormalEquations(s.normal, s.solver, fitted).status == SolveStatus::Solved) return;
+  const SolveResult result = SolveNormalEquations(s.normal, s.solver, fitted);
+  if (result.status == SolveStatus::Solved) return;
+  const std::string name = SingularParameterLine(job, result.parameter);
   WriteLine(job, Unit::Out, " ==> Singular matrix!!, fix some parameters!");
+  WriteLine(job, Unit::Out, name);
   ConsoleLine(job, " Singular matrix!!, fix some parameters!");
+  ConsoleLine(job, name);
   StopBox(job, " Singular Matrix!! ");
 }
 

@@ -2,6 +2,8 @@
 // singular normal matrix, divergence of chi-square and convergence of the shifts.
 #pragma once
 
+#include <string>
+
 #include "records/job.h"
 
 namespace corvinet {
@@ -10,13 +12,18 @@ namespace corvinet {
 // does not calculate: such a job stops before its first cycle.
 void StopOnStructureFactorsNotCalculated(Job& job);
 
+// The line that names parameter L after a singular matrix: its number and
+// what it moves, in the words of the parameter report.
+std::string SingularParameterLine(const Job& job, int L);
+
 // A diagonal element of the normal matrix below 1E-30 names its parameter and stops the run.
 void StopOnSingularMatrix(Job& job, int fitted);
 
 // Solves the normal equations of the `fitted` parameters of the refinement
 // state. A singular matrix writes " ==> Singular matrix!!, fix some
 // parameters!" on the report, " Singular matrix!!, fix some parameters!" on
-// the console, and stops with " Singular Matrix!! ".
+// the console, each followed by the line naming the parameter whose pivot
+// vanished, and stops with " Singular Matrix!! ".
 void SolveCycleEquations(Job& job, int fitted);
 
 // With IDUM 2 a chi-square that does not fall from the last cycle stops the run.

@@ -41,11 +41,13 @@ void WriteOffsetPlotFiles(Job& job, int ip, const PlotExtremes& extremes);      
 // when the job has several patterns, then the extension (".pl1" or ".pl2").
 std::string PlotFileName(const Job& job, int ip, const std::string& extension);
 
-// The three kinds of XYDATA file of the background unit.
+// The three kinds of XYDATA file of the final report.
 enum class XyDataKind { Background, Difference, ZeroCorrectedDifference };
 
-// Writes one XYDATA file of pattern ip on the .bac unit. Called before the
-// background is added to Ycalc, so that Ycalc is the Bragg part only.
+// Writes one XYDATA file of pattern ip (<code>_bac.xy, <code>_dif.xy or
+// <code>_zdif.xy, with the pattern suffix) on the background unit, and names it
+// in the report. Called before the background is added to Ycalc, so that Ycalc
+// is the Bragg part only.
 void WriteXyDataFile(Job& job, int ip, XyDataKind kind);
 
 // The XYDATA file that IPL asks for: 2 the background, 3 the difference.

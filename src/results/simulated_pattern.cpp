@@ -1,8 +1,10 @@
 // The simulated pattern of a calculation job, optionally with Poisson noise, as integer counts.
 #include "results/simulated_pattern.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <string>
 #include <vector>
 
 #include "format/fortran_format.h"
@@ -14,8 +16,27 @@
 
 namespace corvinet {
 
-int RoundedCount(float y) {
-  return static_cast<int>(std::trunc(y + (y < 0.0f ? -0.5f : 0.5f)));
+namespace {
+
+// Counts beyond this are held at it: a 64-bit integer takes every such value.
+constexpr double kLargestCount = 1.0e18;
+
+// The narrowest field of at least eight characters in which every count keeps
+// a blank before it, so that the file reads back in free format.
+int FieldWidthOf(const std::vector<long long>& counts) {
+  int width = 8;
+  for (const long long c : counts) {
+    const int digits = static_cast<int>(std::to_string(c).size());
+    width = std::max(width, digits + 1);
+  }
+  return width;
+}
+
+}  // namespace
+
+long long RoundedCount(float y) {
+  const double v = std::clamp(static_cast<double>(y), -kLargestCount, kLargestCount);
+  return static_cast<long long>(std::trunc(v + (v < 0.0 ? -0.5 : 0.5)));
 }
 
 void WriteSimulatedPattern(Job& job, int ip) {
@@ -28,10 +49,11 @@ void WriteSimulatedPattern(Job& job, int ip) {
   }
   WriteLine(job, Unit::Simulated,
             Fmt("(3F12.4,2X,A)", p.THMIN, p.STEP, p.THMAX, TrimRight(job.run.Title)));
-  std::vector<FormatValue> counts;
-  counts.reserve(static_cast<std::size_t>(p.NPTS));
-  for (int i = 1; i <= p.NPTS; ++i) counts.emplace_back(RoundedCount(p.Ytotal[i]));
-  WriteValues(job, Unit::Simulated, "(10I8)", counts);
+  std::vector<long long> rounded;
+  rounded.reserve(static_cast<std::size_t>(p.NPTS));
+  for (int i = 1; i <= p.NPTS; ++i) rounded.push_back(RoundedCount(p.Ytotal[i]));
+  std::vector<FormatValue> counts(rounded.begin(), rounded.end());
+  WriteValues(job, Unit::Simulated, Fmt("(A,I0,A)", "(10I", FieldWidthOf(rounded), ")"), counts);
   CloseUnit(job.files.units[Unit::Simulated]);
 }
 

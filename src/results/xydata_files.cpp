@@ -1,5 +1,5 @@
-// The XYDATA files of the background unit: the background, the difference, or the zero-corrected
-// difference with the background in.
+// The XYDATA files of the final report: the background, the difference, or the zero-corrected
+// difference with the background in, each under its own name.
 #include <cmath>
 #include <string>
 
@@ -49,6 +49,32 @@ XyPoint PointOf(const Pattern& p, int i, XyDataKind kind) {
   return v;
 }
 
+// Each kind has its own file, apart from the background file that a run reads.
+FileKind FileOf(XyDataKind kind) {
+  switch (kind) {
+    case XyDataKind::Background:
+      return FileKind::kBackgroundCurve;
+    case XyDataKind::Difference:
+      return FileKind::kDifferenceCurve;
+    case XyDataKind::ZeroCorrectedDifference:
+      break;
+  }
+  return FileKind::kZeroDifference;
+}
+
+// The report line that names the file written.
+std::string AnnouncementOf(XyDataKind kind, const std::string& name) {
+  switch (kind) {
+    case XyDataKind::Background:
+      return " => Background written on file: " + name;
+    case XyDataKind::Difference:
+      return " => Difference pattern written on file: " + name;
+    case XyDataKind::ZeroCorrectedDifference:
+      break;
+  }
+  return " => Zero-corrected difference + background written on file: " + name;
+}
+
 void WriteHeader(Job& job, XyDataKind kind) {
   const int u = Unit::Background;
   WriteLine(job, u, "XYDATA");
@@ -63,7 +89,8 @@ void WriteHeader(Job& job, XyDataKind kind) {
 
 void WriteXyDataFile(Job& job, int ip, XyDataKind kind) {
   const Pattern& p = job.patterns[ip];
-  OpenFiles(job, FileKind::kBackground, ip, 0);
+  OpenFiles(job, FileOf(kind), ip, 0);
+  WriteLine(job, Unit::Out, AnnouncementOf(kind, job.files.units[Unit::Background].name));
   WriteHeader(job, kind);
   const bool constantStep = p.equalStep == 1;
   if (constantStep) {

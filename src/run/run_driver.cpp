@@ -94,7 +94,7 @@ int Main(Job& job, const std::vector<std::string>& arguments) {
   }
   d.commandLine = CutText(d.commandLine, 256);
   d.commandLineLength = static_cast<int>(TrimRight(d.commandLine).size());
-  int exitCode = 0;
+  ExitStatus status = ExitStatus::kNormal;
   try {
     OpenDirectoryMemory(job);
     RunJobs(job);
@@ -102,12 +102,13 @@ int Main(Job& job, const std::vector<std::string>& arguments) {
       RememberDirectory(job);
       CloseUnit(job.files.units[Unit::DirMemory]);
     }
-    StopBox(job, " END ");
+    // The end of the jobs, also when the user declined to go on, is a normal end.
+    WarningBox(job, " END ");
   } catch (const ProcessStop& stop) {
-    exitCode = stop.exitCode;
+    status = stop.status;
   }
   CloseAllUnits(job);
-  return exitCode;
+  return static_cast<int>(status);
 }
 
 void RunOneJob(Job& job) {

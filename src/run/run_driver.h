@@ -8,7 +8,8 @@
 
 namespace corvinet {
 
-// The entry: runs jobs until the user stops; returns the exit code of the process.
+// The entry: runs jobs until the user stops. Returns the exit status of the
+// process: 0 after a normal end or the user's stop, 2 after a stop on an error.
 int Main(Job& job, const std::vector<std::string>& arguments);
 
 // One run: defaults, control file, engine, report.

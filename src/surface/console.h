@@ -9,10 +9,16 @@
 
 namespace corvinet {
 
-// Thrown to end the process: by a stop box, or by an end of file on a unit
-// where it is fatal. Caught only by Main.
+// The status the process returns to the shell.
+enum class ExitStatus : int {
+  kNormal = 0,  // a normal end, or an end the user asked for
+  kError = 2,   // a stop on an error in the input or in the run
+};
+
+// Thrown to end the process on an error: by a stop box, or by an end of file
+// on a unit where it is fatal. Caught only by Main.
 struct ProcessStop {
-  int exitCode = 0;
+  ExitStatus status = ExitStatus::kError;
 };
 
 // Writes a console line: an empty text gives two blanks, a text that begins
@@ -27,7 +33,8 @@ void ConsoleLineWithNumber(Channels& channels, std::string_view text, int intVal
 // Blanks the text over its trimmed length.
 void ClearText(std::string& text);
 
-// Shows the box "Stop/Warning Box" with the text and ends the process.
+// Shows the box "Stop/Warning Box" with the text and ends the process on an
+// error (exit status 2).
 [[noreturn]] void StopBox(Channels& channels, std::string_view text);
 
 // Shows the same box with the text and returns.

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -942,14 +943,35 @@ TEST(ControlWriter, OverwrittenControlFileEndsWithTheNewText) {
   EXPECT_EQ(dir.Read("x.pcr"), Joined(ControlFileLines(*w, {})));
 }
 
-TEST(ControlWriter, WriteFailureStopsTheRun) {
+TEST(ControlWriter, OverwrittenControlFileLeavesNoTemporaryFileAndClosesItsUnit) {
+  ScratchDir dir;
   WriterJob w;
+  w->driver.PcrCode = "x";
   FillPhase(*w);
-  ASSERT_TRUE(OpenUnit(w->files.units[Unit::Control], "/dev/full", OpenStatus::Unknown));
+  dir.Write("x.pcr", "old\n");
+  ASSERT_TRUE(OpenUnit(w->files.units[Unit::Control], "x.pcr", OpenStatus::Old));
+  w->run.NXT = 1;
+  WriteControlFile(*w, 0, 0, 0.0f, 0.0f);
+  EXPECT_EQ(dir.Read("x.pcr"), Joined(ControlFileLines(*w, {})));
+  EXPECT_FALSE(dir.Exists("x.pcr.tmp"));
+  EXPECT_FALSE(IsOpen(w->files.units[Unit::Control]));
+}
+
+TEST(ControlWriter, WriteFailureStopsTheRunAndLeavesTheOldFile) {
+  ScratchDir dir;
+  WriterJob w;
+  w->driver.PcrCode = "x";
+  FillPhase(*w);
+  dir.Write("x.pcr", "old\n");
+  // The temporary file cannot be made where a directory holds its name.
+  std::filesystem::create_directory(dir.path / "x.pcr.tmp");
+  ASSERT_TRUE(OpenUnit(w->files.units[Unit::Control], "x.pcr", OpenStatus::Old));
   w->run.NXT = 1;
   EXPECT_FALSE(testing::RunsWithoutStop(*w, [](Job& j) { WriteControlFile(j, 0, 0, 0.0f, 0.0f); }));
   EXPECT_NE(w.job.Console().find(" Error writing the new control file"), std::string::npos)
       << w.job.Console();
+  EXPECT_NE(w.job.Console().find(" => Error writing file: x.pcr"), std::string::npos);
+  EXPECT_EQ(dir.Read("x.pcr"), "old\n");
 }
 
 }  // namespace

@@ -98,7 +98,7 @@ TEST(HeadEndToEnd, BadFieldStopsWithCaretAndLineNumber) {
             "Bad\n! job line follows\n0 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n"
             "0 0 1 0 1 0 0 0 x 1 0 0 0 0 0 0 0\n");
   auto run = testing::RunBinary(dir.path, "bad");
-  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.exitCode, 2);
   const auto lines = SplitLines(run.output);
   auto at =
       std::find(lines.begin(), lines.end(), "FindFMT: invalid character in a numeric field !");
@@ -124,7 +124,7 @@ TEST(HeadEndToEnd, ControlFileThatEndsEarlyEndsTheProcess) {
 TEST(HeadEndToEnd, MissingControlFileStops) {
   ScratchDir dir;
   auto run = testing::RunBinary(dir.path, "nothing");
-  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.exitCode, 2);
   EXPECT_NE(run.output.find(" => Error opening file: nothing.pcr Unit:  1"), std::string::npos);
 }
 

@@ -68,14 +68,14 @@ std::vector<ScriptPoint> ReadScriptPattern(const std::string& text) {
   return points;
 }
 
-// The counts of a .sim file: a title line, then ten fields of eight characters a line.
+// The counts of a .sim file: a title line, then the counts parted by blanks.
 std::vector<double> ReadSimulatedCounts(const std::string& text) {
   std::vector<double> counts;
   const auto lines = SplitLines(text);
   for (std::size_t i = 1; i < lines.size(); ++i) {
-    for (std::size_t at = 0; at + 8 <= lines[i].size(); at += 8) {
-      counts.push_back(std::stod(lines[i].substr(at, 8)));
-    }
+    std::istringstream in(lines[i]);
+    double count = 0.0;
+    while (in >> count) counts.push_back(count);
   }
   return counts;
 }

@@ -159,11 +159,41 @@ TEST(FieldReader, TabAsFirstCharacterOfLaterFieldBecomesBlank) {
   EXPECT_EQ(s.line, "1 2");
 }
 
-TEST(FieldReader, TabBeforeTheFirstFieldGivesAnEmptyFieldWithoutReport) {
+// A leading tab used to end the first field before it began: every field of
+// the line then read 0.
+TEST(FieldReader, TabBeforeTheFirstFieldCountsAsABlank) {
   CapturedJob job;
   Scan s = ScanLine(*job, "\t1", "i");
-  EXPECT_EQ(s.error, FieldError::EmptyField);
+  EXPECT_EQ(s.error, 0);
+  EXPECT_EQ(s.line, " 1");
+  int a = 0;
+  ReadValues(s, &a);
+  EXPECT_EQ(a, 1);
   EXPECT_EQ(job.Console(), "");
+}
+
+TEST(FieldReader, TabsBeforeAndBetweenFieldsReadAsBlanks) {
+  CapturedJob job;
+  Scan s = ScanLine(*job, "\t\t12\t \t-3.5\t\tABC\t7", "if3i");
+  EXPECT_EQ(s.error, 0);
+  int a = 0, d = 0;
+  float b = 0;
+  std::string c;
+  ReadValues(s, &a, &b, &c, &d);
+  EXPECT_EQ(a, 12);
+  EXPECT_FLOAT_EQ(b, -3.5f);
+  EXPECT_EQ(c, "ABC");
+  EXPECT_EQ(d, 7);
+}
+
+TEST(FieldReader, TabAfterASignIsAnIncompleteNumber) {
+  CapturedJob job;
+  Scan s;
+  s.line = "1 -\t2";
+  std::string mask = "ii";
+  EXPECT_THROW(FindFMT(*job, 0, s.line, mask, s.format, s.position, s.lineNumber, s.error),
+               ProcessStop);
+  EXPECT_EQ(testing::SplitLines(job.Console())[0], "FindFMT: incomplete number !");
 }
 
 TEST(FieldReader, ExclamationInColumnTwoIsNoComment) {

@@ -187,8 +187,8 @@ TEST(FileSet, StartingControlCodeIsCreatedWhenAbsent) {
 
 TEST(FileSet, IllegalOptionStops) {
   CapturedJob job;
-  EXPECT_THROW(OpenFiles(*job, static_cast<FileKind>(23), 1, 0), ProcessStop);
-  EXPECT_NE(job.Console().find(" => Illegal option nopf:    23"), std::string::npos);
+  EXPECT_THROW(OpenFiles(*job, static_cast<FileKind>(99), 1, 0), ProcessStop);
+  EXPECT_NE(job.Console().find(" => Illegal option nopf:    99"), std::string::npos);
 }
 
 TEST(FileSet, RpaAndSavAreAppendedWhenTheyExist) {

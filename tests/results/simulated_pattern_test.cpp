@@ -8,6 +8,7 @@
 
 #include "format/fortran_format.h"
 #include "observations/poisson.h"
+#include "observations/powder_data.h"
 #include "test_support.h"
 
 namespace corvinet {
@@ -78,6 +79,54 @@ TEST(SimulatedPattern, RefinementOrIdumZeroWritesNoFile) {
     WriteSimulatedPattern(*job, 1);
     EXPECT_FALSE(dir.Exists("x.sim")) << jobtyp << " " << idum;
   }
+}
+
+// Counts of eight digits used to fill their I8 fields whole, so that two
+// counts ran together and the file no longer read back as data.
+TEST(SimulatedPattern, LargeCountsKeepABlankBetweenThemAndReadBackAsData) {
+  ScratchDir dir;
+  CapturedJob job;
+  job->driver.PcrCode = "x";
+  ThreePoints(*job, 2, 1);
+  // Five points: the free-format reader wants four at least.
+  Pattern& sim = job->patterns[1];
+  sim.NPTS = 5;
+  sim.THMAX = 12.0f;
+  const float values[] = {12345678.0f, 15000000.0f, -4000000.0f, 99999999.0f, 7.0f};
+  for (int i = 1; i <= 5; ++i) sim.Ytotal[i] = values[i - 1];
+  WriteSimulatedPattern(*job, 1);
+  EXPECT_EQ(dir.Read("x.sim"),
+            "     10.0000      0.5000     12.0000  Three points\n"
+            "  12345678  15000000  -4000000 100000000         7\n");
+
+  dir.Write("back.dat", dir.Read("x.sim"));
+  CapturedJob reader;
+  reader->patterns[1].DatCode = "back";
+  reader->patterns[1].INSTR = 0;
+  ReadPattern(*reader, 1);
+  const Pattern& p = reader->patterns[1];
+  ASSERT_EQ(p.NPTS, 5);
+  EXPECT_EQ(p.Ytotal[1], 12345678.0f);
+  EXPECT_EQ(p.Ytotal[2], 15000000.0f);
+  EXPECT_EQ(p.Ytotal[3], -4000000.0f);
+  EXPECT_EQ(p.Ytotal[4], 100000000.0f);
+  EXPECT_EQ(p.Ytotal[5], 7.0f);
+}
+
+TEST(SimulatedPattern, ANineDigitCountWidensEveryField) {
+  ScratchDir dir;
+  CapturedJob job;
+  job->driver.PcrCode = "x";
+  ThreePoints(*job, 2, 1);
+  job->patterns[1].Ytotal[2] = 123456792.0f;
+  WriteSimulatedPattern(*job, 1);
+  EXPECT_EQ(SplitLines(dir.Read("x.sim"))[1], "        10 123456792        -4");
+}
+
+TEST(SimulatedPattern, CountsBeyondTheIntegerRangeAreHeld) {
+  EXPECT_EQ(RoundedCount(3.0e9f), 3000000000LL);
+  EXPECT_EQ(RoundedCount(1.0e30f), 1000000000000000000LL);
+  EXPECT_EQ(RoundedCount(-1.0e30f), -1000000000000000000LL);
 }
 
 }  // namespace

@@ -37,7 +37,7 @@ TEST(XyDataFiles, BackgroundFileWithConstantStepGivesTheRangeThenValues) {
                   "                         20.800         2.828",
                   "                         20.000         3.464",
                   "                         20.000         4.000"});
-  EXPECT_EQ(FileLines(dir, "d.bac"), expected);
+  EXPECT_EQ(FileLines(dir, "x_bac.xy"), expected);
 }
 
 TEST(XyDataFiles, DifferenceFileWithListedPointsGivesXYAndSigma) {
@@ -52,7 +52,7 @@ TEST(XyDataFiles, DifferenceFileWithListedPointsGivesXYAndSigma) {
                                         "         10.50000       -30.900         2.828",
                                         "         11.00000         0.000         3.464",
                                         "         11.50000       -20.000         4.000"});
-  EXPECT_EQ(FileLines(dir, "d.bac"), expected);
+  EXPECT_EQ(FileLines(dir, "x_dif.xy"), expected);
 }
 
 TEST(XyDataFiles, ZeroCorrectedDifferenceKeepsTheBackgroundAndRemovesZero) {
@@ -61,7 +61,7 @@ TEST(XyDataFiles, ZeroCorrectedDifferenceKeepsTheBackgroundAndRemovesZero) {
   FillPlotCase(*job);
   job->patterns[1].equalStep = 0;
   WriteXyDataFile(*job, 1, XyDataKind::ZeroCorrectedDifference);
-  const std::vector<std::string> lines = FileLines(dir, "d.bac");
+  const std::vector<std::string> lines = FileLines(dir, "x_zdif.xy");
   ASSERT_EQ(lines.size(), 10u);
   EXPECT_EQ(lines[1], "Zero-corrected difference pattern + background of:Test pattern");
   EXPECT_EQ(lines[6], "          9.99000        10.200         2.000");
@@ -73,10 +73,11 @@ TEST(XyDataFiles, IplChoosesBackgroundOrDifference) {
   FillPlotCase(*job);
   job->patterns[1].IPL = 3;
   WriteBackgroundPlotFiles(*job, 1);
-  EXPECT_EQ(FileLines(dir, "d.bac")[1], "  Difference of: Test pattern");
+  EXPECT_EQ(FileLines(dir, "x_dif.xy")[1], "  Difference of: Test pattern");
+  EXPECT_FALSE(dir.Exists("x_bac.xy"));
   job->patterns[1].IPL = 2;
   WriteBackgroundPlotFiles(*job, 1);
-  EXPECT_EQ(FileLines(dir, "d.bac")[1], "  Background of: Test pattern");
+  EXPECT_EQ(FileLines(dir, "x_bac.xy")[1], "  Background of: Test pattern");
 }
 
 TEST(XyDataFiles, MultiPatternBackgroundFileCarriesTheSuffix) {
@@ -86,7 +87,38 @@ TEST(XyDataFiles, MultiPatternBackgroundFileCarriesTheSuffix) {
   job->files.multiPattern = true;
   job->patterns[2] = job->patterns[1];
   WriteXyDataFile(*job, 2, XyDataKind::Background);
-  EXPECT_TRUE(dir.Exists("d_2.bac"));
+  EXPECT_TRUE(dir.Exists("x_2_bac.xy"));
+}
+
+// The background file of the data code is an input: the curves used to be
+// written over it, so that the next run stopped at its end of file.
+TEST(XyDataFiles, TheBackgroundFileThatARunReadsIsLeftAlone) {
+  ScratchDir dir;
+  const std::string bac = "background\n10.0 20.0\n11.5 20.0\n";
+  dir.Write("d.bac", bac);
+  CapturedJob job;
+  FillPlotCase(*job);
+  for (XyDataKind kind :
+       {XyDataKind::Background, XyDataKind::Difference, XyDataKind::ZeroCorrectedDifference}) {
+    WriteXyDataFile(*job, 1, kind);
+  }
+  EXPECT_EQ(dir.Read("d.bac"), bac);
+  EXPECT_TRUE(dir.Exists("x_bac.xy"));
+  EXPECT_TRUE(dir.Exists("x_dif.xy"));
+  EXPECT_TRUE(dir.Exists("x_zdif.xy"));
+}
+
+TEST(XyDataFiles, TheReportNamesTheFileWritten) {
+  ScratchDir dir;
+  CapturedJob job;
+  FillPlotCase(*job);
+  ASSERT_TRUE(OpenUnit(job->files.units[Unit::Out], "x.out", OpenStatus::Unknown));
+  WriteXyDataFile(*job, 1, XyDataKind::Background);
+  WriteXyDataFile(*job, 1, XyDataKind::Difference);
+  CloseUnit(job->files.units[Unit::Out]);
+  const std::vector<std::string> expected = {" => Background written on file: x_bac.xy",
+                                             " => Difference pattern written on file: x_dif.xy"};
+  EXPECT_EQ(FileLines(dir, "x.out"), expected);
 }
 
 }  // namespace

@@ -58,13 +58,13 @@ TEST(Console, WarningBoxReturns) {
   EXPECT_EQ(job.Console(), "=== Stop/Warning Box ===\n A warning\n");
 }
 
-TEST(Console, StopBoxEndsTheProcessWithExitCodeZero) {
+TEST(Console, StopBoxEndsTheProcessWithTheErrorStatus) {
   CapturedJob job;
   try {
     StopBox(*job, " Invalid JOBTYP ");
     FAIL() << "the stop box returned";
   } catch (const ProcessStop& stop) {
-    EXPECT_EQ(stop.exitCode, 0);
+    EXPECT_EQ(static_cast<int>(stop.status), 2);
   }
   EXPECT_NE(job.Console().find(" Invalid JOBTYP"), std::string::npos);
   EXPECT_EQ(job.Console(), "=== Stop/Warning Box ===\n Invalid JOBTYP\n");

@@ -1,0 +1,114 @@
+// Names of refined parameters for the messages that point at one of them.
+#include "refine/parameter_names.h"
+
+#include <cstdlib>
+
+#include "format/fortran_format.h"
+#include "format/text.h"
+#include "records/profile_slots.h"
+#include "refine/parameter_report.h"
+
+namespace corvinet {
+
+namespace {
+
+constexpr int kLastMomentSlot = 12;
+constexpr int kLastBetaSlot = 18;
+
+bool Holds(const Codeword& word, int L) {
+  return word.parameterNumber == L;
+}
+
+std::string InPattern(int ip) {
+  return Fmt("(A,I0)", " of pattern ", ip);
+}
+
+std::string InPhase(int k) {
+  return Fmt("(A,I0)", " in phase ", k);
+}
+
+// The slot of an atom as the atom tables of the report head it.
+std::string AtomSlotName(const Phase& phase, int slot) {
+  static constexpr const char* kPositions[] = {"x", "y", "z", "B", "occ."};
+  static constexpr const char* kMoments[] = {"Rx", "Ry", "Rz", "Ix", "Iy", "Iz", "MagPh"};
+  static constexpr const char* kBetas[] = {"B11", "B22", "B33", "B12", "B13", "B23"};
+  const bool userModel = std::abs(phase.Jbt) == 4;
+  if (userModel || (std::abs(phase.Jbt) == 5 && slot > 5 && slot <= kLastMomentSlot)) {
+    return Fmt("(A,I0)", userModel ? "p" : "P", slot);
+  }
+  if (slot <= 5) return kPositions[slot - 1];
+  if (slot <= kLastMomentSlot) return kMoments[slot - 6];
+  if (slot <= kLastBetaSlot) return kBetas[slot - kLastMomentSlot - 1];
+  return Fmt("(A,I0)", "FF", slot);
+}
+
+std::string GlobalDescription(const Job& job, int L) {
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) {
+    const Pattern& p = job.patterns[ip];
+    for (int n = 1; n <= DimensionLimits::NGL; ++n) {
+      if (Holds(p.GLBword[n], L)) return GlobalSlotName(n, p.IXUNIT) + InPattern(ip);
+    }
+  }
+  return std::string();
+}
+
+std::string ProfileDescription(const Job& job, int k, int L) {
+  const Phase& ph = job.phases[k];
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) {
+    const PhasePattern& c = ph.pat[ip];
+    if (c.Contribution == 0) continue;
+    for (int s = 1; s <= DimensionLimits::MPAR; ++s) {
+      if (!Holds(c.PAC[s], L)) continue;
+      const int further = s - job.run.firstFurtherParameter;
+      const std::string furtherName =
+          further >= 1 && further <= ph.Furth ? ph.FurtherName[further] : std::string();
+      const std::string name = s >= ProfileSlot::FirstCell && s <= ProfileSlot::LastCell
+                                   ? std::string(CellConstantName(s - ProfileSlot::FirstCell + 1))
+                                   : PeakSlotName(s, c.Irf, job.patterns[ip].IXUNIT, furtherName);
+      return name + InPhase(k) + Fmt("(A,I0)", ", pattern ", ip);
+    }
+  }
+  return std::string();
+}
+
+std::string AtomDescription(const Job& job, int k, int firstRow, int L) {
+  const Phase& ph = job.phases[k];
+  for (int a = 1; a <= ph.Nat && firstRow + a <= DimensionLimits::NATS; ++a) {
+    const AtomSite& atom = job.atoms[firstRow + a];
+    for (int s = 1; s <= DimensionLimits::NAT_P; ++s) {
+      if (!Holds(atom.ATC[s], L)) continue;
+      return AtomSlotName(ph, s) + " of atom " + TrimmedCopy(atom.label) + InPhase(k);
+    }
+  }
+  return std::string();
+}
+
+std::string VectorDescription(const Job& job, int k, int L) {
+  static constexpr const char* kComponents[] = {"kx", "ky", "kz"};
+  const Phase& ph = job.phases[k];
+  for (int v = 1; v <= ph.Nvk && v <= DimensionLimits::NEQV; ++v) {
+    for (int i = 1; i <= 3; ++i) {
+      if (!Holds(ph.vectors[v].KCODE[i], L)) continue;
+      return std::string(kComponents[i - 1]) + Fmt("(A,I0)", " of propagation vector ", v) +
+             InPhase(k);
+    }
+  }
+  return std::string();
+}
+
+}  // namespace
+
+std::string ParameterDescription(const Job& job, int L) {
+  if (L < 1) return std::string();
+  std::string found = GlobalDescription(job, L);
+  int firstRow = 0;
+  for (int k = 1; k <= job.run.NPHASE && found.empty(); ++k) {
+    found = ProfileDescription(job, k, L);
+    if (found.empty()) found = AtomDescription(job, k, firstRow, L);
+    if (found.empty()) found = VectorDescription(job, k, L);
+    firstRow += job.phases[k].Nat;
+  }
+  return found;
+}
+
+}  // namespace corvinet
