@@ -14,8 +14,8 @@ using testing::HasLine;
 using testing::ScratchDir;
 using testing::TestData;
 
-// The exit status of a run that ends in a stop box.
-constexpr int kStopStatus = 0;
+// The exit status of a run that ends in a stop box: an error.
+constexpr int kStopStatus = 2;
 
 // Replaces the one occurrence of `from` in `text` by `to`.
 std::string Replaced(std::string text, const std::string& from, const std::string& to) {
