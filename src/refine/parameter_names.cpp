@@ -5,7 +5,9 @@
 
 #include "format/fortran_format.h"
 #include "format/text.h"
+#include "records/codeword.h"
 #include "records/profile_slots.h"
+#include "refine/background_height_update.h"
 #include "refine/parameter_report.h"
 
 namespace corvinet {
@@ -47,6 +49,12 @@ std::string GlobalDescription(const Job& job, int L) {
     const Pattern& p = job.patterns[ip];
     for (int n = 1; n <= DimensionLimits::NGL; ++n) {
       if (Holds(p.GLBword[n], L)) return GlobalSlotName(n, p.IXUNIT) + InPattern(ip);
+    }
+    for (int j = 1; j <= p.NBCKGD && j <= DimensionLimits::IBACP + 1; ++j) {
+      if (Holds(DecodeCodeword(p.BackIntCode[j]), L)) {
+        return BackgroundHeightName(j) + Fmt("(A,F0.3)", " (background height at ", p.BackPos[j]) +
+               ")" + InPattern(ip);
+      }
     }
   }
   return std::string();

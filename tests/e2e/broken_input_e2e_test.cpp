@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "format/fortran_format.h"
 #include "test_support.h"
 
 namespace corvinet {
@@ -199,6 +200,59 @@ TEST(BrokenInputEndToEnd, TheUsersStopAtTheContinueQuestionEndsWithStatusZero) {
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_NE(run.output.find("Continue with other data?"), std::string::npos);
   EXPECT_TRUE(testing::HasLine(run.output, " END"));
+}
+
+// A background height whose points see no reflection cannot be refined: the
+// singular matrix names it. The heights job of tests/data/cycle with a first
+// point at 15 degrees (below the first peak) given the only code.
+TEST(BrokenInputEndToEnd, SingularMatrixNamesTheParameterItStoppedAt) {
+  ScratchDir dir;
+  std::string pcr = TestData("cycle/heights.pcr");
+  const std::size_t first = pcr.find("  20.000   150.000  11.00");
+  ASSERT_NE(first, std::string::npos);
+  pcr.insert(first, "  15.000   150.000  11.00\n");
+  for (int k = 1; k <= 9; ++k) {
+    const std::string code = Fmt("(F6.2)", static_cast<float>(10 * k + 1));
+    const std::size_t at = pcr.find(code + "\n", first + 26);
+    ASSERT_NE(at, std::string::npos) << code;
+    pcr.replace(at, code.size(), "  0.00");
+  }
+  pcr = Replaced(pcr, "   0   0   1   9   0", "   0   0   1  10   0");
+  pcr = Replaced(pcr, "    9    !Number of refined", "    1    !Number of refined");
+  dir.Write("single.pcr", pcr);
+  dir.Write("single.dat", TestData("cycle/cycle.dat"));
+  const auto before = Snapshot(dir, {"single.pcr", "single.dat"});
+  const auto run = RunBinary(dir.path, "single");
+  EXPECT_EQ(run.exitCode, 2);
+  const std::string line =
+      " ==> Parameter no.:   1: BckPt1 (background height at 15.000) of pattern 1";
+  EXPECT_TRUE(testing::HasLine(run.output, line)) << run.output;
+  EXPECT_TRUE(testing::HasLine(dir.Read("single.out"), line));
+  ExpectUnchanged(dir, before);
+}
+
+// A nan among the counts of a data file stops the run with the file and its
+// line, and leaves both input files as they were.
+TEST(BrokenInputEndToEnd, NonFiniteCountInTheDataFileStopsWithItsLine) {
+  ScratchDir dir;
+  std::string data = TestData("cycle/cycle.dat");
+  std::vector<std::string> lines = SplitLines(data);
+  ASSERT_GT(lines.size(), 10u);
+  std::istringstream row(lines[4]);
+  std::string firstCount;
+  row >> firstCount;
+  lines[4] = Replaced(lines[4], firstCount, "nan");
+  data.clear();
+  for (const std::string& l : lines) data += l + "\n";
+  dir.Write("cycle1.pcr", TestData("cycle/cycle1.pcr"));
+  dir.Write("cycle1.dat", data);
+  const auto before = Snapshot(dir, {"cycle1.pcr", "cycle1.dat"});
+  const auto run = RunBinary(dir.path, "cycle1");
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_TRUE(
+      testing::HasLine(run.output, " => Non-finite value in data file: cycle1.dat at line 5"))
+      << run.output;
+  ExpectUnchanged(dir, before);
 }
 
 }  // namespace
