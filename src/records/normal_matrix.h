@@ -6,11 +6,15 @@
 
 namespace corvinet {
 
-// After solving and scaling by chi-square, A is the covariance matrix.
+// The point loop sums the equations in double precision (SumA, upper
+// triangle, and SumB); A and B are their stored 32-bit form. After solving
+// and scaling by chi-square, A is the covariance matrix and B the shifts.
 struct NormalMatrix {
-  Table2<float, DimensionLimits::MSZ, DimensionLimits::MSZ> A;
-  Table1<float, DimensionLimits::MSZ> B;
-  float Condition = 0.0f;
+  Table2<float, DimensionLimits::MSZ, DimensionLimits::MSZ> A;  // the matrix, then the covariance
+  Table1<float, DimensionLimits::MSZ> B;  // the right-hand side, then the shifts
+  float Condition = 0.0f;                 // condition value of the solution
+  Table2<double, DimensionLimits::MSZ, DimensionLimits::MSZ> SumA;  // sums of the matrix
+  Table1<double, DimensionLimits::MSZ> SumB;                        // sums of the right-hand side
 };
 
 // Double-precision working store of the solver, kept with the job so that a

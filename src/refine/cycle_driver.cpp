@@ -64,7 +64,11 @@ void ClearEquations(Job& job) {
   const int fitted = FittedCount(job);
   for (int i = 1; i <= fitted; ++i) {
     n.B[i] = 0.0f;
-    for (int j = 1; j <= fitted; ++j) n.A(i, j) = 0.0f;
+    n.SumB[i] = 0.0;
+    for (int j = 1; j <= fitted; ++j) {
+      n.A(i, j) = 0.0f;
+      n.SumA(i, j) = 0.0;
+    }
   }
 }
 
@@ -82,9 +86,15 @@ void SumPatterns(Job& job, int cycle, int endMarker) {
   }
 }
 
-void Symmetrise(NormalMatrix& n, int fitted) {
+// Copies the upper triangle of the sums into the lower one and stores the
+// equations in their 32-bit form.
+void StoreEquations(NormalMatrix& n, int fitted) {
   for (int i = 1; i <= fitted; ++i) {
-    for (int j = i + 1; j <= fitted; ++j) n.A(j, i) = n.A(i, j);
+    n.B[i] = static_cast<float>(n.SumB[i]);
+    for (int j = i; j <= fitted; ++j) {
+      n.SumA(j, i) = n.SumA(i, j);
+      n.A(i, j) = n.A(j, i) = static_cast<float>(n.SumA(i, j));
+    }
   }
 }
 
@@ -161,7 +171,7 @@ void RunCycles(Job& job, CycleWork& work) {
     s.GlobalChi2 = 0.0f;
     s.globalResidualSum = 0.0f;
     if (job.run.ICRYG == 0) SumPatterns(job, cycle, s.EndMarker);
-    Symmetrise(s.normal, fitted);
+    StoreEquations(s.normal, fitted);
     if (job.run.MAT == 2) WriteDiagonal(job, cycle, fitted);
     StopOnSingularMatrix(job, fitted);
     if (fitted > 0) SolveCycleEquations(job, fitted);

@@ -45,7 +45,7 @@ void StopOnSingularMatrix(Job& job, int fitted) {
 
 void SolveCycleEquations(Job& job, int fitted) {
   RefinementState& s = job.refinement;
-  const SolveResult result = SolveNormalEquations(s.normal, s.solver, fitted);
+  const SolveResult result = SolveNormalSums(s.normal, s.solver, fitted, 0.0);
   if (result.status == SolveStatus::Solved) return;
   const std::string name = SingularParameterLine(job, result.parameter);
   WriteLine(job, Unit::Out, " ==> Singular matrix!!, fix some parameters!");

@@ -105,13 +105,15 @@ float PeakAtPoint(const Job& job, const Pattern& p, int ip, const RingEntry& e, 
   return asym.terms.A * omega;
 }
 
-// Adds the point's weighted row to the normal equations (upper triangle).
+// Adds the point's weighted row to the double-precision sums of the normal
+// equations (upper triangle): over thousands of points a 32-bit sum loses
+// the digits that the shifts near the minimum are made of.
 void AccumulatePoint(NormalMatrix& normal, const float* derivative, float weight, float residual,
                      int fitted) {
   for (int L = 1; L <= fitted; ++L) {
-    const float u = weight * derivative[L - 1];
-    normal.B[L] += u * residual;
-    float* row = &normal.A(L, 1);
+    const double u = static_cast<double>(weight) * derivative[L - 1];
+    normal.SumB[L] += u * residual;
+    double* row = &normal.SumA(L, 1);
     for (int m = L; m <= fitted; ++m) row[m - 1] += u * derivative[m - 1];
   }
 }

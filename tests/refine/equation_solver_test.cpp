@@ -75,16 +75,17 @@ TEST(EquationSolver, TwoEqualRowsStopAtThePivotTest) {
   testing::ScratchDir dir;
   CapturedJob job;
   ASSERT_TRUE(OpenUnit(job->files.units[Unit::Out], "s.out", OpenStatus::Unknown));
+  // The cycle solves the double-precision sums of the point loop.
   NormalMatrix& normal = job->refinement.normal;
-  normal.A(1, 1) = 1.0f;
-  normal.A(1, 2) = 2.0f;
-  normal.A(1, 3) = 3.0f;
-  normal.A(2, 1) = 1.0f;
-  normal.A(2, 2) = 2.0f;
-  normal.A(2, 3) = 3.0f;
-  normal.A(3, 1) = 4.0f;
-  normal.A(3, 2) = 5.0f;
-  normal.A(3, 3) = 6.0f;
+  normal.SumA(1, 1) = 1.0;
+  normal.SumA(1, 2) = 2.0;
+  normal.SumA(1, 3) = 3.0;
+  normal.SumA(2, 1) = 1.0;
+  normal.SumA(2, 2) = 2.0;
+  normal.SumA(2, 3) = 3.0;
+  normal.SumA(3, 1) = 4.0;
+  normal.SumA(3, 2) = 5.0;
+  normal.SumA(3, 3) = 6.0;
   EXPECT_THROW(SolveCycleEquations(*job, 3), ProcessStop);
   CloseUnit(job->files.units[Unit::Out]);
   EXPECT_NE(job.Console().find(" Singular matrix!!, fix some parameters!"), std::string::npos);
