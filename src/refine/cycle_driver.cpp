@@ -62,6 +62,7 @@ void CalculatePattern(Job& job, CycleWork& work, int ip) {
 void ClearEquations(Job& job) {
   NormalMatrix& n = job.refinement.normal;
   const int fitted = FittedCount(job);
+  n.pendingPoints = 0;
   for (int i = 1; i <= fitted; ++i) {
     n.B[i] = 0.0f;
     n.SumB[i] = 0.0;
@@ -89,6 +90,7 @@ void SumPatterns(Job& job, int cycle, int endMarker) {
 // Copies the upper triangle of the sums into the lower one and stores the
 // equations in their 32-bit form.
 void StoreEquations(NormalMatrix& n, int fitted) {
+  FlushNormalBlock(n, fitted);
   for (int i = 1; i <= fitted; ++i) {
     n.B[i] = static_cast<float>(n.SumB[i]);
     for (int j = i; j <= fitted; ++j) {

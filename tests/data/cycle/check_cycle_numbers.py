@@ -27,7 +27,9 @@ storage explains:
   (position, width, intensity) move by one or two units in the last place.
 The point terms that the program computes in 32-bit reals are computed here
 in emulated 32-bit arithmetic; the normal equations and the residual sums are
-accumulated in double precision, as the program does. Any line with a digit
+accumulated as the program does: the normal equations in blocks of
+POINTS_PER_BLOCK points summed in 32 bits and added in double precision, the
+residual sums in double precision. Any line with a digit
 that no rule recognises fails the check. Exit status 0 when all agree, 1
 otherwise.
 
@@ -43,6 +45,7 @@ import sys
 REL_SLACK = 2.4e-7
 SUM_SLACK = 6e-7
 ULP = 2.0**-23
+POINTS_PER_BLOCK = 16
 NUM = r"([-+]?(?:\d+\.?\d*|\.\d+)(?:E[-+]\d\d)?|\*+)"
 
 
@@ -215,6 +218,9 @@ class Cycle:
         P = len(self.refined)
         A = [[0.0] * P for _ in range(P)]
         B = [0.0] * P
+        blockA = [[0.0] * P for _ in range(P)]
+        blockB = [0.0] * P
+        pending = 0
         for i in range(1, n + 1):
             x = self.x[i - 1]
             pw = powers(x, c["BKPOS"], 6)
@@ -229,16 +235,25 @@ class Cycle:
                     y = f32(y + f32(c["SCALE"] * r["LpM"] * gauss(d, r["H"])) * r["F2"])
             self.ycalc[i] = f32(y)
             # Every point reaches the equations through the polynomial rows.
-            # The residual and the weight are 32-bit; the row products and
-            # their sums are formed in double precision.
+            # The rows of POINTS_PER_BLOCK points are summed in 32 bits, and
+            # each such block is added to the double-precision sums.
             res = f32(f32(self.yobs[i - 1] - self.backg[i]) - self.ycalc[i])
             der = [f32(pw[j]) for j in self.refined]
             wgt = f32(1.0 / self.yobs[i - 1])
             for L in range(P):
-                u = wgt * der[L]
-                B[L] += u * res
+                u = f32(wgt * der[L])
+                blockB[L] = f32(blockB[L] + f32(u * res))
                 for m in range(L, P):
-                    A[L][m] += u * der[m]
+                    blockA[L][m] = f32(blockA[L][m] + f32(u * der[m]))
+            pending += 1
+            if pending == POINTS_PER_BLOCK or i == n:
+                for L in range(P):
+                    B[L] += blockB[L]
+                    blockB[L] = 0.0
+                    for m in range(L, P):
+                        A[L][m] += blockA[L][m]
+                        blockA[L][m] = 0.0
+                pending = 0
         for L in range(P):
             for m in range(L):
                 A[L][m] = A[m][L]
