@@ -81,7 +81,7 @@ TEST(ParameterNames, TheSolverStopNamesThePivotParameter) {
   // Parameters 1 and 2 move the same thing: their rows are equal.
   normal.SumA(1, 1) = normal.SumA(1, 2) = normal.SumA(2, 1) = normal.SumA(2, 2) = 1.0;
   normal.SumA(3, 3) = 1.0;
-  EXPECT_THROW(SolveCycleEquations(*job, 3), ProcessStop);
+  EXPECT_THROW(SolveCycleEquations(*job, 3, 0.0), ProcessStop);
   EXPECT_TRUE(testing::HasLine(job.Console(), " Singular matrix!!, fix some parameters!"));
   EXPECT_TRUE(
       testing::HasLine(job.Console(), " ==> Parameter no.:   2: Scale in phase 1, pattern 1"))
