@@ -6,7 +6,8 @@
 
 namespace corvinet {
 
-// The point-by-point sums of one set of points, all in single precision.
+// The point-by-point sums of one set of points, summed in double precision
+// and kept in single precision.
 // With Yo = Ytotal, Yb = BackgroundAt, Yc = Yb + Ycalc, d = Yo - Yc,
 // w = 1/Variance and Yn = Yo - Yb.
 struct ResidualSums {
@@ -41,6 +42,7 @@ struct ReliabilityFactors {
 struct PatternReliability {
   ResidualSums all;         // all non-excluded points
   ResidualSums nonBragg;    // non-excluded points with order code 0 or 6000
+  ResidualSums bragg;       // the other non-excluded points: those with a Bragg contribution
   ReliabilityFactors setA;  // all non-excluded points
   ReliabilityFactors setB;  // points with a Bragg contribution
   float Scor = 0.0f;        // correlated-residuals factor of the last pass

@@ -9,6 +9,7 @@
 #include "format/fortran_format.h"
 #include "observations/background.h"
 #include "refine/bragg_profile.h"
+#include "refine/cycle_damping.h"
 #include "refine/cycle_report.h"
 #include "refine/cycle_stop_tests.h"
 #include "refine/cycle_work.h"
@@ -62,9 +63,14 @@ void CalculatePattern(Job& job, CycleWork& work, int ip) {
 void ClearEquations(Job& job) {
   NormalMatrix& n = job.refinement.normal;
   const int fitted = FittedCount(job);
+  n.pendingPoints = 0;
   for (int i = 1; i <= fitted; ++i) {
     n.B[i] = 0.0f;
-    for (int j = 1; j <= fitted; ++j) n.A(i, j) = 0.0f;
+    n.SumB[i] = 0.0;
+    for (int j = 1; j <= fitted; ++j) {
+      n.A(i, j) = 0.0f;
+      n.SumA(i, j) = 0.0;
+    }
   }
 }
 
@@ -82,9 +88,16 @@ void SumPatterns(Job& job, int cycle, int endMarker) {
   }
 }
 
-void Symmetrise(NormalMatrix& n, int fitted) {
+// Copies the upper triangle of the sums into the lower one and stores the
+// equations in their 32-bit form.
+void StoreEquations(NormalMatrix& n, int fitted) {
+  FlushNormalBlock(n, fitted);
   for (int i = 1; i <= fitted; ++i) {
-    for (int j = i + 1; j <= fitted; ++j) n.A(j, i) = n.A(i, j);
+    n.B[i] = static_cast<float>(n.SumB[i]);
+    for (int j = i; j <= fitted; ++j) {
+      n.SumA(j, i) = n.SumA(i, j);
+      n.A(i, j) = n.A(j, i) = static_cast<float>(n.SumA(i, j));
+    }
   }
 }
 
@@ -104,6 +117,38 @@ void FinalPass(Job& job, int cycle, const BraggProfile& profile) {
 
 void EndingSteps(Job& job) {
   ConsoleLine(job, " Normal end, final calculations and writing...");
+}
+
+// Solves the kept equations with the damping's lambda: the shifts come from
+// the damped matrix, the covariance from the undamped one.
+void SolveDamped(Job& job, int fitted, double lambda) {
+  RefinementState& s = job.refinement;
+  SolveCycleEquations(job, fitted, lambda);
+  if (lambda == 0.0) return;
+  const Table1<float, DimensionLimits::MSZ> shifts = s.normal.B;
+  SolveCycleEquations(job, fitted, 0.0);
+  s.normal.B = shifts;
+}
+
+// Solves the equations of the cycle, applies and reports the shifts; shifts
+// that leave a peak or an occupancy invalid are solved again, damped, from
+// the same pass (not in the last cycle, which only reports).
+void SolveAndReport(Job& job, CycleWork& work, CycleDamping& damping, int cycle,
+                    const BraggProfile& profile) {
+  RefinementState& s = job.refinement;
+  const int fitted = FittedCount(job);
+  for (;;) {
+    if (fitted > 0) SolveDamped(job, fitted, damping.Lambda());
+    for (int i = 1; i <= fitted; ++i) {
+      for (int j = 1; j <= fitted; ++j) s.normal.A(i, j) *= s.GlobalChi2;
+    }
+    DampOscillations(job, fitted);
+    ReportCycle(job, cycle, profile);
+    if (fitted == 0 || cycle >= job.run.NCY || !damping.CanRetry()) return;
+    const ShiftRejection rejection = InvalidShiftedParameters(job);
+    if (rejection == ShiftRejection::kNone) return;
+    damping.Retry(job, work, rejection);
+  }
 }
 
 }  // namespace
@@ -150,6 +195,7 @@ void RunCycles(Job& job, CycleWork& work) {
   s.LastShift.Fill(0.0f);
   BuildParameterFamilies(job);
   const BraggProfile profile = PointLoopProfile(job, work);
+  CycleDamping damping;
   for (int cycle = 1; cycle <= job.run.NCY; ++cycle) {
     s.CycleNumber = cycle;
     s.DisplayedCycle = cycle;
@@ -161,21 +207,25 @@ void RunCycles(Job& job, CycleWork& work) {
     s.GlobalChi2 = 0.0f;
     s.globalResidualSum = 0.0f;
     if (job.run.ICRYG == 0) SumPatterns(job, cycle, s.EndMarker);
-    Symmetrise(s.normal, fitted);
+    StoreEquations(s.normal, fitted);
     if (job.run.MAT == 2) WriteDiagonal(job, cycle, fitted);
     StopOnSingularMatrix(job, fitted);
-    if (fitted > 0) SolveCycleEquations(job, fitted);
-    for (int i = 1; i <= fitted; ++i) {
-      for (int j = 1; j <= fitted; ++j) s.normal.A(i, j) *= s.GlobalChi2;
+    // The last cycle only reports: its pass is not a reason to go back.
+    if (cycle < job.run.NCY && damping.Chi2Rose(job, cycle)) {
+      cycle = damping.Retry(job, work, ShiftRejection::kChi2Up);
+      s.CycleNumber = cycle;
+      s.DisplayedCycle = cycle;
+    } else if (fitted > 0) {
+      damping.Keep(job, work, cycle);
     }
-    DampOscillations(job, fitted);
-    ReportCycle(job, cycle, profile);
+    SolveAndReport(job, work, damping, cycle, profile);
     if (job.run.IDUM == 2) {
       StopOnDivergence(job, cycle);
       s.PreviousChi2 = s.GlobalChi2;
     }
     const bool tested = job.run.ConvergenceTestActive;
-    if (tested && FirstUnconverged(job, cycle, fitted) != 0) continue;
+    // A damped cycle has small shifts without being at the minimum.
+    if (tested && (FirstUnconverged(job, cycle, fitted) != 0 || damping.Lambda() > 0.0)) continue;
     if (cycle <= job.run.NCY && job.run.IDUM == 1 && !tested) continue;
     FinalPass(job, cycle, profile);
     break;

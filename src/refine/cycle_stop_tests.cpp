@@ -43,9 +43,9 @@ void StopOnSingularMatrix(Job& job, int fitted) {
   }
 }
 
-void SolveCycleEquations(Job& job, int fitted) {
+void SolveCycleEquations(Job& job, int fitted, double lambda) {
   RefinementState& s = job.refinement;
-  const SolveResult result = SolveNormalEquations(s.normal, s.solver, fitted);
+  const SolveResult result = SolveNormalSums(s.normal, s.solver, fitted, lambda);
   if (result.status == SolveStatus::Solved) return;
   const std::string name = SingularParameterLine(job, result.parameter);
   WriteLine(job, Unit::Out, " ==> Singular matrix!!, fix some parameters!");

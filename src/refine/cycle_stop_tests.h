@@ -20,11 +20,12 @@ std::string SingularParameterLine(const Job& job, int L);
 void StopOnSingularMatrix(Job& job, int fitted);
 
 // Solves the normal equations of the `fitted` parameters of the refinement
-// state. A singular matrix writes " ==> Singular matrix!!, fix some
-// parameters!" on the report, " Singular matrix!!, fix some parameters!" on
-// the console, each followed by the line naming the parameter whose pivot
-// vanished, and stops with " Singular Matrix!! ".
-void SolveCycleEquations(Job& job, int fitted);
+// state, with the diagonal scaled by 1 + lambda. A singular matrix writes
+// " ==> Singular matrix!!, fix some parameters!" on the report, " Singular
+// matrix!!, fix some parameters!" on the console, each followed by the line
+// naming the parameter whose pivot vanished, and stops with " Singular
+// Matrix!! ".
+void SolveCycleEquations(Job& job, int fitted, double lambda);
 
 // With IDUM 2 a chi-square that does not fall from the last cycle stops the run.
 void StopOnDivergence(Job& job, int cycle);

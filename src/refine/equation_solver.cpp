@@ -10,15 +10,17 @@ namespace {
 // The single-precision 1.0E-38 kept as a double.
 constexpr double kSmallestPivot = static_cast<double>(1.0e-38f);
 
-// Copies A and B to double precision and divides every row by its largest
-// element; returns the infinity norm of A (row sums in single precision).
-float Equilibrate(const NormalMatrix& normal, SolverWork& w, int n) {
+// Copies the matrix a (its diagonal times diagonalFactor) and the vector b
+// to double precision and divides every row by its largest element; returns
+// the infinity norm of the matrix (row sums in single precision).
+template <class Matrix, class Vector>
+float Equilibrate(const Matrix& a, const Vector& b, double diagonalFactor, SolverWork& w, int n) {
   float normA = 0.0f;
   for (int i = 1; i <= n; ++i) {
     double largest = 0.0;
     float sum = 0.0f;
     for (int j = 1; j <= n; ++j) {
-      const double v = normal.A(i, j);
+      const double v = i == j ? a(i, j) * diagonalFactor : static_cast<double>(a(i, j));
       w.Work(i, j) = v;
       largest = std::max(largest, std::fabs(v));
       sum += static_cast<float>(std::fabs(v));
@@ -27,7 +29,7 @@ float Equilibrate(const NormalMatrix& normal, SolverWork& w, int n) {
     w.RowScale[i] = largest;
     w.Perm[i] = i;
     const double reciprocal = 1.0 / largest;
-    w.Rhs[i] = normal.B[i] / largest;
+    w.Rhs[i] = b[i] / largest;
     for (int j = 1; j <= n; ++j) w.Work(i, j) *= reciprocal;
   }
   return normA;
@@ -71,16 +73,18 @@ bool Exchange(SolverWork& w, int k, int n) {
   return true;
 }
 
-}  // namespace
-
-SolveResult SolveNormalEquations(NormalMatrix& normal, SolverWork& w, int n) {
+// The solution of the equations a x = b into `normal`, as declared in the header.
+template <class Matrix, class Vector>
+SolveResult Solve(const Matrix& a, const Vector& b, double diagonalFactor, NormalMatrix& normal,
+                  SolverWork& w, int n) {
   if (n == 1) {
-    normal.A(1, 1) = 1.0f / normal.A(1, 1);
-    normal.B[1] = normal.B[1] * normal.A(1, 1);
+    const double value = a(1, 1) * diagonalFactor;
+    normal.A(1, 1) = static_cast<float>(1.0 / value);
+    normal.B[1] = static_cast<float>(b[1] / value);
     normal.Condition = 1.0f;
     return {};
   }
-  const float normA = Equilibrate(normal, w, n);
+  const float normA = Equilibrate(a, b, diagonalFactor, w, n);
   for (int k = 1; k <= n; ++k) {
     if (!Exchange(w, k, n)) return {SolveStatus::Singular, w.Perm[k]};
   }
@@ -105,6 +109,23 @@ SolveResult SolveNormalEquations(NormalMatrix& normal, SolverWork& w, int n) {
   }
   normal.Condition = normInverse * normA;
   return {};
+}
+
+}  // namespace
+
+SolveResult SolveNormalEquations(NormalMatrix& normal, SolverWork& w, int n) {
+  if (n == 1) {
+    normal.A(1, 1) = 1.0f / normal.A(1, 1);
+    normal.B[1] = normal.B[1] * normal.A(1, 1);
+    normal.Condition = 1.0f;
+    return {};
+  }
+  // The 32-bit matrix is read before the inverse overwrites it.
+  return Solve(normal.A, normal.B, 1.0, normal, w, n);
+}
+
+SolveResult SolveNormalSums(NormalMatrix& normal, SolverWork& w, int n, double lambda) {
+  return Solve(normal.SumA, normal.SumB, 1.0 + lambda, normal, w, n);
 }
 
 }  // namespace corvinet

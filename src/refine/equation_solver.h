@@ -22,4 +22,9 @@ struct SolveResult {
 // status with A, B and Condition untouched.
 SolveResult SolveNormalEquations(NormalMatrix& normal, SolverWork& work, int n);
 
+// The same solution from the double-precision sums SumA (both triangles) and
+// SumB, which it leaves as they are, with the diagonal of the matrix scaled
+// by 1 + lambda (the Marquardt damping; lambda 0 for an undamped cycle).
+SolveResult SolveNormalSums(NormalMatrix& normal, SolverWork& work, int n, double lambda);
+
 }  // namespace corvinet

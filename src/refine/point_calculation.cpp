@@ -105,7 +105,13 @@ float PeakAtPoint(const Job& job, const Pattern& p, int ip, const RingEntry& e, 
   return asym.terms.A * omega;
 }
 
-// Adds the point's weighted row to the normal equations (upper triangle).
+// Points whose rows are summed in 32 bits before they go to the double sums.
+constexpr int kPointsPerBlock = 16;
+
+// Adds the point's weighted row to the normal equations (upper triangle);
+// every kPointsPerBlock points the 32-bit block goes to the double-precision
+// sums: over thousands of points a 32-bit running sum loses the digits that
+// the shifts near the minimum are made of.
 void AccumulatePoint(NormalMatrix& normal, const float* derivative, float weight, float residual,
                      int fitted) {
   for (int L = 1; L <= fitted; ++L) {
@@ -114,9 +120,24 @@ void AccumulatePoint(NormalMatrix& normal, const float* derivative, float weight
     float* row = &normal.A(L, 1);
     for (int m = L; m <= fitted; ++m) row[m - 1] += u * derivative[m - 1];
   }
+  if (++normal.pendingPoints == kPointsPerBlock) FlushNormalBlock(normal, fitted);
 }
 
 }  // namespace
+
+void FlushNormalBlock(NormalMatrix& normal, int fitted) {
+  for (int L = 1; L <= fitted; ++L) {
+    normal.SumB[L] += normal.B[L];
+    normal.B[L] = 0.0f;
+    float* row = &normal.A(L, 1);
+    double* sum = &normal.SumA(L, 1);
+    for (int m = L; m <= fitted; ++m) {
+      sum[m - 1] += row[m - 1];
+      row[m - 1] = 0.0f;
+    }
+  }
+  normal.pendingPoints = 0;
+}
 
 float PeakValueAt(const Job& job, const RingEntry& entry, int ip, float x) {
   if (!entry.active || entry.intensity == 0.0f) return 0.0f;

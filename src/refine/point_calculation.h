@@ -13,6 +13,11 @@ namespace corvinet {
 // weighted row to the normal equations.
 void CalculatePoint(Job& job, CycleWork& work, int ip, int i);
 
+// Adds the block of rows held in A and B (upper triangle) to the double
+// sums SumA and SumB and clears it; the cycle calls it once more after the
+// last point.
+void FlushNormalBlock(NormalMatrix& normal, int fitted);
+
 // The peak value times the asymmetry factor of a computed reflection at the
 // abscissa x, without its integrated intensity; 0 outside its base.
 float PeakValueAt(const Job& job, const RingEntry& entry, int ip, float x);

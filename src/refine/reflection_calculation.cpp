@@ -353,4 +353,69 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   }
 }
 
+namespace {
+
+// The codes whose peaks mix a Gaussian and a Lorentzian through eta.
+bool MixesThroughEta(ProfileCode code) {
+  return code == ProfileCode::kTripledPseudoVoigt || code == ProfileCode::kPseudoVoigt ||
+         code == ProfileCode::kTchPseudoVoigt || code == ProfileCode::kSplitPseudoVoigt ||
+         code == ProfileCode::kAxialDivergence;
+}
+
+bool InUnitRange(float eta) {
+  return eta >= 0.0f && eta <= 1.0f;
+}
+
+PeakValidity CheckReflection(const Job& job, int ip, const Reflection& r) {
+  const Pattern& p = job.patterns[ip];
+  const int phase = KeyPhase(r.key);
+  const PhasePattern& c = job.phases[phase].pat[ip];
+  if (c.Contribution == 0) return PeakValidity::kValid;
+  Geometry g;
+  g.h = WorkingVector(job.phases[phase], r);
+  if (!MakeGeometry(p, c, KeyWavelength(r.key), g)) return PeakValidity::kValid;
+  const ProfileCode code = ProfileOf(c);
+  WidthInput in;
+  in.code = code;
+  in.phase = phase;
+  in.wavelengthIndex = KeyWavelength(r.key);
+  in.twoTheta = static_cast<float>(g.twoTheta);
+  in.tanTheta = static_cast<float>(g.tanTheta);
+  in.cos2Theta = static_cast<float>(g.cos2);
+  in.previousFwhm = r.Fwhm;
+  ReflectionShapeInput shapeIn;
+  shapeIn.code = code;
+  shapeIn.twoTheta = in.twoTheta;
+  shapeIn.tanTheta = in.tanTheta;
+  PeakShape shape;
+  try {
+    shapeIn.widths = PeakWidth(p, c.PAR, in);
+    shape = PreparePeakShape(p, c.PAR, job.numericalProfile, shapeIn);
+  } catch (const PeakError& error) {
+    // The other peak errors stop the run as they did before.
+    if (error.failure == PeakFailure::NegativeWidth) return PeakValidity::kNegativeWidth;
+    return PeakValidity::kValid;
+  }
+  if (!MixesThroughEta(code)) return PeakValidity::kValid;
+  const bool split = code == ProfileCode::kSplitPseudoVoigt;
+  if (!InUnitRange(shape.eta) || (split && !InUnitRange(shape.eta2))) {
+    return PeakValidity::kMixingOutside;
+  }
+  return PeakValidity::kValid;
+}
+
+}  // namespace
+
+PeakValidity CheckPeakShapes(const Job& job, int ip) {
+  const Pattern& p = job.patterns[ip];
+  if (p.IXUNIT != AbscissaUnit::kTwoTheta && p.IXUNIT != AbscissaUnit::kEnergy) {
+    return PeakValidity::kValid;
+  }
+  for (int k = 1; k <= p.reflections.total; ++k) {
+    const PeakValidity v = CheckReflection(job, ip, p.reflections.slot[k]);
+    if (v != PeakValidity::kValid) return v;
+  }
+  return PeakValidity::kValid;
+}
+
 }  // namespace corvinet

@@ -14,15 +14,16 @@ constexpr int kConvergedEndMarker = 123;
 
 // Sums of pattern ip over its non-excluded points (excluded regions tested by
 // point index) into job.reliability.pattern[ip].all, and over those of them
-// whose order code is 0 or 6000 into .nonBragg; then the derived factors of
-// both sets (ReliabilityIndices). In the last pass (cycle = NCY or endMarker
-// = 123) also Scor, reported on the .out and .sum files.
-// For the cycle driver: the weighted residual sum of the pattern is
-// .all.Residual and its count of Bragg points .setB.N.
+// whose order code is 0 or 6000 into .nonBragg, over the others into .bragg;
+// then the derived factors of both sets (ReliabilityIndices). In the last pass (cycle = NCY or
+// endMarker = 123) also Scor, reported on the .out and .sum files. For the cycle driver: the
+// weighted residual sum of the pattern is .all.Residual and its count of Bragg points .setB.N.
 void ResidualStatistics(Job& job, int ip, int cycle, int endMarker);
 
-// Point sums of the pattern, with the non-Bragg points also summed apart.
-void AccumulateResidualSums(const Pattern& pattern, ResidualSums& all, ResidualSums& nonBragg);
+// Point sums of the pattern in double precision, kept in single precision:
+// all points, the non-Bragg points and the Bragg points.
+void AccumulateResidualSums(const Pattern& pattern, ResidualSums& all, ResidualSums& nonBragg,
+                            ResidualSums& bragg);
 
 // The derived factors of both sets of pattern ip from its sums and the number
 // of refined parameters (MAXS).

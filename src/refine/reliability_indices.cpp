@@ -7,23 +7,6 @@ namespace corvinet {
 
 namespace {
 
-// The ordinary sums of the Bragg set: all points minus the non-Bragg points.
-ResidualSums BraggSums(const ResidualSums& all, const ResidualSums& nonBragg) {
-  ResidualSums b;
-  b.SumYdif = all.SumYdif - nonBragg.SumYdif;
-  b.SumYobs = all.SumYobs - nonBragg.SumYobs;
-  b.SumYcal = all.SumYcal - nonBragg.SumYcal;
-  b.SumwYobsSQ = all.SumwYobsSQ - nonBragg.SumwYobsSQ;
-  b.Residual = all.Residual - nonBragg.Residual;
-  b.SumYnet = all.SumYnet - nonBragg.SumYnet;
-  b.SumwYnetSQ = all.SumwYnetSQ - nonBragg.SumwYnetSQ;
-  b.DwSum = all.DwSum - nonBragg.DwSum;
-  b.DevSum = all.DevSum - nonBragg.DevSum;
-  b.InvYcalSum = all.InvYcalSum - nonBragg.InvYcalSum;
-  b.points = all.points - nonBragg.points;
-  return b;
-}
-
 // 100 sqrt(numerator/denominator), the form of every weighted R-factor.
 float WeightedR(float numerator, float denominator) {
   return 100.0f * std::sqrt(numerator / denominator);
@@ -61,16 +44,15 @@ ReliabilityFactors DerivedFactors(const ResidualSums& sums, int n, int p, float 
 void ReliabilityIndices(Job& job, int ip) {
   PatternReliability& state = job.reliability.pattern[ip];
   const ResidualSums& all = state.all;
-  const ResidualSums& nonBragg = state.nonBragg;
   const int p = job.run.MAXS;
   state.setA = DerivedFactors(all, all.points, p, 2.0f * all.DevSum, all.InvYcalSum / 6.0f,
                               all.DwSum / all.Residual);
-  const ResidualSums bragg = BraggSums(all, nonBragg);
-  // Deviance, 1/Yc and Durbin-Watson of the Bragg set are formed from the
-  // values of all points, not from differences of their sums.
-  const float deviance = state.setA.Deviance - 2.0f * nonBragg.DevSum;
-  const float invSixth = all.InvYcalSum / 6.0f - nonBragg.InvYcalSum / 6.0f;
-  const float dwStat = (state.setA.DwStat * all.Residual - nonBragg.DwSum) / bragg.Residual;
+  // The Bragg set is summed apart rather than formed as all points minus the
+  // non-Bragg points: that difference of two large sums loses its digits.
+  const ResidualSums& bragg = state.bragg;
+  const float deviance = 2.0f * bragg.DevSum;
+  const float invSixth = bragg.InvYcalSum / 6.0f;
+  const float dwStat = bragg.DwSum / bragg.Residual;
   state.setB = DerivedFactors(bragg, bragg.points, p, deviance, invSixth, dwStat);
 }
 

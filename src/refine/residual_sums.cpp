@@ -15,7 +15,7 @@ namespace {
 // Below this magnitude Yo or Yc gives no deviance term.
 constexpr float kDevianceFloor = 1.0e-10f;
 
-// The terms one point adds to the sums, in single precision.
+// The terms one point adds to the sums, each in single precision.
 struct PointTerms {
   float absD, yo, yc, wYo2, wD2, yn, wYn2, dev, invYc;
   float scaled;  // d sqrt(w), for the Durbin-Watson sum
@@ -45,8 +45,17 @@ PointTerms TermsOf(const Pattern& p, int i) {
   return t;
 }
 
+// The sums of one set while they are formed: each point term is computed in
+// single precision and added in double precision, so that the Bragg set, the
+// deviance and the sums of a long pattern keep their digits.
+struct DoubleSums {
+  double SumYdif = 0.0, SumYobs = 0.0, SumYcal = 0.0, SumwYobsSQ = 0.0, Residual = 0.0;
+  double SumYnet = 0.0, SumwYnetSQ = 0.0, DwSum = 0.0, DevSum = 0.0, InvYcalSum = 0.0;
+  int points = 0;
+};
+
 // Adds the point; `dw` is its Durbin-Watson term, absent for the first point.
-void AddTerms(ResidualSums& s, const PointTerms& t, const float* dw) {
+void AddTerms(DoubleSums& s, const PointTerms& t, const float* dw) {
   s.SumYdif += t.absD;
   s.SumYobs += t.yo;
   s.SumYcal += t.yc;
@@ -60,15 +69,31 @@ void AddTerms(ResidualSums& s, const PointTerms& t, const float* dw) {
   ++s.points;
 }
 
+ResidualSums Stored(const DoubleSums& d) {
+  ResidualSums s;
+  s.SumYdif = static_cast<float>(d.SumYdif);
+  s.SumYobs = static_cast<float>(d.SumYobs);
+  s.SumYcal = static_cast<float>(d.SumYcal);
+  s.SumwYobsSQ = static_cast<float>(d.SumwYobsSQ);
+  s.Residual = static_cast<float>(d.Residual);
+  s.SumYnet = static_cast<float>(d.SumYnet);
+  s.SumwYnetSQ = static_cast<float>(d.SumwYnetSQ);
+  s.DwSum = static_cast<float>(d.DwSum);
+  s.DevSum = static_cast<float>(d.DevSum);
+  s.InvYcalSum = static_cast<float>(d.InvYcalSum);
+  s.points = d.points;
+  return s;
+}
+
 bool IsNonBraggCode(int code) {
   return code == 0 || code == kExcludedPoint;
 }
 
 }  // namespace
 
-void AccumulateResidualSums(const Pattern& pattern, ResidualSums& all, ResidualSums& nonBragg) {
-  all = ResidualSums{};
-  nonBragg = ResidualSums{};
+void AccumulateResidualSums(const Pattern& pattern, ResidualSums& all, ResidualSums& nonBragg,
+                            ResidualSums& bragg) {
+  DoubleSums sumAll, sumNonBragg, sumBragg;
   const std::vector<bool> excluded = ExcludedPointMarks(pattern);
   bool first = true;
   float previous = 0.0f;
@@ -80,17 +105,20 @@ void AccumulateResidualSums(const Pattern& pattern, ResidualSums& all, ResidualS
     const float step = t.scaled - previous;
     const float dw = step * step;
     const float* term = first ? nullptr : &dw;
-    AddTerms(all, t, term);
-    if (IsNonBraggCode(pattern.OrderCode[i])) AddTerms(nonBragg, t, term);
+    AddTerms(sumAll, t, term);
+    AddTerms(IsNonBraggCode(pattern.OrderCode[i]) ? sumNonBragg : sumBragg, t, term);
     previous = t.scaled;
     first = false;
   }
+  all = Stored(sumAll);
+  nonBragg = Stored(sumNonBragg);
+  bragg = Stored(sumBragg);
 }
 
 void ResidualStatistics(Job& job, int ip, int cycle, int endMarker) {
   PatternReliability& state = job.reliability.pattern[ip];
   const Pattern& pattern = job.patterns[ip];
-  AccumulateResidualSums(pattern, state.all, state.nonBragg);
+  AccumulateResidualSums(pattern, state.all, state.nonBragg, state.bragg);
   ReliabilityIndices(job, ip);
   if (cycle == job.run.NCY || endMarker == kConvergedEndMarker) {
     state.Scor = CorrelatedResidualsFactor(pattern, state.setB.sums.Residual);

@@ -71,21 +71,45 @@ TEST(EquationSolver, IdentityGivesTheRightHandSideAndConditionOne) {
   EXPECT_FLOAT_EQ(s.normal->Condition, 1.0f);
 }
 
+TEST(EquationSolver, TheSumsAreSolvedWithTheirDiagonalScaledByOnePlusLambda) {
+  Solver s;
+  // [[2 1] [1 3]] x = [3 4]: x = (1, 1) undamped; with lambda 1 the diagonal
+  // doubles, [[4 1] [1 6]] x = [3 4] gives x = (14/23, 13/23).
+  s.normal->SumA(1, 1) = 2.0;
+  s.normal->SumA(1, 2) = s.normal->SumA(2, 1) = 1.0;
+  s.normal->SumA(2, 2) = 3.0;
+  s.normal->SumB[1] = 3.0;
+  s.normal->SumB[2] = 4.0;
+  ASSERT_EQ(SolveNormalSums(*s.normal, *s.work, 2, 0.0).status, SolveStatus::Solved);
+  EXPECT_FLOAT_EQ(s.normal->B[1], 1.0f);
+  EXPECT_FLOAT_EQ(s.normal->B[2], 1.0f);
+  ASSERT_EQ(SolveNormalSums(*s.normal, *s.work, 2, 1.0).status, SolveStatus::Solved);
+  EXPECT_FLOAT_EQ(s.normal->B[1], 14.0f / 23.0f);
+  EXPECT_FLOAT_EQ(s.normal->B[2], 13.0f / 23.0f);
+  // The inverse of the damped matrix: [[6 -1] [-1 4]] / 23.
+  EXPECT_FLOAT_EQ(s.normal->A(1, 1), 6.0f / 23.0f);
+  EXPECT_FLOAT_EQ(s.normal->A(1, 2), -1.0f / 23.0f);
+  // The sums stay as they were, for a retry with another lambda.
+  EXPECT_EQ(s.normal->SumA(1, 1), 2.0);
+  EXPECT_EQ(s.normal->SumB[2], 4.0);
+}
+
 TEST(EquationSolver, TwoEqualRowsStopAtThePivotTest) {
   testing::ScratchDir dir;
   CapturedJob job;
   ASSERT_TRUE(OpenUnit(job->files.units[Unit::Out], "s.out", OpenStatus::Unknown));
+  // The cycle solves the double-precision sums of the point loop.
   NormalMatrix& normal = job->refinement.normal;
-  normal.A(1, 1) = 1.0f;
-  normal.A(1, 2) = 2.0f;
-  normal.A(1, 3) = 3.0f;
-  normal.A(2, 1) = 1.0f;
-  normal.A(2, 2) = 2.0f;
-  normal.A(2, 3) = 3.0f;
-  normal.A(3, 1) = 4.0f;
-  normal.A(3, 2) = 5.0f;
-  normal.A(3, 3) = 6.0f;
-  EXPECT_THROW(SolveCycleEquations(*job, 3), ProcessStop);
+  normal.SumA(1, 1) = 1.0;
+  normal.SumA(1, 2) = 2.0;
+  normal.SumA(1, 3) = 3.0;
+  normal.SumA(2, 1) = 1.0;
+  normal.SumA(2, 2) = 2.0;
+  normal.SumA(2, 3) = 3.0;
+  normal.SumA(3, 1) = 4.0;
+  normal.SumA(3, 2) = 5.0;
+  normal.SumA(3, 3) = 6.0;
+  EXPECT_THROW(SolveCycleEquations(*job, 3, 0.0), ProcessStop);
   CloseUnit(job->files.units[Unit::Out]);
   EXPECT_NE(job.Console().find(" Singular matrix!!, fix some parameters!"), std::string::npos);
   EXPECT_NE(job.Console().find(" Singular Matrix!!"), std::string::npos);

@@ -76,11 +76,12 @@ TEST(ParameterNames, TheSolverStopNamesThePivotParameter) {
   testing::ScratchDir dir;
   CapturedJob job;
   FillModel(*job);
+  // The cycle solves the double-precision sums of the point loop.
   NormalMatrix& normal = job->refinement.normal;
   // Parameters 1 and 2 move the same thing: their rows are equal.
-  normal.A(1, 1) = normal.A(1, 2) = normal.A(2, 1) = normal.A(2, 2) = 1.0f;
-  normal.A(3, 3) = 1.0f;
-  EXPECT_THROW(SolveCycleEquations(*job, 3), ProcessStop);
+  normal.SumA(1, 1) = normal.SumA(1, 2) = normal.SumA(2, 1) = normal.SumA(2, 2) = 1.0;
+  normal.SumA(3, 3) = 1.0;
+  EXPECT_THROW(SolveCycleEquations(*job, 3, 0.0), ProcessStop);
   EXPECT_TRUE(testing::HasLine(job.Console(), " Singular matrix!!, fix some parameters!"));
   EXPECT_TRUE(
       testing::HasLine(job.Console(), " ==> Parameter no.:   2: Scale in phase 1, pattern 1"))

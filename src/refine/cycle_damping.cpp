@@ -1,0 +1,167 @@
+// Marquardt damping of the cycles: the kept state of a cycle, its retries and the tests that
+// reject the shifts of a cycle.
+#include "refine/cycle_damping.h"
+
+#include <cstdio>
+
+#include "format/fortran_format.h"
+#include "refine/reflection_calculation.h"
+#include "surface/console.h"
+
+namespace corvinet {
+
+struct CycleSnapshot {
+  Table1<Pattern, DimensionLimits::NPATT> patterns;
+  Table1<Phase, DimensionLimits::NPHT> phases;
+  Table1<AtomSite, DimensionLimits::NATS> atoms;
+  ParameterLimits limits;
+  ReliabilityState reliability;
+  NormalMatrix normal;
+  Table1<float, DimensionLimits::MSZ> LastShift;
+  float PreviousChi2 = 0.0f;
+  float GlobalChi2 = 0.0f;
+  float globalResidualSum = 0.0f;
+  Table1<int, DimensionLimits::NPATT> braggPoints;
+  Table1<int, DimensionLimits::NPATT> usedPoints;
+  Table1<RingEntry, DimensionLimits::NOV> ring;
+  Table1<int, DimensionLimits::NOV> computedPattern;
+  Table1<int, DimensionLimits::NOV> computedReflection;
+};
+
+namespace {
+
+// Copies the records of the cycle between the job and the snapshot; only
+// the patterns of the run are copied, as they are large.
+template <class From, class To>
+void CopyPatterns(const From& from, To& to, int count) {
+  for (int ip = 1; ip <= count; ++ip) to[ip] = from[ip];
+}
+
+void Save(const Job& job, const CycleWork& work, CycleSnapshot& s) {
+  const RefinementState& r = job.refinement;
+  CopyPatterns(job.patterns, s.patterns, job.run.NPATT);
+  s.phases = job.phases;
+  s.atoms = job.atoms;
+  s.limits = job.limits;
+  s.reliability = job.reliability;
+  s.normal = r.normal;
+  s.LastShift = r.LastShift;
+  s.PreviousChi2 = r.PreviousChi2;
+  s.GlobalChi2 = r.GlobalChi2;
+  s.globalResidualSum = r.globalResidualSum;
+  s.braggPoints = r.braggPoints;
+  s.usedPoints = r.usedPoints;
+  s.ring = work.ring;
+  s.computedPattern = work.computedPattern;
+  s.computedReflection = work.computedReflection;
+}
+
+void Restore(const CycleSnapshot& s, Job& job, CycleWork& work) {
+  RefinementState& r = job.refinement;
+  CopyPatterns(s.patterns, job.patterns, job.run.NPATT);
+  job.phases = s.phases;
+  job.atoms = s.atoms;
+  job.limits = s.limits;
+  job.reliability = s.reliability;
+  r.normal = s.normal;
+  r.LastShift = s.LastShift;
+  r.PreviousChi2 = s.PreviousChi2;
+  r.GlobalChi2 = s.GlobalChi2;
+  r.globalResidualSum = s.globalResidualSum;
+  r.braggPoints = s.braggPoints;
+  r.usedPoints = s.usedPoints;
+  work.ring = s.ring;
+  work.computedPattern = s.computedPattern;
+  work.computedReflection = s.computedReflection;
+}
+
+bool NegativeRefinedOccupancy(const Job& job) {
+  constexpr int kOccupancy = 5;
+  for (int k = 1; k <= job.run.NPHASE; ++k) {
+    const Phase& ph = job.phases[k];
+    if (ph.Jbt != 0) continue;
+    for (int a = ph.atomOffset + 1; a <= ph.atomOffset + ph.Nat; ++a) {
+      const AtomSite& atom = job.atoms[a];
+      if (atom.ATC[kOccupancy].parameterNumber != 0 && atom.ATP[kOccupancy] < 0.0f) return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+std::string_view RejectionWords(ShiftRejection rejection) {
+  switch (rejection) {
+    case ShiftRejection::kChi2Up:
+      return "chi2 up";
+    case ShiftRejection::kNegativeWidth:
+      return "FWHM^2 < 0";
+    case ShiftRejection::kMixingOutside:
+      return "eta outside 0..1";
+    case ShiftRejection::kNegativeOccupancy:
+      return "occupancy < 0";
+    case ShiftRejection::kNone:
+      break;
+  }
+  return "";
+}
+
+std::string RetryLine(int cycle, ShiftRejection rejection, int retry, double lambda) {
+  char value[16];
+  std::snprintf(value, sizeof value, "%.1E", lambda);
+  return Fmt("(A,I4,A)", " => Cycle", cycle, ": shifts rejected (") +
+         std::string(RejectionWords(rejection)) +
+         Fmt("(A,I1,A)", "), retry ", retry, " with lambda = ") + value;
+}
+
+CycleDamping::CycleDamping() : kept_(std::make_unique<CycleSnapshot>()) {}
+
+CycleDamping::~CycleDamping() = default;
+
+bool CycleDamping::Chi2Rose(const Job& job, int cycle) const {
+  if (keptCycle_ == 0 || cycle != keptCycle_ + 1 || !CanRetry()) return false;
+  // A rise worth less than one standard deviation of one parameter, a rise
+  // of the unscaled sum below chi2 itself, is the jitter of steps at the
+  // minimum, not a step that overshot.
+  const RefinementState& s = job.refinement;
+  int degrees = -FittedCount(job);
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) degrees += s.braggPoints[ip];
+  const float tolerance = 1.0f / static_cast<float>(degrees > 1 ? degrees : 1);
+  return s.GlobalChi2 > keptChi2_ * (1.0f + tolerance);
+}
+
+void CycleDamping::Keep(const Job& job, const CycleWork& work, int cycle) {
+  // The cycle before was accepted: its damping, if any, is relaxed.
+  lambda_ = lambda_ / 10.0 < kFirstLambda ? 0.0 : lambda_ / 10.0;
+  retries_ = 0;
+  keptCycle_ = cycle;
+  keptChi2_ = job.refinement.GlobalChi2;
+  Save(job, work, *kept_);
+}
+
+int CycleDamping::Retry(Job& job, CycleWork& work, ShiftRejection rejection) {
+  ++retries_;
+  lambda_ = lambda_ == 0.0 ? kFirstLambda : 10.0 * lambda_;
+  Restore(*kept_, job, work);
+  const std::string line = RetryLine(keptCycle_, rejection, retries_, lambda_);
+  WriteLine(job, Unit::Out, line);
+  ConsoleLine(job, line);
+  return keptCycle_;
+}
+
+ShiftRejection InvalidShiftedParameters(const Job& job) {
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) {
+    switch (CheckPeakShapes(job, ip)) {
+      case PeakValidity::kNegativeWidth:
+        return ShiftRejection::kNegativeWidth;
+      case PeakValidity::kMixingOutside:
+        return ShiftRejection::kMixingOutside;
+      case PeakValidity::kValid:
+        break;
+    }
+  }
+  if (NegativeRefinedOccupancy(job)) return ShiftRejection::kNegativeOccupancy;
+  return ShiftRejection::kNone;
+}
+
+}  // namespace corvinet
