@@ -15,6 +15,7 @@
 #include "refine/order_reflections.h"
 #include "refine/parameter_families.h"
 #include "refine/point_calculation.h"
+#include "refine/point_probe.h"
 #include "refine/reflection_calculation.h"
 #include "test_support.h"
 
@@ -313,17 +314,7 @@ TEST(PointDerivatives, EnergyDispersivePseudoVoigtFollowsFiniteDifferences) {
     *list[n].code = Codeword{static_cast<int>(n) + 1, 1.0f};
   auto work = std::make_unique<CycleWork>();
   auto at = [&](int i, std::vector<float>* derivative) {
-    BuildParameterFamilies(j);
-    FillBackground(j, 1);
-    OrderReflections(j, 1);
-    for (int k = 1; k <= j.patterns[1].reflections.total; ++k)
-      ComputeReflectionProfile(j, *work, 1, k);
-    CalculatePoint(j, *work, 1, i);
-    if (derivative != nullptr) {
-      derivative->assign(j.refinement.PointDerivative.begin(),
-                         j.refinement.PointDerivative.begin() + j.run.MAXS);
-    }
-    return static_cast<double>(j.patterns[1].Ycalc[i] + j.patterns[1].Backg[i]);
+    return testing::PointWithDerivatives(j, *work, i, derivative);
   };
   // The energy constants move the peak only: the widths and the mixing that
   // depend on the energy are taken as fixed, as for the wavelength of

@@ -14,6 +14,7 @@
 #include "refine/order_reflections.h"
 #include "refine/parameter_families.h"
 #include "refine/point_calculation.h"
+#include "refine/point_probe.h"
 #include "refine/reflection_calculation.h"
 #include "test_support.h"
 
@@ -76,18 +77,7 @@ struct DoubletRun {
     EXPECT_TRUE(testing::ReadControlText(dir, job, ControlText(), false)) << job.Console();
   }
   double At(int i, std::vector<float>* derivative) {
-    Job& j = *job;
-    BuildParameterFamilies(j);
-    FillBackground(j, 1);
-    OrderReflections(j, 1);
-    for (int k = 1; k <= j.patterns[1].reflections.total; ++k)
-      ComputeReflectionProfile(j, *work, 1, k);
-    CalculatePoint(j, *work, 1, i);
-    if (derivative != nullptr) {
-      derivative->assign(j.refinement.PointDerivative.begin(),
-                         j.refinement.PointDerivative.begin() + j.run.MAXS);
-    }
-    return static_cast<double>(j.patterns[1].Ycalc[i] + j.patterns[1].Backg[i]);
+    return testing::PointWithDerivatives(*job, *work, i, derivative);
   }
 };
 
