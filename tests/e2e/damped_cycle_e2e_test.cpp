@@ -1,6 +1,6 @@
 // End-to-end runs of the damped cycles: a refinement of a noise-free simulated pattern started so
 // far out that its undamped shifts make a peak width invalid is solved again with damping and
-// reaches the simulated parameters.
+// reaches the simulated parameters; a refinement that converges undamped prints no retry line.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -88,6 +88,17 @@ TEST(DampedCycleEndToEnd, FarStartThatMakesAWidthInvalidIsRetriedAndReachesTheSi
   // x of O is printed to five decimals, its sigma to six: equal at that print.
   const std::regex oxygen(R"(\n +O +0\.30480 )");
   EXPECT_TRUE(std::regex_search(dir.Read("rutile_far.sum"), oxygen));
+}
+
+TEST(DampedCycleEndToEnd, ConvergingRefinementPrintsNoRetryLine) {
+  ScratchDir dir;
+  dir.Write("cycle3.pcr", TestData("cycle/cycle3.pcr"));
+  dir.Write("cycle3.dat", TestData("cycle/cycle.dat"));
+  const auto run = RunBinary(dir.path, "cycle3");
+  ASSERT_EQ(run.exitCode, 0) << run.output;
+  EXPECT_NE(run.output.find("===>>> CYCLE:"), std::string::npos);
+  EXPECT_EQ(run.output.find("shifts rejected"), std::string::npos) << run.output;
+  EXPECT_EQ(dir.Read("cycle3.out").find("shifts rejected"), std::string::npos);
 }
 
 }  // namespace
