@@ -2,7 +2,7 @@
 // reject the shifts of a cycle.
 #include "refine/cycle_damping.h"
 
-#include <cstdio>
+#include <cmath>
 
 #include "format/fortran_format.h"
 #include "refine/reflection_calculation.h"
@@ -106,9 +106,19 @@ std::string_view RejectionWords(ShiftRejection rejection) {
   return "";
 }
 
+// λ as d.dE±ee, the form of its report line.
+std::string LambdaText(double lambda) {
+  int exponent = lambda > 0.0 ? static_cast<int>(std::floor(std::log10(lambda))) : 0;
+  double mantissa = lambda > 0.0 ? lambda / std::pow(10.0, exponent) : 0.0;
+  if (mantissa >= 9.95) {
+    mantissa /= 10.0;
+    ++exponent;
+  }
+  return Fmt("(F3.1,A,A,I2.2)", mantissa, "E", exponent < 0 ? "-" : "+", std::abs(exponent));
+}
+
 std::string RetryLine(int cycle, ShiftRejection rejection, int retry, double lambda) {
-  char value[16];
-  std::snprintf(value, sizeof value, "%.1E", lambda);
+  const std::string value = LambdaText(lambda);
   return Fmt("(A,I4,A)", " => Cycle", cycle, ": shifts rejected (") +
          std::string(RejectionWords(rejection)) +
          Fmt("(A,I1,A)", "), retry ", retry, " with lambda = ") + value;
