@@ -5,6 +5,7 @@
 #include <string>
 
 #include "crystal/space_group_symbol.h"
+#include "crystal/symbol_forms.h"
 #include "crystal/symmetry_operators.h"
 #include "surface/console.h"
 
@@ -47,6 +48,17 @@ void AdoptGenerationWords(SpaceGroup& g, const SpaceGroup& symbol) {
   g.polarAxisMask = symbol.polarAxisMask;
 }
 
+// Reads the form of the symbol: an alias is replaced by the program's symbol
+// and reported; a symbol that fits no form stops the run.
+void ReadPhaseSymbolForm(Job& job, Phase& ph) {
+  const std::string typed = ph.SpaceGroupSymbol;
+  const SymbolForm form = ReadSymbolForm(typed);
+  ShowSymmetryMessages(job, SymbolFormMessages(typed, form));
+  if (!form.renamed) return;
+  ph.SpaceGroupSymbol = form.symbol;
+  WriteLine(job, Unit::Out, RenamedSymbolLine(typed, form));
+}
+
 void DecodeGenerationSymbol(Job& job, Phase& ph, int irf) {
   SpaceGroup symbol;
   std::string banner;
@@ -75,6 +87,7 @@ void ShowSymmetryMessages(Job& job, const SymmetryMessages& messages) {
 void BuildPhaseSymmetry(Job& job, int k) {
   Phase& ph = job.phases[k];
   std::string banner;
+  if (ph.Isy == 0 || GeneratingIrf(job, ph) != kNoGeneration) ReadPhaseSymbolForm(job, ph);
   if (ph.Isy == 0) DecodeSymbol(job, ph, banner);
   const int jbt = std::abs(ph.Jbt);
   if (jbt != 2 && jbt != 3) {

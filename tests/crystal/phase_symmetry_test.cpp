@@ -275,8 +275,26 @@ TEST(PhaseSymmetry, UnreadableSymbolStopsWithItsMessages) {
   SymmetryCase c("Q 1 2", 0, 0, "");
   EXPECT_FALSE(c.Builds());
   const std::string console = c.job.Console();
+  EXPECT_TRUE(HasLine(console, "\"Q 1 2\""));
+  EXPECT_TRUE(HasLine(console, " ^"));
+  EXPECT_TRUE(HasLine(console, " Error in S.G. symbol"));
+}
+
+TEST(PhaseSymmetry, SymbolInTheProgramsNotationThatNamesNoGroupKeepsItsMessages) {
+  SymmetryCase c("P 2 2", 0, 0, "");
+  EXPECT_FALSE(c.Builds());
+  const std::string console = c.job.Console();
   EXPECT_TRUE(HasLine(console, "   Did you punch the symbol correctly ?"));
   EXPECT_TRUE(HasLine(console, " Error in S.G. symbol"));
+}
+
+TEST(PhaseSymmetry, AnAliasIsReportedAndBuildsTheGroupOfTheProgramsSymbol) {
+  SymmetryCase c("F m -3 m", 0, 0, "");
+  ASSERT_TRUE(c.Builds());
+  EXPECT_EQ(c.G().LAUE, 14);
+  EXPECT_EQ(c.G().NLAT, 4);
+  EXPECT_EQ(c.Ph().SpaceGroupSymbol, "F m 3 m");
+  EXPECT_TRUE(HasLine(c.Out(), " => Space group symbol read as: F m 3 m (written F m -3 m)"));
 }
 
 TEST(PhaseSymmetry, OperatorLinesWithGenerationTakeTheWordsOfTheSymbol) {
