@@ -21,20 +21,7 @@ constexpr float kTrueA = 5.4310f;
 
 // Both patterns calculated from the true cell, with Poisson noise, as x1.dat and x2.dat.
 void SimulatePatterns(ScratchDir& dir) {
-  CapturedJob job;
-  ASSERT_TRUE(
-      testing::ReadControlText(dir, job, TwoPatternText(2, 1, kTrueA, 0.01f, -0.01f, false), false))
-      << job.Console();
-  ASSERT_TRUE(testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j); }));
-  for (int ip = 1; ip <= 2; ++ip) {
-    const Pattern& p = job->patterns[ip];
-    std::string data = Fmt("(3F8.2)", p.THMIN, p.STEP, p.THMAX) + "\n";
-    for (int i = 1; i <= p.NPTS; ++i) {
-      data += Fmt("(F12.1)", PoissonDeviate(*job, 20.0f * (p.Ycalc[i] + p.Backg[i])) / 20.0f);
-      if (i % 8 == 0) data += "\n";
-    }
-    dir.Write("x" + std::to_string(ip) + ".dat", data + "\n");
-  }
+  testing::SimulateTwoPatterns(dir, kTrueA, 0.01f, -0.01f);
 }
 
 struct BraggAfterOneCycle {

@@ -165,22 +165,7 @@ TEST(RefinementRecovery, TwoPhasesInOnePatternRecoverBothCells) {
 TEST(RefinementRecovery, TwoPatternsShareTheirCellAndKeepTheirZeros) {
   ScratchDir dir;
   const float trueA = 5.4310f, zero1 = 0.012f, zero2 = -0.008f;
-  {
-    CapturedJob job;
-    ASSERT_TRUE(
-        testing::ReadControlText(dir, job, TwoPatternText(2, 1, trueA, zero1, zero2, false), false))
-        << job.Console();
-    ASSERT_TRUE(testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j); }));
-    for (int ip = 1; ip <= 2; ++ip) {
-      const Pattern& p = job->patterns[ip];
-      std::string data = Fmt("(3F8.2)", p.THMIN, p.STEP, p.THMAX) + "\n";
-      for (int i = 1; i <= p.NPTS; ++i) {
-        data += Fmt("(F12.1)", PoissonDeviate(*job, 20.0f * (p.Ycalc[i] + p.Backg[i])) / 20.0f);
-        if (i % 8 == 0) data += "\n";
-      }
-      dir.Write("x" + std::to_string(ip) + ".dat", data + "\n");
-    }
-  }
+  testing::SimulateTwoPatterns(dir, trueA, zero1, zero2);
   CapturedJob job;
   ASSERT_TRUE(
       testing::ReadControlText(dir, job, TwoPatternText(0, 30, 5.4330f, 0.0f, 0.0f, true), false))

@@ -1,10 +1,13 @@
-// The control text of a job of two patterns at two wavelengths of one cubic phase, shared by the
-// refinement tests.
+// The control text of a job of two patterns at two wavelengths of one cubic phase, and its
+// simulated data, shared by the refinement tests.
 #pragma once
 
 #include <string>
 
 #include "format/fortran_format.h"
+#include "observations/poisson.h"
+#include "refine/cycle_driver.h"
+#include "test_support.h"
 
 namespace corvinet::testing {
 
@@ -33,6 +36,25 @@ inline std::string TwoPatternText(int job, int cycles, float a, float zero1, flo
          "Phase\n0 0 0 2 0 0 0 0.0 0 0\n1 1\n0 0 0\n0 0 1 1 0 0 0\n0 0 0\n0 0 1 1 0 0 0\n"
          "F d 3 m\n" +
          profile + profile;
+}
+
+// Both patterns of TwoPatternText calculated with the cell a and the two
+// zeros, with Poisson noise on counts 20 times larger, written as x1.dat and
+// x2.dat in `dir`.
+inline void SimulateTwoPatterns(ScratchDir& dir, float a, float zero1, float zero2) {
+  CapturedJob job;
+  ASSERT_TRUE(ReadControlText(dir, job, TwoPatternText(2, 1, a, zero1, zero2, false), false))
+      << job.Console();
+  ASSERT_TRUE(RunsWithoutStop(*job, [&](Job& j) { RunCycles(j); }));
+  for (int ip = 1; ip <= 2; ++ip) {
+    const Pattern& p = job->patterns[ip];
+    std::string data = Fmt("(3F8.2)", p.THMIN, p.STEP, p.THMAX) + "\n";
+    for (int i = 1; i <= p.NPTS; ++i) {
+      data += Fmt("(F12.1)", PoissonDeviate(*job, 20.0f * (p.Ycalc[i] + p.Backg[i])) / 20.0f);
+      if (i % 8 == 0) data += "\n";
+    }
+    dir.Write("x" + std::to_string(ip) + ".dat", data + "\n");
+  }
 }
 
 }  // namespace corvinet::testing
