@@ -11,7 +11,8 @@ namespace corvinet {
 enum Family : std::uint8_t {
   kNoFamily = 0,
   kIntensity,   // ln of the integrated intensity: scale, Bov, texture, roughness, structure
-  kPosition,    // peak position: zero, displacements, wavelength, cell, shifts
+  kPosition,    // peak position: zero, displacements, wavelength, shifts
+  kBraggAngle,  // peak position through the Bragg angle, with the Lp factor: cell, vectors
   kWidth,       // FWHM H (the left width of the split profile)
   kGaussWidth,  // Gaussian width of the TCH profile
   kWidthRight,  // right width of the split profile

@@ -15,6 +15,7 @@ struct RingEntry {
   float intensity = 0.0f;  // Scale LpM F2 Corr: the integrated intensity before Omega and asymmetry
   float tan2Theta = 0.0f;  // of the asymmetry; tan(theta) is the shape's
   int asymmetric = 0;      // the peak lies below the asymmetry limit
+  float dlnLpdT = 0.0f;    // slope of ln(LpM) with the position when the Bragg angle moves
   int phase = 0;
   bool active = false;  // false when the phase does not contribute or sin(theta) >= 1
 };

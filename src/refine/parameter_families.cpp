@@ -60,7 +60,7 @@ void BuildParameterFamilies(Job& job) {
       for (const Codeword& w : job.atoms[row].ATC) Assign(job, w, kIntensity);
     }
     for (int v = 1; v <= ph.Nvk && v <= DimensionLimits::NEQV; ++v) {
-      for (const Codeword& w : ph.vectors[v].KCODE) Assign(job, w, kPosition);
+      for (const Codeword& w : ph.vectors[v].KCODE) Assign(job, w, kBraggAngle);
     }
   }
 }

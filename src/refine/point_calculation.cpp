@@ -56,6 +56,7 @@ void FamilySlopes(const RingEntry& e, const ProfilePoint& point, const ProfileSl
       e.shape.code == ProfileCode::kTchPseudoVoigt ? asym.dlnAdH * e.shape.tch.dHdL : 0.0f;
   slope[kIntensity] = 1.0f;
   slope[kPosition] = sl.position + asym.dlnAdT;
+  slope[kBraggAngle] = slope[kPosition] + e.dlnLpdT;
   slope[kWidth] = sl.width + (rightSide ? 0.0f : asym.dlnAdH);
   slope[kGaussWidth] = sl.gaussian + asym.dlnAdH * e.shape.tch.dHdG;
   slope[kWidthRight] = sl.width2 + (rightSide ? asym.dlnAdH : 0.0f);

@@ -9,6 +9,7 @@
 #include "crystal/metric.h"
 #include "model/asymmetry_factor.h"
 #include "model/intensity_factors.h"
+#include "model/lorentz_polarisation.h"
 #include "model/peak_error_stop.h"
 #include "model/peak_shape_setup.h"
 #include "model/peak_width.h"
@@ -85,6 +86,29 @@ bool MakeGeometry(const Pattern& p, const PhasePattern& c, int w, Geometry& g) {
       1.0 - p.GLB[8] * std::sin(theta) * 0.5 / kRadian + p.GLB[9] * std::cos(2.0 * theta) / kRadian;
   g.dTwoThetadQ = kRadian * g.lambda * g.lambda / (4.0 * std::sqrt(g.sin2 * g.cos2));
   return true;
+}
+
+// Multiplicity times the Lorentz-polarisation factor at the Bragg angle of
+// 1/d² = q, with the instrument terms at the observed position: the factor
+// moves with the cell as the peak does.
+float CurrentLpM(const Pattern& p, const Phase& ph, const Reflection& r, double q, int w,
+                 float observed) {
+  return static_cast<float>(ph.group.multiplicityFactor * r.multiplicity) *
+         ReflectionLorentzPolarisation(p, q, w, observed);
+}
+
+// d ln(LpM)/dT when q moves the position T: a central difference over a
+// relative step of q (Lp has a form for every geometry and correction), the
+// observed position moving with it.
+float LpMSlope(const Pattern& p, const Phase& ph, const Reflection& r, const Geometry& g, int w,
+               float observed) {
+  constexpr double kRelativeStep = 1.0e-3;
+  const double dq = kRelativeStep * g.Q;
+  const double dT = g.dTdTwoTheta * g.dTwoThetadQ * dq;
+  const double up = CurrentLpM(p, ph, r, g.Q + dq, w, static_cast<float>(observed + dT));
+  const double down = CurrentLpM(p, ph, r, g.Q - dq, w, static_cast<float>(observed - dT));
+  if (!(up > 0.0 && down > 0.0) || dT == 0.0) return 0.0f;
+  return static_cast<float>(std::log(up / down) / (2.0 * dT));
 }
 
 // A derivative of the intensity factors relative to the factors themselves.
@@ -312,6 +336,11 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
     entry.shape.position = p.GLB[1] + r.position + static_cast<float>(p.GLB[9] * g.Q);
     // HL = X E + Y: Y enters the Lorentzian width as it is, with no 1/cos(theta).
     entry.shape.cosTheta = 1.0f;
+  }
+  entry.dlnLpdT = 0.0f;
+  if (p.IXUNIT == AbscissaUnit::kTwoTheta) {
+    r.LpM = CurrentLpM(p, ph, r, g.Q, w, entry.shape.position);
+    entry.dlnLpdT = LpMSlope(p, ph, r, g, w, entry.shape.position);
   }
   CorrectionInput ci;
   ci.wavelengthIndex = w;

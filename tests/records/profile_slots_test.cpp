@@ -83,7 +83,7 @@ TEST(ProfileSlots, SlotsOutsideTheTableHaveNoRowAndBroadenThePeak) {
   EXPECT_EQ(ProfileSlotRowOf(0), nullptr);
   EXPECT_EQ(ProfileSlotRowOf(ProfileSlot::Last + 1), nullptr);
   EXPECT_EQ(ProfileSlotFamily(ProfileSlot::Last + 1, ProfileCode::kPseudoVoigt), kWidth);
-  EXPECT_EQ(ProfileSlotFamily(ProfileSlot::FirstCell, ProfileCode::kPseudoVoigt), kPosition);
+  EXPECT_EQ(ProfileSlotFamily(ProfileSlot::FirstCell, ProfileCode::kPseudoVoigt), kBraggAngle);
   EXPECT_EQ(ProfileSlotFamily(ProfileSlot::Shift2, ProfileCode::kPseudoVoigt), kPosition);
 }
 
