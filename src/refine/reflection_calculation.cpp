@@ -338,7 +338,8 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
     entry.shape.cosTheta = 1.0f;
   }
   entry.dlnLpdT = 0.0f;
-  if (p.IXUNIT == AbscissaUnit::kTwoTheta) {
+  // Lp follows the current cell: the angle form, and d² of an energy pattern.
+  if (p.IXUNIT == AbscissaUnit::kTwoTheta || p.IXUNIT == AbscissaUnit::kEnergy) {
     r.LpM = CurrentLpM(p, ph, r, g.Q, w, entry.shape.position);
     entry.dlnLpdT = LpMSlope(p, ph, r, g, w, entry.shape.position);
   }
