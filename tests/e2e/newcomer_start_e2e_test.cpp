@@ -79,15 +79,21 @@ TEST(NewcomerStart, PbSO4XRayFromAFarStartReachesTheStagedRefinement) {
   EXPECT_NE(newcomer.console.find(" Normal end, final calculations and writing..."),
             std::string::npos);
 
-  // Both fits, with their different peak shapes, agree within 0.5 points of
-  // Rwp and each free coordinate within two of its standard deviations.
+  // The pseudo-Voigt fit, a different peak shape, agrees within 0.5 points of Rwp.
   ASSERT_GT(staged.rwp, 0.0);
   EXPECT_NEAR(newcomer.rwp, staged.rwp, 0.5);
-  ASSERT_EQ(staged.coordinates.size(), 11u);
   ASSERT_EQ(newcomer.coordinates.size(), 11u);
-  for (const auto& [name, c] : staged.coordinates) {
+
+  // The same model refined in stages (relaxation 0.4 to 0.6, a scale of the
+  // right size) gives Rwp within 0.5 points and every free coordinate within
+  // one of its standard deviations.
+  const Refinement stagedTch = Refine(data, "pbso4_xray_staged_tch.pcr");
+  ASSERT_EQ(stagedTch.exitCode, 0) << stagedTch.console;
+  EXPECT_NEAR(newcomer.rwp, stagedTch.rwp, 0.5);
+  ASSERT_EQ(stagedTch.coordinates.size(), 11u);
+  for (const auto& [name, c] : stagedTch.coordinates) {
     const Coordinate& n = newcomer.coordinates.at(name);
-    EXPECT_LE(std::fabs(n.value - c.value), 2.0 * n.sigma)
+    EXPECT_LE(std::fabs(n.value - c.value), n.sigma)
         << name << ": " << n.value << " (" << n.sigma << ") against " << c.value;
   }
 }
