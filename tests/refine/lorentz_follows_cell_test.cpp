@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "format/fortran_format.h"
 #include "records/reflection.h"
 #include "refine/cycle_work.h"
 #include "refine/reflection_calculation.h"
@@ -37,21 +38,33 @@ double NeutronLp(double q) {
   return 1.0 / (2.0 * sinTheta * sinTheta * cosTheta);
 }
 
-TEST(LorentzFollowsCell, LpOfEveryReflectionMovesWithTheCell) {
+// A job read from `control` over flat data of `points` points from `first`
+// in steps of 0.01, with the cubic cell then shrunk by 0.5 % (A = 1/a² up by
+// 1 %); returns A.
+struct ShrunkCell {
   ScratchDir dir;
-  std::string data = "20.0 0.01 100.0\n";
-  for (int i = 1; i <= 8001; ++i) data += i % 10 == 0 ? "100\n" : "100 ";
-  dir.Write("x.dat", data + "\n");
   CapturedJob job;
-  ASSERT_TRUE(testing::ReadControlText(dir, job, kControl, false)) << job.Console();
-  Job& j = *job;
-  auto work = std::make_unique<CycleWork>();
+  std::unique_ptr<CycleWork> work = std::make_unique<CycleWork>();
+  float A = 0.0f;
+  ShrunkCell(const char* control, float first, int points) {
+    std::string data = Fmt("(3F8.2)", first, 0.01f, first + 0.01f * (points - 1)) + "\n";
+    for (int i = 1; i <= points; ++i) data += i % 10 == 0 ? "100\n" : "100 ";
+    dir.Write("x.dat", data + "\n");
+    EXPECT_TRUE(testing::ReadControlText(dir, job, control, false)) << job.Console();
+    PhasePattern& c = job->phases[1].pat[1];
+    A = c.PAR[6] * 1.01f;
+    for (int s = 6; s <= 8; ++s) c.PAR[s] = A;
+  }
+};
+
+TEST(LorentzFollowsCell, LpOfEveryReflectionMovesWithTheCell) {
+  // The cell shrinks by 0.5 %: every peak moves to a higher angle.
+  ShrunkCell run(kControl, 20.0f, 8001);
+  Job& j = *run.job;
+  auto& work = run.work;
+  const float A = run.A;
   ReflectionTable& table = j.patterns[1].reflections;
   ASSERT_GT(table.total, 5);
-  PhasePattern& c = j.phases[1].pat[1];
-  // The cell shrinks by 0.5 %: every peak moves to a higher angle.
-  const float A = c.PAR[6] * 1.01f;
-  for (int s = 6; s <= 8; ++s) c.PAR[s] = A;
   int checked = 0;
   for (int k = 1; k <= table.total; ++k) {
     const Reflection& r = table.slot[k];
@@ -84,19 +97,11 @@ const char* kEnergyControl =
     "0.0 0.0 0.0 0.0 0.0 0.0\n0 0 0 0 0 0\n";
 
 TEST(LorentzFollowsCell, EnergyLpIsTheSquareOfTheCurrentSpacing) {
-  ScratchDir dir;
-  std::string data = "20.0 0.01 60.0\n";
-  for (int i = 1; i <= 4001; ++i) data += i % 10 == 0 ? "100\n" : "100 ";
-  dir.Write("x.dat", data + "\n");
-  CapturedJob job;
-  ASSERT_TRUE(testing::ReadControlText(dir, job, kEnergyControl, false)) << job.Console();
-  Job& j = *job;
-  auto work = std::make_unique<CycleWork>();
+  ShrunkCell run(kEnergyControl, 20.0f, 4001);
+  Job& j = *run.job;
+  auto& work = run.work;
   ReflectionTable& table = j.patterns[1].reflections;
   ASSERT_GE(table.total, 5);
-  PhasePattern& c = j.phases[1].pat[1];
-  const float A = c.PAR[6] * 1.01f;
-  for (int s = 6; s <= 8; ++s) c.PAR[s] = A;
   for (int k = 1; k <= table.total; ++k) {
     const Reflection& r = table.slot[k];
     const float before = r.LpM;

@@ -106,6 +106,25 @@ TEST(NoiseFreeConvergence, RutileRefinementReachesTheSimulatedParameters) {
   ExpectReached(j.phases[1].pat[1].PAR[3] / truth.u, 1.0f, "U");
 }
 
+// A start away from `truth` in the scale, x of O, both B and the cell, with
+// those and the zero and U refined: eight parameters.
+Rutile DisplacedStart(const Rutile& truth) {
+  Rutile start = truth;
+  start.job = 0;
+  start.cycles = 40;
+  start.scale = 1.05f * truth.scale;
+  start.x = 0.3010f;
+  start.bTi = 0.60f;
+  start.bO = 0.55f;
+  start.a = 4.5970f;
+  start.c = 2.9575f;
+  start.cellCodes = "71.00 71.00 81.00 0 0 0";
+  const std::string codes[6] = {"11.00", "21.00", "31.00", "41.00", "51.00", "61.00"};
+  for (int i = 0; i < 6; ++i) start.codes[i] = codes[i];
+  start.refined = 8;
+  return start;
+}
+
 // Exact data and the cell refined as well: every parameter, the cell
 // included, reaches its simulated value. The Lorentz-polarisation factor has
 // to follow the Bragg angle of the refined cell for the model to be the one
@@ -115,20 +134,8 @@ TEST(NoiseFreeConvergence, CellRefinedWithTheRestReachesTheSimulatedParameters) 
   Rutile truth;
   truth.scale = 0.05f;
   Simulate(dir, truth);
-  Rutile start = truth;
-  start.job = 0;
-  start.cycles = 40;
-  start.scale = 1.05f * truth.scale;
-  start.x = 0.3010f;
-  start.bTi = 0.60f;
-  start.bO = 0.55f;
+  Rutile start = DisplacedStart(truth);
   start.zero = 0.010f;
-  start.a = 4.5970f;
-  start.c = 2.9575f;
-  start.cellCodes = "71.00 71.00 81.00 0 0 0";
-  const std::string codes[6] = {"11.00", "21.00", "31.00", "41.00", "51.00", "61.00"};
-  for (int i = 0; i < 6; ++i) start.codes[i] = codes[i];
-  start.refined = 8;
   CapturedJob job;
   ASSERT_TRUE(RunJob(dir, job, start)) << job.Console();
   const Job& j = *job;
@@ -168,19 +175,7 @@ TEST(NoiseFreeConvergence, RoundedCountsRefineToTheLeastSquaresMinimum) {
   CapturedJob reference;
   ASSERT_TRUE(RunJob(dir, reference, atTruth)) << reference.Console();
   const double truthSum = ResidualSum(reference->patterns[1]);
-  Rutile start = truth;
-  start.job = 0;
-  start.cycles = 40;
-  start.scale = 1.05f * truth.scale;
-  start.x = 0.3010f;
-  start.bTi = 0.60f;
-  start.bO = 0.55f;
-  start.a = 4.5970f;
-  start.c = 2.9575f;
-  start.cellCodes = "71.00 71.00 81.00 0 0 0";
-  const std::string codes[6] = {"11.00", "21.00", "31.00", "41.00", "51.00", "61.00"};
-  for (int i = 0; i < 6; ++i) start.codes[i] = codes[i];
-  start.refined = 8;
+  const Rutile start = DisplacedStart(truth);
   CapturedJob job;
   ASSERT_TRUE(RunJob(dir, job, start)) << job.Console();
   const double refinedSum = ResidualSum(job->patterns[1]);
