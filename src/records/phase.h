@@ -97,6 +97,12 @@ struct Phase {
   Table1<std::string, DimensionLimits::MPAR> FurtherName;    // names of the further parameters
 };
 
+// A phase whose intensities come from a structure: not a profile-matching
+// phase (|Jbt| 2 or 3), whose intensities are fitted or kept as stored.
+inline bool HasStructure(const Phase& phase) {
+  return std::abs(phase.Jbt) != 2 && std::abs(phase.Jbt) != 3;
+}
+
 // A phase of magnetic kind alone (|Jbt| 1 or 5): one Bragg factor, and no
 // weight in the phase fractions.
 inline bool IsMagneticKind(int jbt) {

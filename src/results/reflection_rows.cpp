@@ -154,10 +154,15 @@ std::vector<std::string> FinalBraggLines(const Job& job, int ip, int f, const Ph
     return {Fmt("(A,I3)", " => Phase:", f),
             Fmt("(A,G9.3)", " => Magnetic R-factor: ", sums.FinalRB)};
   }
-  return {Fmt("(A,I3)", " => Phase:", f),
-          Fmt("(A,G9.3,A,F9.3,A,F6.3,A,F7.2,A,F5.2,A)", " => Bragg R-factor: ", sums.FinalRB,
-              "   Vol:", static_cast<float>(pp.cellVolume), "(", fr.volumeSigma[f],
-              ")  Fract(%): ", fr.VolumeFraction[f], "(", fr.FractionSigma[f], ")"),
+  const std::string volume =
+      Fmt("(A,G9.3,A,F9.3,A,F6.3,A)", " => Bragg R-factor: ", sums.FinalRB,
+          "   Vol:", static_cast<float>(pp.cellVolume), "(", fr.volumeSigma[f], ")");
+  // A phase without a structure (profile matching) has no weight fraction.
+  const std::string fraction = HasStructure(job.phases[f])
+                                   ? Fmt("(A,F7.2,A,F5.2,A)", "  Fract(%): ", fr.VolumeFraction[f],
+                                         "(", fr.FractionSigma[f], ")")
+                                   : std::string();
+  return {Fmt("(A,I3)", " => Phase:", f), volume + fraction,
           Fmt("(A,G9.3,A,F9.3,A,F7.4)", " => Rf-factor=", sums.FinalRF, "         ATZ:", fr.ATZ[f],
               "          Brindley: ", fr.Brindley[f])};
 }

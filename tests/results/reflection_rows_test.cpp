@@ -112,6 +112,24 @@ TEST(BraggLines, CrystalPhaseLinesHaveTheirFieldWidths) {
             "BRAG    1    5.500    3.250      33.330       4.160    1000.000     990.500");
 }
 
+// A profile-matching phase has no structure and so no weight fraction.
+TEST(BraggLines, ProfileMatchingPhaseHasNoFraction) {
+  for (int jbt : {2, -2, 3, -3}) {
+    CapturedJob job;
+    job->run.NPHASE = 1;
+    job->phases[1].Jbt = jbt;
+    job->phases[1].pat[1].cellVolume = 64.0;
+    PhaseFractions fr;
+    fr.volumeSigma[1] = 0.012f;
+    fr.VolumeFraction[1] = 100.0f;
+    PhaseReportSums sums;
+    sums.FinalRB = 5.5f;
+    const auto lines = FinalBraggLines(*job, 1, 1, fr, sums);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[1], " => Bragg R-factor:  5.50       Vol:   64.000( 0.012)") << jbt;
+  }
+}
+
 TEST(BraggLines, MagneticPhaseHasOneFactor) {
   CapturedJob job;
   job->phases[1].Jbt = 5;
