@@ -128,7 +128,7 @@ void ReadD1ASumData(DataFile& file) {
     const std::size_t length = TrimRight(record).size();
     const std::size_t n = std::min(kPairsPerRecord, (length + kPairWidth - 1) / kPairWidth);
     total += static_cast<long long>(n);
-    if (total > DimensionLimits::IDSZ) continue;  // counted for the report, not kept
+    if (total > FilePointLimit(file)) continue;  // counted for the report, not kept
     std::vector<float> c(n, 0.0f);
     std::vector<float> y(n, 0.0f);
     std::vector<ReadTarget> targets = Interleaved({&c, &y}, static_cast<int>(n));

@@ -78,20 +78,24 @@ void WriteListCopy(DataFile& file) {
                        file.MONITOR, file.Temperature, file.TSET));
 }
 
-// Copies the points and the header values into the Pattern.
+// Copies the points and the header values into the Pattern, every ISTEP-th
+// point when the pattern asks for a step reduction: point 1 stays, the count
+// is NPTS/ISTEP, the step ISTEP times larger and THMAX the last point kept.
+// A file may hold up to ISTEP times the capacity of a pattern.
 void StorePoints(const DataFile& file, Pattern& p) {
+  const int reduction = p.ISTEP > 1 ? p.ISTEP : 1;
   p.CountNorm.Fill(1.0f);
-  p.NPTS = file.NPTS;
-  for (int i = 1; i <= file.NPTS; ++i) {
-    const auto k = static_cast<std::size_t>(i - 1);
+  p.NPTS = file.NPTS / reduction;
+  for (int i = 1; i <= p.NPTS; ++i) {
+    const auto k = static_cast<std::size_t>((i - 1) * reduction);
     p.X[i] = file.X[k];
     p.Ytotal[i] = file.Ytotal[k];
     p.Variance[i] = file.Variance[k];
     p.CountNorm[i] = file.CountNorm[k];
   }
   p.THMIN = file.THMIN;
-  p.STEP = file.STEP;
-  p.THMAX = file.THMAX;
+  p.STEP = reduction > 1 ? file.STEP * static_cast<float>(reduction) : file.STEP;
+  p.THMAX = reduction > 1 && p.NPTS >= 1 ? p.X[p.NPTS] : file.THMAX;
   p.stepKind = file.stepKind;
   p.equalStep = file.equalStep;
   p.Cnorm = file.Cnorm;
@@ -101,21 +105,6 @@ void StorePoints(const DataFile& file, Pattern& p) {
 }
 
 }  // namespace
-
-void ReduceSteps(Pattern& p) {
-  if (p.ISTEP <= 1) return;
-  p.NPTS = p.NPTS / p.ISTEP;
-  p.STEP = p.STEP * static_cast<float>(p.ISTEP);
-  // Point 1 stays where it is; with fewer than 2 points nothing moves.
-  for (int i = 2; i <= p.NPTS; ++i) {
-    const int from = 1 + (i - 1) * p.ISTEP;
-    p.X[i] = p.X[from];
-    p.Ytotal[i] = p.Ytotal[from];
-    p.Variance[i] = p.Variance[from];
-    p.CountNorm[i] = p.CountNorm[from];
-  }
-  if (p.NPTS >= 1) p.THMAX = p.X[p.NPTS];
-}
 
 void ReadPattern(Job& job, int ip) {
   if (!KnownFormat(job.patterns[ip].INSTR)) StopData(job, " Invalid INSTR parameter ");
@@ -128,7 +117,6 @@ void ReadPattern(Job& job, int ip) {
   WriteListCopy(file);
   Pattern& p = job.patterns[ip];
   StorePoints(file, p);
-  ReduceSteps(p);
 }
 
 }  // namespace corvinet

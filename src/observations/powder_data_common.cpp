@@ -133,8 +133,13 @@ std::vector<ReadTarget> Interleaved(std::initializer_list<std::vector<float>*> c
   return targets;
 }
 
+long long FilePointLimit(DataFile& file) {
+  const int reduction = file.pattern().ISTEP > 1 ? file.pattern().ISTEP : 1;
+  return static_cast<long long>(DimensionLimits::IDSZ) * reduction;
+}
+
 void SetPointCount(DataFile& file, long long count) {
-  if (count > DimensionLimits::IDSZ) StopTooManyPoints(file.job, count);
+  if (count > FilePointLimit(file)) StopTooManyPoints(file.job, count);
   if (count < 1) StopBadData(file.job);
   const auto n = static_cast<std::size_t>(count);
   file.NPTS = static_cast<int>(count);

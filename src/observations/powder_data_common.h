@@ -42,6 +42,10 @@ struct DataFile {
   Pattern& pattern() { return job.patterns[ip]; }
 };
 
+// The points a data file may hold: the capacity of a pattern times the step
+// reduction (Ste) that thins them while they are stored.
+long long FilePointLimit(DataFile& file);
+
 // ---------------------------------------------------------------------------
 // Stops of the data readers (all end the process through the stop box).
 

@@ -154,7 +154,7 @@ void ReadUxdData(DataFile& file) {
       const std::size_t before = counts.size();
       ReadCounts(file, line, counts);
       total += static_cast<long long>(counts.size() - before);
-      if (total > DimensionLimits::IDSZ) counts.resize(before);  // counted, not kept
+      if (total > FilePointLimit(file)) counts.resize(before);  // counted, not kept
     }
   }
   if (total == 0) StopEndOfData(file.job);

@@ -128,7 +128,7 @@ void InterpolateToConstantStep(DataFile& file, float step) {
   if (!(step > 0.0f)) step = file.STEP;
   long long count = 0;
   if (!PointsInRange(file.THMIN, step, file.THMAX, count)) StopBadData(file.job);
-  if (count > DimensionLimits::IDSZ) StopTooManyPoints(file.job, count);
+  if (count > FilePointLimit(file)) StopTooManyPoints(file.job, count);
 
   const std::vector<float> x = std::move(file.X);
   const std::vector<float> y = std::move(file.Ytotal);
@@ -176,7 +176,7 @@ void ReadXYSigmaData(DataFile& file) {
     if (error == FieldError::EndOfFile) break;
     if (x == 0.0f && y == 0.0f && sigma == 0.0f) break;
     ++total;
-    if (total > DimensionLimits::IDSZ) continue;  // counted for the report, not kept
+    if (total > FilePointLimit(file)) continue;  // counted for the report, not kept
     x *= heading.xFactor;
     y *= heading.yFactor;
     sigma *= heading.yFactor;

@@ -170,6 +170,32 @@ TEST(StepReduction, IstepAboveTheCountLeavesNoPoint) {
   EXPECT_FLOAT_EQ(c.pattern().THMAX, 12.0f);  // no point to take it from
 }
 
+// The reduction thins the points as they are stored, so a file of up to ISTEP
+// times the capacity of a pattern comes inside it: 49 507 points with Ste 3
+// become 16 502.
+TEST(StepReduction, ReductionBringsALargeFileInsideTheCapacity) {
+  std::string text = "1 1 49507\n";
+  for (int i = 1; i <= 49507; ++i) text += std::to_string(i) + (i % 10 == 0 ? "\n" : " ");
+  DataFileCase c(0, text + "\n");
+  c.pattern().ISTEP = 3;
+  c.Read();
+  const Pattern& p = c.pattern();
+  ASSERT_EQ(p.NPTS, 16502);
+  EXPECT_FLOAT_EQ(p.STEP, 3.0f);
+  ExpectPoint(p, 1, {1.0f, 1.0f, 1.0f});
+  ExpectPoint(p, 16502, {49504.0f, 49504.0f, 49504.0f});
+  EXPECT_FLOAT_EQ(p.THMAX, 49504.0f);
+}
+
+TEST(StepReduction, AFileBeyondTheReducedCapacityStillStops) {
+  // trunc((60000 - 0)/1 + 1.5) = 60001 points, above 3 x 20000.
+  DataFileCase c(0, "0 1 60000\n1 2 3\n");
+  c.pattern().ISTEP = 3;
+  EXPECT_NE(
+      c.ReadExpectingStop().find(" => Program can handle 20000 points, 60001 points were input"),
+      std::string::npos);
+}
+
 TEST(StepReduction, IstepOfOneChangesNothing) {
   DataFileCase c(0, kFivePoints);
   c.pattern().ISTEP = 1;
