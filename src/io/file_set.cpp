@@ -53,6 +53,24 @@ std::string Stem(const std::string& code) {
   return TrimmedCopy(code);
 }
 
+// Whether the file name of a code carries an extension of its own
+// ("data.xye"): such a data file is opened as it is named first.
+bool HasOwnExtension(const std::string& code) {
+  const std::size_t slash = code.rfind('/');
+  const std::size_t dot = code.rfind('.');
+  return dot != std::string::npos && (slash == std::string::npos || dot > slash + 1) &&
+         dot + 1 < code.size();
+}
+
+// The names tried for a data file: the code as it is when it has an
+// extension, then the code with .dat, .uxd and .acq.
+Names DataFileNames(const std::string& code) {
+  Names names;
+  if (HasOwnExtension(code)) names.push_back(code);
+  for (const char* extension : {".dat", ".uxd", ".acq"}) names.push_back(code + extension);
+  return names;
+}
+
 // The files of every kind; a kind with two rows opens two files.
 const FileRow kFiles[] = {
     {FileKind::kControl, Unit::Control, [](const NameParts& n) { return Names{n.pcr + ".pcr"}; },
@@ -65,10 +83,7 @@ const FileRow kFiles[] = {
      Mode::kUnknown},
     {FileKind::kRpa, Unit::Rpa, [](const NameParts& n) { return Names{n.pcr + ".rpa"}; },
      Mode::kAppendIfExists},
-    {FileKind::kData, Unit::Data,
-     [](const NameParts& n) {
-       return Names{n.dat + ".dat", n.dat + ".uxd", n.dat + ".acq"};
-     },
+    {FileKind::kData, Unit::Data, [](const NameParts& n) { return DataFileNames(n.dat); },
      Mode::kOld, Failure::kDataCode},
     {FileKind::kReflectionInput, Unit::HklIn,
      [](const NameParts& n) {

@@ -2,6 +2,8 @@
 // dialogs after a run.
 #include "run/job_choice.h"
 
+#include <cctype>
+
 #include <unistd.h>
 
 #include "format/text.h"
@@ -15,6 +17,20 @@ namespace {
 
 std::string CutAtFirstDot(const std::string& name) {
   return name.substr(0, name.find('.'));
+}
+
+// The data code of a chosen file: its name without one of the data
+// extensions the program adds itself, or the whole name for any other
+// extension (a file such as data.xye is then read as it is named).
+std::string DataCodeOf(const std::string& name) {
+  const std::size_t dot = name.rfind('.');
+  if (dot == std::string::npos) return name;
+  std::string extension = name.substr(dot);
+  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  for (const char* known : {".dat", ".uxd", ".acq", ".int"}) {
+    if (extension == known) return name.substr(0, dot);
+  }
+  return name;
 }
 
 }  // namespace
@@ -49,7 +65,7 @@ void ChooseJob(Job& job) {
                              "Select data file:", d.startDirectory);
   if (!data) return;
   SplitPath(*data, directory, file);
-  d.DatCode = CutAtFirstDot(file);
+  d.DatCode = DataCodeOf(file);
 }
 
 bool IsCyclicCode(const std::string& code) {

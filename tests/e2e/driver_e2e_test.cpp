@@ -45,6 +45,8 @@ TEST(DriverEndToEnd, NoCommandLineOpensTheDialogsAndRemembersNothing) {
   EXPECT_FALSE(dir.Exists("corvinet.dir"));
 }
 
+// A chosen data file keeps an extension of its own (other.xy is read as it
+// is named); one of the program's own data extensions is taken off.
 TEST(DriverEndToEnd, DataDialogOpensWhenNoDataFileHasTheControlCode) {
   ScratchDir dir;
   dir.Write("abc.pcr", TestData("head/calc.pcr"));
@@ -52,7 +54,25 @@ TEST(DriverEndToEnd, DataDialogOpensWhenNoDataFileHasTheControlCode) {
   EXPECT_NE(run.output.find("Select data file: [Data files: *.dat; *.uxd; *.int; *.acq]"),
             std::string::npos);
   EXPECT_TRUE(testing::HasNormalisedLine(
-      dir.Read("abc.out"), " => DAT file code: other -> Relative contribution:   1.00000"));
+      dir.Read("abc.out"), " => DAT file code: other.xy -> Relative contribution:   1.00000"));
+  ScratchDir second;
+  second.Write("abc.pcr", TestData("head/calc.pcr"));
+  RunBinary(second.path, "", "abc.pcr\nother.dat\n");
+  EXPECT_TRUE(testing::HasNormalisedLine(
+      second.Read("abc.out"), " => DAT file code: other -> Relative contribution:   1.00000"));
+}
+
+// A data file named on the command line with its own extension is read as it is.
+TEST(DriverEndToEnd, DataFileWithItsOwnExtensionOnTheCommandLineIsRead) {
+  ScratchDir dir;
+  dir.Write("cycle1.pcr", TestData("cycle/cycle1.pcr"));
+  dir.Write("pattern.xye", TestData("cycle/cycle.dat"));
+  const auto before = dir.Read("pattern.xye");
+  const auto run = RunBinary(dir.path, "cycle1 pattern.xye");
+  EXPECT_EQ(run.exitCode, 0) << run.output;
+  EXPECT_TRUE(testing::HasLine(run.output, " => Reading intensity file *.DAT..."));
+  EXPECT_NE(dir.Read("cycle1.sum").find(" => Rp:"), std::string::npos);
+  EXPECT_EQ(dir.Read("pattern.xye"), before);
 }
 
 TEST(DriverEndToEnd, DialogInAnotherDirectoryRunsThere) {

@@ -141,6 +141,27 @@ TEST(FileSet, DataFileIsLookedForAsDatThenUxdThenAcq) {
   EXPECT_EQ(NameOn(*job, 4), "d.uxd");
 }
 
+// A data code with an extension of its own names the file as it is.
+TEST(FileSet, DataCodeWithItsOwnExtensionOpensThatFile) {
+  ScratchDir dir;
+  dir.Write("d.xye", "a\n");
+  dir.Write("d.xye.dat", "b\n");
+  CapturedJob job;
+  job->patterns[1].DatCode = "d.xye";
+  OpenFiles(*job, FileKind::kData, 1, 0);
+  EXPECT_EQ(NameOn(*job, 4), "d.xye");
+}
+
+// Without an extension, or with the file absent, the three extensions are tried.
+TEST(FileSet, DataCodeWithAnAbsentExtensionFileTriesTheExtensions) {
+  ScratchDir dir;
+  dir.Write("run.2.dat", "a\n");
+  CapturedJob job;
+  job->patterns[1].DatCode = "run.2";
+  OpenFiles(*job, FileKind::kData, 1, 0);
+  EXPECT_EQ(NameOn(*job, 4), "run.2.dat");
+}
+
 TEST(FileSet, MissingDataFileStopsWithItsCode) {
   ScratchDir dir;
   CapturedJob job;
