@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "io/field_reader.h"
 #include "observations/powder_data_common.h"
 #include "observations/spline.h"
+#include "surface/console.h"
 
 namespace corvinet {
 
@@ -93,12 +95,53 @@ void CheckNextPointLine(DataFile& file) {
   unit.atEnd = atEnd;
 }
 
+// True when the line holds two or three numbers and nothing else.
+bool IsPointLine(std::string_view line) {
+  constexpr std::string_view kSeparators = " \t,";
+  int words = 0;
+  std::size_t at = 0;
+  while ((at = line.find_first_not_of(kSeparators, at)) != std::string_view::npos) {
+    const std::size_t end = std::min(line.find_first_of(kSeparators, at), line.size());
+    const std::string word(line.substr(at, end - at));
+    char* stop = nullptr;
+    std::strtod(word.c_str(), &stop);
+    if (stop == word.c_str() || *stop != '\0') return false;
+    ++words;
+    at = end;
+  }
+  return words == 2 || words == 3;
+}
+
+// A file without a heading whose first two lines are already points: it is
+// read as data from its first line. The unit is left where it was.
+bool StartsWithPoints(DataFile& file) {
+  TextUnit& unit = file.job.files.units[Unit::Data];
+  const long start = std::ftell(unit.file);
+  const long lastRecordStart = unit.lastRecordStart;
+  const bool atEnd = unit.atEnd;
+  std::string first, second;
+  const bool points = ReadRecord(unit, first, kDataRecordLength) == RecordRead::Ok &&
+                      ReadRecord(unit, second, kDataRecordLength) == RecordRead::Ok &&
+                      IsPointLine(first) && IsPointLine(second);
+  std::fseek(unit.file, start, SEEK_SET);
+  unit.lastRecordStart = lastRecordStart;
+  unit.atEnd = atEnd;
+  return points;
+}
+
 XYHeading ReadHeading(DataFile& file) {
   XYHeading heading;
+  if (StartsWithPoints(file)) {
+    ReportData(file, " -> No heading in input data file X,Y,sigma: points from its first line");
+    return heading;
+  }
   const std::string first = RequireDataRecord(file);
   if (!first.starts_with("XYDATA")) {
-    ReportData(file, " -> No recognizable heading in input data file X,Y,sigma");
-    ReportData(file, "    First 6 lines are considered as COMMENTS ");
+    for (const char* line : {" -> No recognizable heading in input data file X,Y,sigma",
+                             "    First 6 lines are considered as COMMENTS "}) {
+      ReportData(file, line);
+      ConsoleLine(file.job, line);
+    }
     ReportData(file, " -> COMMENT: " + CutText(first, kDataRecordLength));
     for (int k = 2; k <= kHeadingLines; ++k) {
       ReportData(file, " -> COMMENT: " + CutText(RequireDataRecord(file), kDataRecordLength));
