@@ -78,6 +78,7 @@ struct Phase {
   std::string SpaceGroupRemark;  // text behind the symbol, at most 10 characters
   int magneticSymmetry = 0;      // "Mag" in the remark of a |Jbt| 10 phase
   int refinedAtomParameters = 0;  // parameter numbers found among the atom codes
+  bool cellHeldWarned = false;    // the cell was held to its Laue class and that was said
   int atomOffset = 0;             // atoms of the phases before this one
   int phaseAtomKind = 0;          // 0 plain, 1 anisotropic, 2 imaginary moments, 3 form factors
   Table1<PhasePattern, DimensionLimits::NPATT> pat;  // the phase in each pattern

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "crystal/metric.h"
+#include "format/fortran_format.h"
 #include "records/profile_slots.h"
 #include "surface/console.h"
 
@@ -66,6 +67,36 @@ Matrix3 DirectMetricDerivative(const Matrix3& g, const Matrix3& dStar) {
     for (int j = 0; j < 3; ++j)
       for (int m = 0; m < 3; ++m) out[i][j] -= t[i][m] * g[m][j];
   return out;
+}
+
+// Holds the six coefficients to the relations of the Laue class (a = b,
+// gamma = 120 and so on), whatever the codes moved; true when they had to
+// move. Rounding of the 32-bit coefficients is not counted as a break.
+bool HoldLaueRelations(const SpaceGroup& group, Table1<float, 6>& coefficients) {
+  const Table1<float, 6> cell = CellFromCoefficients(coefficients);
+  Table1<float, 6> forced = cell;
+  ForceCellToLaueClass(forced, group.LAUE, group.UniqueAxis);
+  bool broken = false;
+  for (int i = 1; i <= 3; ++i)
+    broken = broken || std::fabs(forced[i] - cell[i]) > 1.0e-5f * cell[i];
+  for (int i = 4; i <= 6; ++i) broken = broken || std::fabs(forced[i] - cell[i]) > 1.0e-4f;
+  if (!broken) return false;
+  CellMetric metric;
+  if (!BuildCellMetric(forced, metric)) return false;
+  coefficients = ReciprocalCoefficients(metric);
+  return true;
+}
+
+// Says once per phase and run that its cell was held to its Laue class.
+void WarnCellHeld(Job& job, int phase) {
+  Phase& ph = job.phases[phase];
+  if (ph.cellHeldWarned) return;
+  ph.cellHeldWarned = true;
+  const std::string line = Fmt("(A,I2,A,A,A)", " => Phase ", phase,
+                               ": the cell codes break the relations of its Laue class ",
+                               LaueClassName(ph.group.LAUE), "; the cell is held to them");
+  ConsoleLine(job, line);
+  WriteLine(job, Unit::Out, line);
 }
 
 }  // namespace
@@ -146,6 +177,10 @@ void UpdateCell(Job& job, int phase, int ip) {
   CellStatistics& stats = job.limits.cells(phase, ip);
   Table1<float, 6> coefficients;
   for (int i = 1; i <= 6; ++i) coefficients[i] = pp.PAR[ProfileSlot::FirstCell - 1 + i];
+  if (HoldLaueRelations(job.phases[phase].group, coefficients)) {
+    for (int i = 1; i <= 6; ++i) pp.PAR[ProfileSlot::FirstCell - 1 + i] = coefficients[i];
+    WarnCellHeld(job, phase);
+  }
   const CellWithSigma result =
       CellAndSigmaFromCoefficients(coefficients, CoefficientCovarianceOf(job, pp));
   Table1<float, 6> cell = result.cell;

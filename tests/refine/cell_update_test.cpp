@@ -7,6 +7,7 @@
 #include "crystal/metric.h"
 #include "refine/cell_update.h"
 #include "refine/update_case.h"
+#include "test_support.h"
 
 namespace corvinet {
 namespace {
@@ -200,6 +201,46 @@ TEST(CellUpdate, AHexagonalCellKeepsGammaAtOneTwentyExactly) {
   EXPECT_EQ(pp.CellConstants[5], 90.0f);
   EXPECT_EQ(pp.CellConstants[6], 120.0f);
   EXPECT_NEAR(pp.CellConstants[1], 3.2f, 1e-5);
+}
+
+// A and B shifted together (a and b share a code) while F, which carries
+// gamma, has none: the cell is held to its hexagonal Laue class and that is
+// said once.
+TEST(CellUpdate, CodesThatBreakTheLaueClassAreOverruledOnceSaid) {
+  UpdateCase c;
+  c->phases[1].group.LAUE = 12;  // 6/mmm
+  PhasePattern& pp = c.peaks();
+  const std::array<Real, 6> moved = Coefficients(3.21L, 3.21L, 5.1L, 90.0L, 90.0L, 120.0L);
+  const std::array<Real, 6> old = Coefficients(3.2L, 3.2L, 5.1L, 90.0L, 90.0L, 120.0L);
+  for (int i = 0; i < 5; ++i) pp.PAR[6 + i] = static_cast<float>(moved[i]);
+  pp.PAR[11] = static_cast<float>(old[5]);
+  // Read literally, these coefficients give a = b and gamma away from 120.
+  EXPECT_GT(std::fabs(DirectCell(moved)[5] -
+                      DirectCell({moved[0], moved[1], moved[2], moved[3], moved[4], old[5]})[5]),
+            0.1L);
+  UpdateCell(*c, 1, 1);
+  UpdateCell(*c, 1, 1);
+  EXPECT_EQ(pp.CellConstants[6], 120.0f);
+  EXPECT_EQ(pp.CellConstants[4], 90.0f);
+  EXPECT_EQ(pp.CellConstants[1], pp.CellConstants[2]);
+  EXPECT_NEAR(pp.PAR[11], pp.PAR[6], 1e-6f * pp.PAR[6]);
+  const std::string line =
+      " => Phase  1: the cell codes break the relations of its Laue class 6/mmm; the cell is "
+      "held to them";
+  EXPECT_EQ(testing::CountLines(c.job.Console(), line), 1) << c.job.Console();
+}
+
+// A cell whose coefficients keep their Laue class is left as it is, unsaid.
+TEST(CellUpdate, ACellThatKeepsItsLaueClassIsNotTouched) {
+  UpdateCase c;
+  c->phases[1].group.LAUE = 12;
+  PhasePattern& pp = c.peaks();
+  const std::array<Real, 6> exact = Coefficients(3.2L, 3.2L, 5.1L, 90.0L, 90.0L, 120.0L);
+  for (int i = 0; i < 6; ++i) pp.PAR[6 + i] = static_cast<float>(exact[i]);
+  const float before = pp.PAR[11];
+  UpdateCell(*c, 1, 1);
+  EXPECT_EQ(pp.PAR[11], before);
+  EXPECT_EQ(c.job.Console().find("held to them"), std::string::npos);
 }
 
 TEST(CellUpdate, ASingularMetricStopsWithBadCellParameters) {
