@@ -19,7 +19,7 @@ bool UsedByGlobals(const Job& job, int n) {
       if (w.parameterNumber == n) return true;
     }
     for (int j = 1; j <= p.NBCKGD && j <= DimensionLimits::IBACP + 1; ++j) {
-      if (DecodeCodeword(p.BackIntCode[j]).parameterNumber == n) return true;
+      if (p.backPointWord[j].parameterNumber == n) return true;
     }
   }
   return false;

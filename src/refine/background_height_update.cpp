@@ -22,7 +22,7 @@ std::vector<ShownHeight> ShiftBackgroundHeights(Job& job, int ip) {
   if (!HasPointHeights(p)) return heights;
   const float relaxation = RelaxationFactor(job, Relaxation::kGlobal);
   for (int k = 1; k <= p.NBCKGD; ++k) {
-    const Codeword word = DecodeCodeword(p.BackIntCode[k]);
+    const Codeword& word = p.backPointWord[k];
     if (word.parameterNumber == 0) continue;
     const ValueShift r = ShiftValue(job, p.BackInt[k], word, relaxation);
     heights.push_back({k, {p.BackInt[k], r.shift, r.sigma}});

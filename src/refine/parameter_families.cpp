@@ -42,7 +42,7 @@ void BuildParameterFamilies(Job& job) {
     // Heights of an interpolated background; other models leave their codes 0.
     const Pattern& p = job.patterns[ip];
     for (int k = 1; k <= p.NBCKGD && k <= DimensionLimits::IBACP; ++k) {
-      Assign(job, DecodeCodeword(p.BackIntCode[k]), kBackground);
+      Assign(job, p.backPointWord[k], kBackground);
     }
   }
   int row = 0;

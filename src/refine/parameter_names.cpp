@@ -5,7 +5,6 @@
 
 #include "format/fortran_format.h"
 #include "format/text.h"
-#include "records/codeword.h"
 #include "records/profile_slots.h"
 #include "refine/background_height_update.h"
 #include "refine/parameter_report.h"
@@ -51,7 +50,7 @@ std::string GlobalDescription(const Job& job, int L) {
       if (Holds(p.GLBword[n], L)) return GlobalSlotName(n, p.IXUNIT) + InPattern(ip);
     }
     for (int j = 1; j <= p.NBCKGD && j <= DimensionLimits::IBACP + 1; ++j) {
-      if (Holds(DecodeCodeword(p.BackIntCode[j]), L)) {
+      if (Holds(p.backPointWord[j], L)) {
         return BackgroundHeightName(j) + Fmt("(A,F0.3)", " (background height at ", p.BackPos[j]) +
                ")" + InPattern(ip);
       }

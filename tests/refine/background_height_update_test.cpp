@@ -85,7 +85,9 @@ TEST(BackgroundHeightUpdate, HeightsUnderHardLimitsStopAtTheLimit) {
 TEST(BackgroundHeightUpdate, OtherModelsAndUnrefinedHeightsShowNothing) {
   UpdateCase c;
   SetPointHeights(c, 4);
+  // The codes are decoded when the background is filled, as after reading.
   c.pattern().BackIntCode[2] = 0.0f;
+  FillBackground(*c, 1);
   c.SetParameter(2, 6.0f, 4.0f);
   EXPECT_TRUE(ShiftBackgroundHeights(*c, 1).empty());
   EXPECT_EQ(c.pattern().BackInt[2], 80.0f);
