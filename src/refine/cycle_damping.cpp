@@ -3,6 +3,7 @@
 #include "refine/cycle_damping.h"
 
 #include <cmath>
+#include <tuple>
 
 #include "format/fortran_format.h"
 #include "refine/reflection_calculation.h"
@@ -30,49 +31,36 @@ struct CycleSnapshot {
 
 namespace {
 
-// Copies the records of the cycle between the job and the snapshot; only
-// the patterns of the run are copied, as they are large.
+// The records a retry restores, as references: those of the job and its
+// cycle work, or those of a snapshot, in the same order.
+template <class J, class W>
+auto CycleState(J& job, W& work) {
+  auto& r = job.refinement;
+  return std::tie(job.phases, job.atoms, job.limits, job.reliability, r.normal, r.LastShift,
+                  r.PreviousChi2, r.GlobalChi2, r.globalResidualSum, r.braggPoints, r.usedPoints,
+                  work.ring, work.computedPattern, work.computedReflection);
+}
+
+auto CycleState(CycleSnapshot& s) {
+  return std::tie(s.phases, s.atoms, s.limits, s.reliability, s.normal, s.LastShift, s.PreviousChi2,
+                  s.GlobalChi2, s.globalResidualSum, s.braggPoints, s.usedPoints, s.ring,
+                  s.computedPattern, s.computedReflection);
+}
+
+// Only the patterns of the run are copied, as they are large.
 template <class From, class To>
 void CopyPatterns(const From& from, To& to, int count) {
   for (int ip = 1; ip <= count; ++ip) to[ip] = from[ip];
 }
 
 void Save(const Job& job, const CycleWork& work, CycleSnapshot& s) {
-  const RefinementState& r = job.refinement;
   CopyPatterns(job.patterns, s.patterns, job.run.NPATT);
-  s.phases = job.phases;
-  s.atoms = job.atoms;
-  s.limits = job.limits;
-  s.reliability = job.reliability;
-  s.normal = r.normal;
-  s.LastShift = r.LastShift;
-  s.PreviousChi2 = r.PreviousChi2;
-  s.GlobalChi2 = r.GlobalChi2;
-  s.globalResidualSum = r.globalResidualSum;
-  s.braggPoints = r.braggPoints;
-  s.usedPoints = r.usedPoints;
-  s.ring = work.ring;
-  s.computedPattern = work.computedPattern;
-  s.computedReflection = work.computedReflection;
+  CycleState(s) = CycleState(job, work);
 }
 
-void Restore(const CycleSnapshot& s, Job& job, CycleWork& work) {
-  RefinementState& r = job.refinement;
+void Restore(CycleSnapshot& s, Job& job, CycleWork& work) {
   CopyPatterns(s.patterns, job.patterns, job.run.NPATT);
-  job.phases = s.phases;
-  job.atoms = s.atoms;
-  job.limits = s.limits;
-  job.reliability = s.reliability;
-  r.normal = s.normal;
-  r.LastShift = s.LastShift;
-  r.PreviousChi2 = s.PreviousChi2;
-  r.GlobalChi2 = s.GlobalChi2;
-  r.globalResidualSum = s.globalResidualSum;
-  r.braggPoints = s.braggPoints;
-  r.usedPoints = s.usedPoints;
-  work.ring = s.ring;
-  work.computedPattern = s.computedPattern;
-  work.computedReflection = s.computedReflection;
+  CycleState(job, work) = CycleState(s);
 }
 
 bool NegativeRefinedOccupancy(const Job& job) {
