@@ -59,20 +59,64 @@ void ReadTemperatureLine(DataFile& file, std::string_view line) {
   file.Temperature = temperature;
 }
 
-// True when one of the first three words of a point line (separated by
-// blanks, tabs or commas) reads as a number that is not finite.
-bool HoldsNonFinitePoint(std::string_view line) {
+// The words of a point line, separated by blanks, tabs or commas.
+std::vector<std::string_view> PointWords(std::string_view line) {
   constexpr std::string_view kSeparators = " \t,";
+  std::vector<std::string_view> words;
   std::size_t at = 0;
-  for (int word = 0; word < 3; ++word) {
-    at = line.find_first_not_of(kSeparators, at);
-    if (at == std::string_view::npos) return false;
+  while ((at = line.find_first_not_of(kSeparators, at)) != std::string_view::npos) {
     const std::size_t end = std::min(line.find_first_of(kSeparators, at), line.size());
-    if (ReadsAsNonFinite(line.substr(at, end - at))) return true;
+    words.push_back(line.substr(at, end - at));
     at = end;
+  }
+  return words;
+}
+
+// True when one of the first three words of a point line reads as a number
+// that is not finite.
+bool HoldsNonFinitePoint(std::string_view line) {
+  const std::vector<std::string_view> words = PointWords(line);
+  for (std::size_t w = 0; w < words.size() && w < 3; ++w) {
+    if (ReadsAsNonFinite(words[w])) return true;
   }
   return false;
 }
+
+// True when the line holds two or three numbers and nothing else.
+bool IsPointLine(std::string_view line) {
+  const std::vector<std::string_view> words = PointWords(line);
+  for (std::string_view w : words) {
+    const std::string word(w);
+    char* stop = nullptr;
+    std::strtod(word.c_str(), &stop);
+    if (stop == word.c_str() || *stop != '\0') return false;
+  }
+  return words.size() == 2 || words.size() == 3;
+}
+
+// Records read ahead on the data unit are given back when this goes: the
+// unit is left where it was.
+class ReadAhead {
+ public:
+  explicit ReadAhead(TextUnit& unit)
+      : unit_(unit),
+        start_(std::ftell(unit.file)),
+        lastRecordStart_(unit.lastRecordStart),
+        atEnd_(unit.atEnd) {}
+  ~ReadAhead() {
+    std::fseek(unit_.file, start_, SEEK_SET);
+    unit_.lastRecordStart = lastRecordStart_;
+    unit_.atEnd = atEnd_;
+  }
+  ReadAhead(const ReadAhead&) = delete;
+  ReadAhead& operator=(const ReadAhead&) = delete;
+
+ private:
+  TextUnit& unit_;
+  long start_;
+  long lastRecordStart_;
+  bool atEnd_;
+};
 
 // The field reader refuses the letters of nan and inf with its caret report,
 // and a number beyond a 32-bit real as unreadable. The point line it takes
@@ -80,9 +124,7 @@ bool HoldsNonFinitePoint(std::string_view line) {
 // and left unread, so that such a value is named for what it is.
 void CheckNextPointLine(DataFile& file) {
   TextUnit& unit = file.job.files.units[Unit::Data];
-  const long start = std::ftell(unit.file);
-  const long lastRecordStart = unit.lastRecordStart;
-  const bool atEnd = unit.atEnd;
+  const ReadAhead ahead(unit);
   std::string line;
   for (int number = file.lineNumber + 1;
        ReadRecord(unit, line, kDataRecordLength) == RecordRead::Ok; ++number) {
@@ -90,43 +132,17 @@ void CheckNextPointLine(DataFile& file) {
     if (HoldsNonFinitePoint(line)) StopNonFinite(file, number);
     break;
   }
-  std::fseek(unit.file, start, SEEK_SET);
-  unit.lastRecordStart = lastRecordStart;
-  unit.atEnd = atEnd;
-}
-
-// True when the line holds two or three numbers and nothing else.
-bool IsPointLine(std::string_view line) {
-  constexpr std::string_view kSeparators = " \t,";
-  int words = 0;
-  std::size_t at = 0;
-  while ((at = line.find_first_not_of(kSeparators, at)) != std::string_view::npos) {
-    const std::size_t end = std::min(line.find_first_of(kSeparators, at), line.size());
-    const std::string word(line.substr(at, end - at));
-    char* stop = nullptr;
-    std::strtod(word.c_str(), &stop);
-    if (stop == word.c_str() || *stop != '\0') return false;
-    ++words;
-    at = end;
-  }
-  return words == 2 || words == 3;
 }
 
 // A file without a heading whose first two lines are already points: it is
-// read as data from its first line. The unit is left where it was.
+// read as data from its first line.
 bool StartsWithPoints(DataFile& file) {
   TextUnit& unit = file.job.files.units[Unit::Data];
-  const long start = std::ftell(unit.file);
-  const long lastRecordStart = unit.lastRecordStart;
-  const bool atEnd = unit.atEnd;
+  const ReadAhead ahead(unit);
   std::string first, second;
-  const bool points = ReadRecord(unit, first, kDataRecordLength) == RecordRead::Ok &&
-                      ReadRecord(unit, second, kDataRecordLength) == RecordRead::Ok &&
-                      IsPointLine(first) && IsPointLine(second);
-  std::fseek(unit.file, start, SEEK_SET);
-  unit.lastRecordStart = lastRecordStart;
-  unit.atEnd = atEnd;
-  return points;
+  return ReadRecord(unit, first, kDataRecordLength) == RecordRead::Ok &&
+         ReadRecord(unit, second, kDataRecordLength) == RecordRead::Ok && IsPointLine(first) &&
+         IsPointLine(second);
 }
 
 XYHeading ReadHeading(DataFile& file) {
