@@ -203,8 +203,9 @@ double GlobalSlotDerivative(int n, const Pattern& p, const Geometry& g,
 }
 
 // The widths of reflection r at geometry g, stored in the reflection.
-PeakWidths StoreWidths(Job& job, int ip, int phase, int w, const Geometry& g, Reflection& r) {
-  const ProfileCode code = ProfileOf(job.phases[phase].pat[ip]);
+// What the width law needs of reflection r of a phase at wavelength w.
+WidthInput WidthInputOf(ProfileCode code, int phase, int w, const Geometry& g,
+                        const Reflection& r) {
   WidthInput in;
   in.code = code;
   in.phase = phase;
@@ -213,6 +214,12 @@ PeakWidths StoreWidths(Job& job, int ip, int phase, int w, const Geometry& g, Re
   in.tanTheta = static_cast<float>(g.tanTheta);
   in.cos2Theta = static_cast<float>(g.cos2);
   in.previousFwhm = r.Fwhm;
+  return in;
+}
+
+PeakWidths StoreWidths(Job& job, int ip, int phase, int w, const Geometry& g, Reflection& r) {
+  const ProfileCode code = ProfileOf(job.phases[phase].pat[ip]);
+  const WidthInput in = WidthInputOf(code, phase, w, g, r);
   PeakWidths widths;
   try {
     widths = PeakWidth(job.patterns[ip], job.phases[phase].pat[ip].PAR, in);
@@ -405,14 +412,7 @@ PeakValidity CheckReflection(const Job& job, int ip, const Reflection& r) {
   g.h = WorkingVector(job.phases[phase], r);
   if (!MakeGeometry(p, c, KeyWavelength(r.key), g)) return PeakValidity::kValid;
   const ProfileCode code = ProfileOf(c);
-  WidthInput in;
-  in.code = code;
-  in.phase = phase;
-  in.wavelengthIndex = KeyWavelength(r.key);
-  in.twoTheta = static_cast<float>(g.twoTheta);
-  in.tanTheta = static_cast<float>(g.tanTheta);
-  in.cos2Theta = static_cast<float>(g.cos2);
-  in.previousFwhm = r.Fwhm;
+  const WidthInput in = WidthInputOf(code, phase, KeyWavelength(r.key), g, r);
   ReflectionShapeInput shapeIn;
   shapeIn.code = code;
   shapeIn.twoTheta = in.twoTheta;
