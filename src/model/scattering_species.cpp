@@ -5,11 +5,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
 #include <string>
 
 #include "format/fortran_format.h"
 #include "format/text.h"
 #include "io/field_reader.h"
+#include "model/anomalous_energy.h"
+#include "model/elements.h"
 #include "model/scattering_tables.h"
 #include "surface/console.h"
 
@@ -27,8 +30,9 @@ struct SpeciesWork {
   Job& job;
   Phase& phase;
   PhasePattern& table;
-  int count = 0;  // running count of species
-  int anomalousColumn = 0;
+  int pattern = 1;  // the pattern whose species these are
+  int count = 0;    // running count of species
+  AnomalousSource anomalous;
 };
 
 void Out(Job& job, std::string_view text) {
@@ -85,13 +89,26 @@ bool TryObject(SpeciesWork& w, const std::string& label4, int& number) {
   return true;
 }
 
+// f' and f'' of a species of the X-ray table: from the energy table at the pattern's energy,
+// or from row `row` of the table of reference wavelengths.
+void SetAnomalousTerms(const AnomalousSource& source, const std::string& key, int row,
+                       ChemicalSpecies& sp) {
+  if (!source.atEnergy) {
+    AnomalousTerms(row, source.column, sp.fp, sp.fpp);
+    return;
+  }
+  const std::optional<AnomalousPair> terms =
+      AnomalousAtEnergy(ElementOfLabel(key).Z, source.energyKeV);
+  sp.fp = terms ? terms->fp : 0.0f;
+  sp.fpp = terms ? terms->fpp : 0.0f;
+}
+
 void AddXraySpecies(SpeciesWork& w, const std::string& label4, int row) {
   const XrayRow& r = FixedScatteringTables().xray[row];
   ChemicalSpecies& sp = NewSpecies(w, label4);
   sp.kind = SpeciesKind::ByLabel;
   for (int j = 1; j <= 9; ++j) sp.coeff[j] = r.v[j - 1];
-  const int anomalousRow = static_cast<int>(r.v[9] + 0.5f);
-  AnomalousTerms(anomalousRow, w.anomalousColumn, sp.fp, sp.fpp);
+  SetAnomalousTerms(w.anomalous, label4, static_cast<int>(r.v[9] + 0.5f), sp);
   std::string upper = label4;
   ToUpper(upper);
   const Table1<float, DimensionLimits::N_FORM>& c = sp.coeff;
@@ -176,8 +193,21 @@ int LastAtom(const Phase& ph, int atomCount) {
   return std::min(ph.atomOffset + atomCount, DimensionLimits::NATS);
 }
 
+// Which table the f' and f'' of the species come from.
+void ReportAnomalousSource(Job& job, const AnomalousSource& source, float lambda) {
+  if (source.atEnergy) {
+    Out(job, Fmt("(A,F8.3,A,F8.5,A)", " => Anomalous terms f', f'' at", source.energyKeV,
+                 " keV (lambda", lambda, " A), from the energy table (Kissel)"));
+    return;
+  }
+  const float reference = FixedScatteringTables().referenceWavelengths[source.column];
+  Out(job, Fmt("(A,F8.5,A,I1,A)", " => Anomalous terms f', f'' for the reference wavelength",
+               reference, " A (column ", source.column, " of the internal table)"));
+}
+
 void ResolveXray(SpeciesWork& w, int atomCount) {
   Out(w.job, " => Scattering coefficients from internal table");
+  ReportAnomalousSource(w.job, w.anomalous, w.job.patterns[w.pattern].LAMBDA[1]);
   Out(w.job, " => X-ray scattering coeff. (A1,B1,A2,...C,Dfp,Dfpp)");
   for (int i = FirstAtom(w.phase); i <= LastAtom(w.phase, atomCount); ++i) {
     ResolveXrayAtom(w, w.job.atoms[i]);
@@ -259,21 +289,30 @@ int AnomalousColumn(float lambda1) {
   return c;
 }
 
+AnomalousSource AnomalousSourceOf(float lambda1) {
+  AnomalousSource source;
+  source.column = AnomalousColumn(lambda1);
+  if (lambda1 > 0.0f && AnomalousFromEnergy(lambda1)) {
+    source.atEnergy = true;
+    source.energyKeV = kKeVAngstrom / lambda1;
+  }
+  return source;
+}
+
 void AnomalousTerms(int row, int column, float& fp, float& fpp) {
   fp = 0.0f;
   fpp = 0.0f;
-  if (row < 1 || row > ScatteringTables::AnomalousRows || column < 1) return;
+  if (row < 1 || row > ScatteringTables::AnomalousRows) return;
+  if (column < 1 || column > ScatteringTables::Wavelengths) return;
   const ScatteringTables& t = FixedScatteringTables();
-  if (column <= ScatteringTables::AnomalousColumns) fp = t.anomalous(row, column);
-  if (column + 5 <= ScatteringTables::AnomalousColumns) fpp = t.anomalous(row, column + 5);
+  fp = t.anomalous(row, column);
+  fpp = t.anomalous(row, column + ScatteringTables::Wavelengths);
 }
 
 void ResolveScatteringSpecies(Job& job, int ip, int k, int atomCount, int speciesGiven,
-                              int anomalousColumn, int radiation) {
+                              const AnomalousSource& anomalous, int radiation) {
   Phase& ph = job.phases[k];
-  SpeciesWork w{job, ph, ph.pat[ip]};
-  w.count = StartSpeciesTable(job, ip, k, speciesGiven);
-  w.anomalousColumn = anomalousColumn;
+  SpeciesWork w{job, ph, ph.pat[ip], ip, StartSpeciesTable(job, ip, k, speciesGiven), anomalous};
   const int jbt = std::abs(ph.Jbt);
   if (IsNeutronJob(radiation)) {
     if (jbt != 1 && jbt != 5) ResolveNeutron(w, atomCount);
@@ -290,8 +329,9 @@ void SetUpPhaseSpecies(Job& job, int k, int ip) {
   if (ph.pat[ip].Contribution == 0) return;
   const Pattern& p = job.patterns[ip];
   const int radiation = std::abs(p.JOBTYP);
-  const int column = IsNeutronJob(radiation) ? 0 : AnomalousColumn(p.LAMBDA[1]);
-  ResolveScatteringSpecies(job, ip, k, ph.Nat, p.scatteringCount, column, radiation);
+  const AnomalousSource source =
+      IsNeutronJob(radiation) ? AnomalousSource{} : AnomalousSourceOf(p.LAMBDA[1]);
+  ResolveScatteringSpecies(job, ip, k, ph.Nat, p.scatteringCount, source, radiation);
 }
 
 namespace {

@@ -17,9 +17,20 @@ inline constexpr std::string_view kObjectLabels[10] = {"SPHS", "PARA", "ELLI", "
 // wavelength below lambda1 + 0.1, or 6 when none is (lambda1 below 0.4564 A).
 int AnomalousColumn(float lambda1);
 
-// f' and f'' of anomalous row `row` at `column`. Column 6 takes f' from the
-// first f'' column, as the program reads it, and gives f'' 0 instead of reading
-// beyond the table; column 0 (no X-ray column) gives 0 and 0.
+// Where the f' and f'' of an X-ray pattern come from: the column of the reference wavelengths,
+// or, for a wavelength far from all of them, the energy table at the pattern's own energy.
+struct AnomalousSource {
+  int column = 0;          // column of the reference table (0: none, as for neutrons)
+  bool atEnergy = false;   // f' and f'' taken from the energy table instead
+  double energyKeV = 0.0;  // photon energy of the first wavelength (keV)
+};
+
+// The source of f' and f'' for a first wavelength `lambda1` (A).
+AnomalousSource AnomalousSourceOf(float lambda1);
+
+// f' and f'' of anomalous row `row` at reference column `column` (1 to 5); any other column
+// (0 for neutrons, 6 for a wavelength below every reference, which takes the energy table
+// instead) gives 0 and 0.
 void AnomalousTerms(int row, int column, float& fp, float& fpp);
 
 // Walks the atoms of phase k and gives each its species number in pattern ip,
@@ -29,7 +40,7 @@ void AnomalousTerms(int row, int column, float& fp, float& fpp);
 // any other X-ray. Stops the run on a label that no table holds or beyond
 // N_SPE species.
 void ResolveScatteringSpecies(Job& job, int ip, int k, int atomCount, int speciesGiven,
-                              int anomalousColumn, int radiation);
+                              const AnomalousSource& anomalous, int radiation);
 
 // Sets up the species of phase k in pattern ip, with the pattern's radiation and
 // anomalous column. Called after the reflections of the phase are made in the

@@ -437,10 +437,10 @@ TEST(AnomalousColumn, WavelengthBelowTheShortestReferenceGivesSix) {
   EXPECT_EQ(AnomalousColumn(0.2f), 6);
 }
 
-TEST(AnomalousColumn, ColumnSixReadsNothingBeyondTheTable) {
+TEST(AnomalousColumn, NoColumnBeyondTheFiveReferenceWavelengths) {
   float fp = 9.0f, fpp = 9.0f;
-  AnomalousTerms(26, 6, fp, fpp);  // Co
-  EXPECT_FLOAT_EQ(fp, 0.893f);     // the f'' of Cr, as the program reads it
+  AnomalousTerms(26, 6, fp, fpp);  // Co: a sixth column would read the f'' of Cr as f'
+  EXPECT_EQ(fp, 0.0f);
   EXPECT_EQ(fpp, 0.0f);
   AnomalousTerms(26, 5, fp, fpp);
   EXPECT_FLOAT_EQ(fp, 0.256f);
@@ -450,39 +450,28 @@ TEST(AnomalousColumn, ColumnSixReadsNothingBeyondTheTable) {
   EXPECT_EQ(fpp, 0.0f);
 }
 
-TEST(AnomalousColumn, ShortWavelengthPatternResolvesWithoutFSecond) {
+// Fe at 0.3 A (41.328 keV): between the rows 41.1660 keV (f' 0.1117, f'' 0.1661) and 42.0218 keV
+// (0.1068, 0.1594) of the energy table, linear in log E: f' 0.11076, f'' 0.16482.
+TEST(AnomalousColumn, ShortWavelengthPatternTakesTheTermsAtItsEnergy) {
   SpeciesJob s(kXray, 0, 0.3f);
   s.AddAtom(1, "Fe");
   ASSERT_TRUE(s.SetUp());
-  EXPECT_FLOAT_EQ(s.Table().species[1].fp, 0.762f);
-  EXPECT_EQ(s.Table().species[1].fpp, 0.0f);
+  EXPECT_NEAR(s.Table().species[1].fp, 0.11076f, 2e-5);
+  EXPECT_NEAR(s.Table().species[1].fpp, 0.16482f, 2e-5);
+  EXPECT_TRUE(
+      s.OutHas(" => Anomalous terms f', f'' at  41.328 keV (lambda 0.30000 A), from the "
+               "energy table (Kissel)"));
 }
 
-// ---- Lookup by label ----
-
-TEST(LookupScatteringByLabel, FoldsTheNameAndCopiesNineCoefficients) {
-  SpeciesJob s(kXray, 0);
-  ScatteringEntry e;
-  e.NAM = "O";
-  ASSERT_TRUE(testing::RunsWithoutStop(*s.job, [&](Job& j) { LookupScatteringByLabel(j, e); }));
-  EXPECT_EQ(e.NAM, "o");
-  EXPECT_FLOAT_EQ(e.coef[1], 3.0485f);
-  EXPECT_FLOAT_EQ(e.coef[8], 32.9089f);
-  EXPECT_FLOAT_EQ(e.coef[9], 0.2508f);
-  ChemicalSpecies sp;
-  sp.label = "C";
-  ASSERT_TRUE(testing::RunsWithoutStop(*s.job, [&](Job& j) { LookupScatteringByLabel(j, sp); }));
-  EXPECT_EQ(sp.label, "c");
-  EXPECT_FLOAT_EQ(sp.coeff[1], 2.31f);
-}
-
-TEST(LookupScatteringByLabel, UnknownNameStops) {
-  SpeciesJob s(kXray, 0);
-  ScatteringEntry e;
-  e.NAM = "Qq";
-  EXPECT_FALSE(testing::RunsWithoutStop(*s.job, [&](Job& j) { LookupScatteringByLabel(j, e); }));
-  EXPECT_NE(s.Out().find(" => Scattering coefficients NOT FOUND for qq"), std::string::npos);
-  EXPECT_TRUE(s.ConsoleHas(" Some scattering coefficients NOT FOUND"));
+TEST(AnomalousColumn, ReferenceWavelengthKeepsItsColumnAndSaysSo) {
+  SpeciesJob s(kXray, 0, 1.5406f);
+  s.AddAtom(1, "Co");
+  ASSERT_TRUE(s.SetUp());
+  EXPECT_FLOAT_EQ(s.Table().species[1].fp, -2.464f);
+  EXPECT_FLOAT_EQ(s.Table().species[1].fpp, 3.608f);
+  EXPECT_TRUE(
+      s.OutHas(" => Anomalous terms f', f'' for the reference wavelength 1.54051 A "
+               "(column 3 of the internal table)"));
 }
 
 }  // namespace

@@ -20,6 +20,9 @@ JOB.calc holds the numbers of a pattern-calculation control file, one keyword pe
   scale S
   uvw U V W                     H^2 = U tan^2(theta) + V tan(theta) + W
   eta ETA0 X                    pseudo-Voigt mixing eta = ETA0 + X * 2theta (Bragg angle)
+  anomalous energy              (X-rays) f', f'' of each atom at the energy of L1, interpolated
+                                linearly in log E in tables/anomalous_energy.txt (never across
+                                an absorption edge); without it, the oracle's reference columns
 
 The geometry is Bragg-Brentano (or Debye-Scherrer) with no absorption, no low-angle
 correction, no asymmetry, no preferred orientation, no overall displacement factor, and
@@ -81,7 +84,7 @@ def read_job(path):
         key = w[0].lower()
         if key == 'atom':
             job['atoms'].append((w[1], w[2], *[float(v) for v in w[3:8]]))
-        elif key in ('radiation',):
+        elif key in ('radiation', 'anomalous'):
             job[key] = w[1].lower()
         elif key == 'spacegroup':
             job[key] = ' '.join(w[1:])
@@ -178,6 +181,36 @@ def neutron_lengths(tables):
     return lengths
 
 
+def energy_terms(tables, kind, wavelength):
+    """f', f'' of the element of an X-ray key at the energy of a wavelength (A)."""
+    energy = 12.398419843 / wavelength
+    rows = {}
+    for w in data_lines(os.path.join(tables, 'anomalous_energy.txt')):
+        rows.setdefault(w[1].lower(), []).append((float(w[2]), float(w[3]), float(w[4]),
+                                                  w[5] if len(w) > 5 else ''))
+    letters = ''
+    for ch in kind:
+        if not ch.isalpha():
+            break
+        letters += ch.lower()
+    symbol = next((letters[:n] for n in (2, 1) if letters[:n] in rows), None)
+    if symbol is None:
+        sys.exit('no element for the X-ray key ' + kind)
+    r = rows[symbol]
+    if energy <= r[0][0]:
+        return r[0][1], r[0][2]
+    if energy >= r[-1][0]:
+        return r[-1][1], r[-1][2]
+    for lo, hi in zip(r, r[1:]):
+        if lo[0] <= energy < hi[0]:
+            if lo[3].endswith('b') and hi[3].endswith('a'):
+                side = lo if energy < (lo[0] + hi[0]) / 2 else hi
+                return side[1], side[2]
+            t = math.log(energy / lo[0]) / math.log(hi[0] / lo[0])
+            return lo[1] + t * (hi[1] - lo[1]), lo[2] + t * (hi[2] - lo[2])
+    sys.exit('energy %g keV not bracketed for %s' % (energy, kind))
+
+
 def oracle_f2(job, shared, reps):
     """Friedel-averaged whole-cell |F|^2 and form size of each hkl, from the oracle.
 
@@ -188,7 +221,9 @@ def oracle_f2(job, shared, reps):
              'cell ' + ' '.join('%.6f' % v for v in job['cell'])]
     gain = 1.0
     if job['radiation'] == 'xray':
-        lines += ['radiation xray %.6f' % job['wavelengths'][0], 'anomalous auto']
+        explicit = job.get('anomalous') == 'energy'  # the atom lines carry f' and f''
+        lines += ['radiation xray %.6f' % job['wavelengths'][0],
+                  'anomalous none' if explicit else 'anomalous auto']
     else:
         lines += ['radiation neutron', 'anomalous none']
         lengths = neutron_lengths(os.path.join(shared, 'tables'))
@@ -199,7 +234,12 @@ def oracle_f2(job, shared, reps):
             kind = kind.lower()
         else:
             kind = 'b=%.6f' % (lengths[kind.upper()] * gain)
-        lines.append('atom %s %s %.6f %.6f %.6f %.6f %.6f' % (label, kind, x, y, z, biso, occ))
+        terms = ''
+        if job['radiation'] == 'xray' and job.get('anomalous') == 'energy':
+            fp, fpp = energy_terms(os.path.join(shared, 'tables'), kind, job['wavelengths'][0])
+            terms = ' %.6f %.6f' % (fp, fpp)
+        lines.append('atom %s %s %.6f %.6f %.6f %.6f %.6f%s'
+                     % (label, kind, x, y, z, biso, occ, terms))
     lines += ['hkl %d %d %d' % h for h in reps]
     with tempfile.NamedTemporaryFile('w', suffix='.in', delete=False) as f:
         f.write('\n'.join(lines) + '\n')
