@@ -19,6 +19,7 @@
 #include "format/fortran_format.h"
 #include "format/text.h"
 #include "io/file_set.h"
+#include "model/cell_mass.h"
 #include "model/lorentz_polarisation.h"
 #include "model/scattering_species.h"
 #include "refine/reflection_calculation.h"
@@ -85,10 +86,31 @@ void GeneratePhaseReflections(Job& job, int k) {
   }
 }
 
+// A phase with atoms and ATZ 0 takes the mass of its cell contents as its weight term, so that
+// its fraction is not 0; the report says so, or why it cannot.
+void ComputeMissingAtz(Job& job, int k) {
+  Phase& ph = job.phases[k];
+  if (ph.ATZ != 0.0f || ph.Nat <= 0 || !HasStructure(ph) || IsMagneticKind(ph.Jbt)) return;
+  const CellMass cell = CellMassOfPhase(job, k);
+  if (!cell.unknownLabel.empty()) {
+    WriteLine(job, Unit::Out,
+              " => ATZ is 0 and the atom type " + cell.unknownLabel +
+                  " names no element: ATZ stays 0, and so does the fraction of the phase");
+    return;
+  }
+  // Kept to the hundredths that the phase line of the control file holds, so that the new
+  // control file gives the same value.
+  ph.ATZ = static_cast<float>(std::round(cell.mass * 100.0) / 100.0);
+  WriteLine(job, Unit::Out,
+            Fmt("(A,F12.3,A)", " => ATZ computed from the atoms:", ph.ATZ,
+                " (Z x formula weight, from the occupancies of the atom lines)"));
+}
+
 // The phase blocks, each followed by its reflections; false when the reading ended early.
 bool ReadPhases(Job& job) {
   for (int k = 1; k <= job.run.NPHASE; ++k) {
     if (!ReadPhaseBlock(job, k)) return false;
+    ComputeMissingAtz(job, k);
     GeneratePhaseReflections(job, k);
   }
   for (int ip = 1; ip <= job.run.NPATT; ++ip) FillReflectionWidths(job, ip);

@@ -1,0 +1,51 @@
+// The mass of the cell contents of a phase from its atom lines.
+#include "model/cell_mass.h"
+
+#include <cstdlib>
+
+#include "model/elements.h"
+#include "model/scattering_species.h"
+
+namespace corvinet {
+
+namespace {
+
+bool IsObjectLabel(const std::string& label) {
+  for (const std::string_view object : kObjectLabels) {
+    if (label.substr(0, 4) == object) return true;
+  }
+  return false;
+}
+
+// The label that names the element of an atom: a magnetic label such as MFE3 stands for FE.
+std::string ElementLabel(const Phase& ph, const AtomSite& atom) {
+  const bool bearsMoment = atom.N_t == 1 || atom.N_t == 3;
+  if (std::abs(ph.Jbt) == 10 && bearsMoment && atom.species.size() >= 3) {
+    return atom.species.substr(1, 2);
+  }
+  return atom.species;
+}
+
+}  // namespace
+
+CellMass CellMassOfPhase(const Job& job, int k) {
+  const Phase& ph = job.phases[k];
+  const SpaceGroup& g = ph.group;
+  const int order = g.NSYM * g.NLAT * (g.ICENT == 2 ? 2 : 1);
+  CellMass result;
+  double sum = 0.0;
+  for (int i = ph.atomOffset + 1; i <= ph.atomOffset + ph.Nat; ++i) {
+    const AtomSite& atom = job.atoms[i];
+    const std::string label = ElementLabel(ph, atom);
+    const LabelledElement element = ElementOfLabel(label);
+    if (element.Z == 0 || IsObjectLabel(atom.species)) {
+      result.unknownLabel = atom.species;
+      return result;
+    }
+    sum += double(atom.ATP[5]) * element.weight;
+  }
+  result.mass = sum * order;
+  return result;
+}
+
+}  // namespace corvinet
