@@ -104,7 +104,15 @@ void FixZeroCounts(Job& job) {
 }
 
 void CheckPointCapacity(Job& job, int ip, int reflections, int extraReflections) {
-  if (DimensionLimits::IDSZ - (reflections + extraReflections) > job.patterns[ip].NPTS) return;
+  const int points = job.patterns[ip].NPTS;
+  if (DimensionLimits::IDSZ - (reflections + extraReflections) > points) return;
+  // Say what does not fit and what brings it inside, before the box.
+  const std::string line =
+      Fmt("(A,I2,A,I6,A,I6,A,I6,A)", " => Pattern", ip, ":", points, " points +",
+          reflections + extraReflections, " reflections reach the", DimensionLimits::IDSZ,
+          " places of a pattern: raise Ste or shorten the data range");
+  ConsoleLine(job, line);
+  WriteLine(job, Unit::Out, line);
   StopBox(job, " Too many reflections or too many points! ");
 }
 

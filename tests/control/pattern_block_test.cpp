@@ -125,6 +125,10 @@ TEST(PatternBlock, PointsAndReflectionsMustShareTheStorage) {
   }
   EXPECT_THROW(CheckPointCapacity(*job, 1, 900, 100), ProcessStop);
   EXPECT_NE(job.job.Console().find(" Too many reflections or too many points!"), std::string::npos);
+  EXPECT_NE(
+      job.job.Console().find(" => Pattern 1: 19000 points +  1000 reflections reach the 20000 "
+                             "places of a pattern: raise Ste or shorten the data range"),
+      std::string::npos);
 }
 
 TEST(PatternBlock, PolynomialCorrectionDividesIntensityAndPropagatesVariance) {
