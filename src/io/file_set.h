@@ -34,6 +34,7 @@ enum class FileKind : int {
   kBackgroundCurve = 23,  // _bac.xy: the background written by the final report
   kDifferenceCurve = 24,  // _dif.xy: the difference written by the final report
   kZeroDifference = 25,   // _zdif.xy: the zero-corrected difference with the background in
+  kCif = 26,              // _<phase>.cif: the refined structure and its powder data
   kMultiPattern = 1000,   // no file: switches on the pattern suffix
 };
 

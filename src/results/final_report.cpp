@@ -18,6 +18,7 @@
 #include "records/reflection.h"
 #include "refine/bragg_profile.h"
 #include "refine/cycle_work.h"
+#include "results/cif_export.h"
 #include "results/correlation_matrix.h"
 #include "results/dimension_report.h"
 #include "results/pattern_exports.h"
@@ -96,8 +97,25 @@ void OpenExtractedIntensityFile(Job& job, int ip, int f) {
   }
 }
 
-// One row per reflection of the phase and the sums.
-PhaseReportSums WriteReflectionRows(Job& job, int ip, int f, const BraggProfile& profile) {
+// The CIF row of a reflection row: its |F|^2 is that of the whole cell.
+CifReflection CifRowOf(const Job& job, int ip, int f, int k, const ReflectionRowValues& row) {
+  CifReflection c;
+  c.h = row.h;
+  c.k = row.k;
+  c.l = row.l;
+  c.multiplicity = row.multiplicity;
+  c.d = row.d;
+  c.position = row.twoTheta;
+  c.Iobs = row.Iobs;
+  c.Icalc = row.Icalc;
+  c.F2calc = job.patterns[ip].reflections.slot[k].F2 *
+             static_cast<float>(job.phases[f].group.multiplicityFactor);
+  return c;
+}
+
+// One row per reflection of the phase and the sums; the rows of a CIF go to `cif`.
+PhaseReportSums WriteReflectionRows(Job& job, int ip, int f, const BraggProfile& profile,
+                                    std::vector<CifReflection>& cif) {
   const Pattern& p = job.patterns[ip];
   const bool toFile = p.JLKH != 0;
   if (toFile) {
@@ -110,6 +128,7 @@ PhaseReportSums WriteReflectionRows(Job& job, int ip, int f, const BraggProfile&
   const PhaseBraggSums bragg =
       SumPhaseShares(job, ip, f, profile, [&](int k, const ReflectionShare& share) {
         const ReflectionRowValues row = ReflectionRow(job, ip, k, share);
+        cif.push_back(CifRowOf(job, ip, f, k, row));
         WriteLine(job, Unit::Out, ReportReflectionRow(row));
         if (toFile) WriteLine(job, Unit::HklOut, ReflectionFileRow(job, ip, f, row));
       });
@@ -135,10 +154,12 @@ void ReportPhase(Job& job, int ip, int f, const PhaseFractions& fractions,
   if (std::abs(ph.pat[ip].Irf) == 4) {
     NotWrittenLine(job, "the Bragg evaluation of integrated intensities");
   } else {
-    const PhaseReportSums sums = WriteReflectionRows(job, ip, f, profile);
+    std::vector<CifReflection> cif;
+    const PhaseReportSums sums = WriteReflectionRows(job, ip, f, profile, cif);
     for (const std::string& line : FinalBraggLines(job, ip, f, fractions, sums)) {
       WriteReports(job, line);
     }
+    if (WritesPhaseCif(job, ip, f)) WritePhaseCif(job, ip, f, {sums.FinalRB, sums.FinalRF}, cif);
     if (job.run.JCIL > 0) WriteLine(job, Unit::Rpa, BraggRecordRow(f, fractions, sums));
   }
   if (matching) {
