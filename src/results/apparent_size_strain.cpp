@@ -57,11 +57,13 @@ std::array<double, 3> WorkingVector(const Phase& ph, const Reflection& r) {
 ApparentBroadening ApparentOf(double deltaU, double deltaY, double lambda, double tanTheta) {
   ApparentBroadening a;
   const double cosTheta = 1.0 / std::sqrt(1.0 + tanTheta * tanTheta);
-  if (deltaU > 0.0) {
+  // Below these the model leaves the reflection unbroadened (a platelet seen
+  // edge on, say), and its apparent size or strain is not defined.
+  if (deltaU > 1.0e-12) {
     a.strainWidth = std::sqrt(deltaU) * tanTheta;
     a.strain = kGaussBreadth * a.strainWidth * kRadian / (4.0 * tanTheta);
   }
-  if (deltaY > 0.0) {
+  if (deltaY > 1.0e-6) {
     a.sizeWidth = deltaY / cosTheta;
     a.size = lambda / (kLorentzBreadth * a.sizeWidth * kRadian * cosTheta);
   }
@@ -86,6 +88,7 @@ std::vector<std::string> ApparentSizeStrainLines(const Job& job, int ip, int f) 
       Fmt("(A,I2,A,I2)", " => Apparent size and strain of phase ", f, " in pattern ", ip));
   lines.push_back(
       "    (integral breadths: size = lambda/(beta cos(theta)), strain = beta/(4 tan(theta)))");
+  lines.push_back("    (0 where the models leave the reflection unbroadened)");
   lines.push_back("    h   k   l    2theta  Hstrain    Hsize    Size(A)  Strain(1e-4)");
   Spread size, strain;
   const ReflectionTable& t = p.reflections;

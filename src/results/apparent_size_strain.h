@@ -15,7 +15,7 @@ namespace corvinet {
 // and the strain e = beta/(4 tan(theta)) of the Gaussian strain width
 // sqrt(deltaU) tan(theta), beta = sqrt(pi/(4 ln 2)) FWHM. Widths in degrees.
 struct ApparentBroadening {
-  double size = 0.0;         // Angstroms; 0 when the size adds nothing
+  double size = 0.0;         // Angstroms; 0 when the size adds nothing (deltaY <= 1e-6)
   double strain = 0.0;       // relative, 0 when the strain adds nothing
   double strainWidth = 0.0;  // the Gaussian strain FWHM, degrees
   double sizeWidth = 0.0;    // the Lorentzian size FWHM, degrees

@@ -1,0 +1,47 @@
+// The apparent size and strain of a reflection from the additions of its models to the widths.
+#include "results/apparent_size_strain.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace corvinet {
+namespace {
+
+// A strain of standard deviation sigma has a Gaussian distribution of d of
+// integral breadth sqrt(2 pi) sigma; the peak's breadth in 2theta is 2
+// tan(theta) times that, and the apparent strain beta/(4 tan(theta)) is
+// sqrt(2 pi) sigma / 2 at every angle. Strain model 2 gives for h00
+// deltaU = P² (2 Str1)² with sigma = Str1 1e-3.
+TEST(ApparentSizeStrain, StrainIsTheIntegralBreadthOfTheStrainDistribution) {
+  const double P2 = 0.018203745;
+  const double str1 = 1.7;
+  const double deltaU = P2 * 4.0 * str1 * str1;
+  for (double tanTheta : {0.2, 0.6, 1.5}) {
+    const ApparentBroadening a = ApparentOf(deltaU, 0.0, 1.5406, tanTheta);
+    EXPECT_NEAR(a.strain, std::sqrt(2.0 * M_PI) * str1 * 1e-3 / 2.0, 1e-7) << tanTheta;
+    EXPECT_EQ(a.size, 0.0);
+  }
+}
+
+// A Lorentzian size width deltaY/cos(theta) degrees has the integral breadth
+// (pi/2) deltaY (pi/180)/cos(theta) radians, and Scherrer's D = lambda/(beta
+// cos(theta)) = 360 lambda/(pi² deltaY): 561.94 A for 0.1 degree at 1.5406 A.
+TEST(ApparentSizeStrain, SizeIsScherrersOfTheIntegralBreadth) {
+  for (double tanTheta : {0.2, 0.6, 1.5}) {
+    const ApparentBroadening a = ApparentOf(0.0, 0.1, 1.5406, tanTheta);
+    EXPECT_NEAR(a.size, 360.0 * 1.5406 / (M_PI * M_PI * 0.1), 1e-6) << tanTheta;
+    EXPECT_NEAR(a.size, 561.94, 0.01);
+    EXPECT_EQ(a.strain, 0.0);
+  }
+}
+
+TEST(ApparentSizeStrain, AReflectionTheModelsLeaveUnbroadenedHasNoApparentValue) {
+  const ApparentBroadening a = ApparentOf(0.0, 1e-18, 1.5406, 0.5);
+  EXPECT_EQ(a.size, 0.0);
+  EXPECT_EQ(a.sizeWidth, 0.0);
+  EXPECT_EQ(a.strain, 0.0);
+}
+
+}  // namespace
+}  // namespace corvinet
