@@ -445,6 +445,8 @@ BroadeningModel BroadeningModelOf(const Phase& ph, const PhasePattern& c, const 
 
 BroadeningTerms SizeStrainBroadening(const BroadeningModel& m, const BroadeningReflection& r) {
   BroadeningTerms t;
+  // Most phases select no model: nothing to compute.
+  if (m.Str == 0 && m.strainModel == 0 && m.sizeModel == 0 && m.ModS == 0) return t;
   const Metrics mt = MetricsOf(m.cell);
   const double Q = Dot(r.h, Times(mt.Gs, r.h));
   if (!(Q > 0.0)) return t;
