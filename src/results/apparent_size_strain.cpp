@@ -70,6 +70,19 @@ ApparentBroadening ApparentOf(double deltaU, double deltaY, double lambda, doubl
   return a;
 }
 
+ApparentBroadening ApparentOfEnergy(double deltaU, double deltaY, double dtt1, double energy) {
+  ApparentBroadening a;
+  if (deltaU > 1.0e-12) {
+    a.strainWidth = std::sqrt(deltaU) * energy;
+    a.strain = kGaussBreadth * std::sqrt(deltaU) / 2.0;
+  }
+  if (deltaY > 1.0e-6) {
+    a.sizeWidth = deltaY;
+    a.size = dtt1 / (kLorentzBreadth * deltaY);
+  }
+  return a;
+}
+
 bool HasMicrostructureModel(const Phase& ph, const PhasePattern& c) {
   return ph.Str != 0 || c.StrainModel != 0 || c.SizeModel != 0;
 }
@@ -79,7 +92,10 @@ std::vector<std::string> ApparentSizeStrainLines(const Job& job, int ip, int f) 
   const PhasePattern& c = ph.pat[ip];
   const Pattern& p = job.patterns[ip];
   std::vector<std::string> lines;
-  if (!HasMicrostructureModel(ph, c) || p.IXUNIT != AbscissaUnit::kTwoTheta) return lines;
+  const bool energy = p.IXUNIT == AbscissaUnit::kEnergy;
+  if (!HasMicrostructureModel(ph, c) || !(p.IXUNIT == AbscissaUnit::kTwoTheta || energy)) {
+    return lines;
+  }
   const BroadeningModel model = BroadeningModelOf(ph, c, p, 1);
   Table1<float, 6> coefficients;
   for (int i = 1; i <= 6; ++i) coefficients[i] = c.PAR[ProfileSlot::FirstCell - 1 + i];
@@ -89,7 +105,8 @@ std::vector<std::string> ApparentSizeStrainLines(const Job& job, int ip, int f) 
   lines.push_back(
       "    (integral breadths: size = lambda/(beta cos(theta)), strain = beta/(4 tan(theta)))");
   lines.push_back("    (0 where the models leave the reflection unbroadened)");
-  lines.push_back("    h   k   l    2theta  Hstrain    Hsize    Size(A)  Strain(1e-4)");
+  lines.push_back(energy ? "    h   k   l    Energy  Hstrain    Hsize    Size(A)  Strain(1e-4)"
+                         : "    h   k   l    2theta  Hstrain    Hsize    Size(A)  Strain(1e-4)");
   Spread size, strain;
   const ReflectionTable& t = p.reflections;
   for (int k = 1; k <= t.total; ++k) {
@@ -97,18 +114,22 @@ std::vector<std::string> ApparentSizeStrainLines(const Job& job, int ip, int f) 
     if (KeyPhase(r.key) != f || KeyWavelength(r.key) != 1) continue;
     BroadeningReflection in;
     in.h = WorkingVector(ph, r);
-    const double s2 = 0.25 * InverseDSquared(coefficients, in.h) * lambda * lambda;
-    if (!(s2 > 0.0 && s2 < 1.0)) continue;
-    in.tanTheta = std::sqrt(s2 / (1.0 - s2));
+    const double q = InverseDSquared(coefficients, in.h);
+    const double s2 = 0.25 * q * lambda * lambda;
+    if (energy ? !(q > 0.0) : !(s2 > 0.0 && s2 < 1.0)) continue;
+    // The energy stands where an angle pattern has tan(theta).
+    in.tanTheta = energy ? p.GLB[8] * std::sqrt(q) : std::sqrt(s2 / (1.0 - s2));
     in.satellite = r.satelliteIndex != 0;
     in.fileCoefficient = r.fileValue1;
     const BroadeningTerms b = SizeStrainBroadening(model, in);
-    const ApparentBroadening a = ApparentOf(b.deltaU, b.deltaY, lambda, in.tanTheta);
+    const ApparentBroadening a = energy
+                                     ? ApparentOfEnergy(b.deltaU, b.deltaY, p.GLB[8], in.tanTheta)
+                                     : ApparentOf(b.deltaU, b.deltaY, lambda, in.tanTheta);
+    const double where = energy ? in.tanTheta : 2.0 * std::atan(in.tanTheta) / kRadian;
     if (a.size > 0.0) size.Add(a.size);
     if (a.strain > 0.0) strain.Add(a.strain * 1.0e4);
     lines.push_back(Fmt("(1X,3I4,F10.3,2F9.4,F11.1,F14.2)", KeyH(r.key), KeyK(r.key), KeyL(r.key),
-                        2.0 * std::atan(in.tanTheta) / kRadian, a.strainWidth, a.sizeWidth, a.size,
-                        a.strain * 1.0e4));
+                        where, a.strainWidth, a.sizeWidth, a.size, a.strain * 1.0e4));
   }
   lines.push_back(Fmt("(A,F11.1,A,F11.1,A,I5,A)",
                       " => Average apparent size (A):     ", size.Mean(),

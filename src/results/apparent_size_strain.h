@@ -23,10 +23,16 @@ struct ApparentBroadening {
 
 ApparentBroadening ApparentOf(double deltaU, double deltaY, double lambda, double tanTheta);
 
+// The same on an energy-dispersive pattern of constant Dtt1 (E = Dtt1/d):
+// the strain FWHM is sqrt(deltaU) E, so e = sqrt(pi/(4 ln 2)) sqrt(deltaU)/2;
+// the size width deltaY keV is deltaY/Dtt1 in 1/d, so D = 2 Dtt1/(pi
+// deltaY). Widths in keV.
+ApparentBroadening ApparentOfEnergy(double deltaU, double deltaY, double dtt1, double energy);
+
 // Whether phase f has a size or strain model that broadens its reflections.
 bool HasMicrostructureModel(const Phase& ph, const PhasePattern& c);
 
-// The block of .out for phase f in pattern ip (2theta data): a row per
+// The block of .out for phase f in pattern ip (2theta or energy data): a row per
 // reflection, then the average apparent size and strain with their standard
 // deviations over the reflections, which measure the anisotropy. Empty for
 // a phase without such a model or a pattern of another unit.

@@ -36,6 +36,20 @@ TEST(ApparentSizeStrain, SizeIsScherrersOfTheIntegralBreadth) {
   }
 }
 
+// On an energy pattern the same strain (the P² that makes Str1 the strain of
+// an angle pattern) gives the same apparent strain; a Lorentzian size width
+// of deltaY keV is deltaY/Dtt1 in 1/d, of integral breadth (pi/2) of that,
+// and D = 2 Dtt1/(pi deltaY): 318.3 A for 0.2 keV at Dtt1 = 100.
+TEST(ApparentSizeStrain, EnergyPatternsGiveTheSameStrainAndTheSizeOfTheirWidthInOneOverD) {
+  const double str1 = 1.7;
+  const double angleU = 0.018203745 * 4.0 * str1 * str1;
+  const double energyU = 0.018203745 * std::pow(M_PI / 180.0, 2) / 4.0 * 4.0 * str1 * str1;
+  EXPECT_NEAR(ApparentOfEnergy(energyU, 0.0, 100.0, 35.0).strain,
+              ApparentOf(angleU, 0.0, 1.5406, 0.6).strain, 1e-9);
+  EXPECT_NEAR(ApparentOfEnergy(0.0, 0.2, 100.0, 35.0).size, 2.0 * 100.0 / (M_PI * 0.2), 1e-9);
+  EXPECT_NEAR(ApparentOfEnergy(0.0, 0.2, 100.0, 35.0).size, 318.31, 0.01);
+}
+
 TEST(ApparentSizeStrain, AReflectionTheModelsLeaveUnbroadenedHasNoApparentValue) {
   const ApparentBroadening a = ApparentOf(0.0, 1e-18, 1.5406, 0.5);
   EXPECT_EQ(a.size, 0.0);
