@@ -15,6 +15,7 @@
 #include "format/fortran_format.h"
 #include "format/text.h"
 #include "io/field_reader.h"
+#include "model/size_strain.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -97,6 +98,7 @@ void EchoParameters(Job& job, const PhasePattern& c, const Pattern& p) {
 void ReadSizeModel(Job& job, Phase& ph, PhasePattern& c) {
   const int model = c.SizeModel;
   WriteLine(job, Unit::Out, Fmt("(A,I3,A)", " => The ", model, "th model for size is used"));
+  if (*SizeModelText(model) != '\0') WriteLine(job, Unit::Out, SizeModelText(model));
   if (std::abs(model) == 1) {
     ReadAxis(job, ph.SizeAxis);
     WriteLine(job, Unit::Out,
@@ -126,6 +128,7 @@ void ReadSizeModel(Job& job, Phase& ph, PhasePattern& c) {
 void ReadStrainModel(Job& job, Phase& ph, PhasePattern& c) {
   const int model = c.StrainModel;
   WriteLine(job, Unit::Out, Fmt("(A,I3,A)", " => The ", model, "th model for strain is used"));
+  if (*StrainModelText(model) != '\0') WriteLine(job, Unit::Out, StrainModelText(model));
   if (model == 7) {
     ReadAxis(job, ph.StrainAxis);
     WriteLine(job, Unit::Out,
@@ -139,6 +142,7 @@ void WriteShiftAndAsymmetryModels(Job& job, const Phase& ph, const PhasePattern&
   if (ph.ModA != 0) {
     WriteLine(job, Unit::Out,
               Fmt("(A,I3,A)", " => The ", ph.ModA, "th model for hkl-dependent Asymmetry is used"));
+    WriteLine(job, Unit::Out, " ==> Sorry, no hkl-dependent asymmetry model is available! ");
     WriteLine(job, Unit::Out, Fmt("(A,F11.5)", " => Asymmetry parameter: ", c.PAR[Slot::AsyP]));
     WriteLine(job, Unit::Out,
               Fmt("(A,F11.2)", "                  Code : ", c.PACtyped[Slot::AsyP]));
@@ -146,6 +150,8 @@ void WriteShiftAndAsymmetryModels(Job& job, const Phase& ph, const PhasePattern&
   if (ph.ModS != 0) {
     WriteLine(job, Unit::Out,
               Fmt("(A,I3,A)", " => The ", ph.ModS, "th model for hkl-dependent Shift is used"));
+    if (*ShiftModelText(ph.ModS) != '\0') WriteLine(job, Unit::Out, ShiftModelText(ph.ModS));
+    if (*ShiftFormulaText(ph.ModS) != '\0') WriteLine(job, Unit::Out, ShiftFormulaText(ph.ModS));
     WriteLine(
         job, Unit::Out,
         Fmt("(A,2F11.5)", " => Shift parameters: ", c.PAR[Slot::Shift1], c.PAR[Slot::Shift2]));

@@ -188,8 +188,9 @@ void AppendFurtherParameters(const Job& job, const Phase& ph, const PhasePattern
   }
 }
 
-// Generalized strain (Str 1 or 3) is ten terms on two pairs of lines; the
-// six generalized size terms (Str 2 or 3) follow on one pair.
+// Generalized strain (Str neither 0 nor 2) is ten terms on two pairs of
+// lines; the six generalized size terms (Str 2 and above) follow on one pair:
+// the lines the reader reads for every Str.
 void AppendGeneralizedTerms(const Job& job, const Phase& ph, const PhasePattern& c,
                             ControlLines& lines) {
   if (ph.Str != 0 && ph.Str != 2) {
@@ -197,7 +198,7 @@ void AppendGeneralizedTerms(const Job& job, const Phase& ph, const PhasePattern&
     Put(lines, SlotLines(c, kStrainFirst, "(5E14.5/5F14.5)"));
     Put(lines, SlotLines(c, kStrainSecond, "(5E14.5/5F14.5)"));
   }
-  if (ph.Str == 3) {
+  if (ph.Str >= 3) {
     Head(job, lines, "! Generalized strain+size parameters:");
     Put(lines, SlotLines(c, kSizeLine, "(6E12.4/6F12.4)"));
   }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "format/fortran_format.h"
+#include "model/size_strain.h"
 #include "records/profile_slots.h"
 #include "surface/console.h"
 
@@ -21,7 +22,8 @@ struct SlotRange {
 };
 
 // Strain terms, the Lorentzian and generalized size terms, the harmonic size coefficients.
-constexpr SlotRange kSizeStrain[] = {{Str1, Str10}, {LorSiz, Size6}, {SizeSH1, SizeSH9}};
+constexpr SlotRange kStrain[] = {{Str1, Str10}};
+constexpr SlotRange kSize[] = {{LorSiz, Size6}, {SizeSH1, SizeSH9}};
 constexpr SlotRange kShift[] = {{Shift1, Shift2}};
 constexpr SlotRange kAsymmetryModel[] = {{AsyP, AsyP}};
 
@@ -35,6 +37,18 @@ bool AnyUsed(const PhasePattern& c, const SlotRange (&ranges)[N]) {
   for (const SlotRange& r : ranges) {
     for (int s = r.first; s <= r.last; ++s) {
       if (SlotUsed(c, s)) return true;
+    }
+  }
+  return false;
+}
+
+// A slot of the ranges holds something that the size, strain and shift
+// models selected by the phase do not read.
+template <std::size_t N>
+bool AnyUnread(const BroadeningModel& m, const PhasePattern& c, const SlotRange (&ranges)[N]) {
+  for (const SlotRange& r : ranges) {
+    for (int s = r.first; s <= r.last; ++s) {
+      if (SlotUsed(c, s) && !BroadeningUsesSlot(m, s)) return true;
     }
   }
   return false;
@@ -54,8 +68,14 @@ std::string UnmodelledWords(const Job& job, int k, int ip) {
   const PhasePattern& c = ph.pat[ip];
   if (ProfileOf(c) == ProfileCode::kAxialDivergence)
     return "the axial-divergence profile (Npr 12) is not modelled by this version";
-  if (AnyUsed(c, kSizeStrain)) return "size and strain parameters are not modelled by this version";
-  if (AnyUsed(c, kShift)) return "hkl-dependent shift parameters are not modelled by this version";
+  const BroadeningModel m = BroadeningModelOf(ph, c, job.patterns[ip], 1);
+  if (AnyUnread(m, c, kStrain) || AnyUnread(m, c, kSize))
+    return "size and strain parameters are not read by the size and strain models of the phase";
+  // The size terms add to the Lorentzian width of the TCH profile alone.
+  if (AnyUsed(c, kSize) && ProfileOf(c) != ProfileCode::kTchPseudoVoigt)
+    return "size parameters act on the Thompson-Cox-Hastings profile (Npr 7) only";
+  if (AnyUnread(m, c, kShift))
+    return "hkl-dependent shift parameters are not read by the shift model of the phase";
   if (AnyUsed(c, kAsymmetryModel))
     return "the hkl-dependent asymmetry parameter is not modelled by this version";
   if (FurtherUsed(job, ph, c)) return "further parameters are not modelled by this version";

@@ -7,8 +7,10 @@ namespace corvinet {
 
 // Stops when a phase holds a value that the reader accepts (and writes back)
 // but no model of this version uses: the axial-divergence profile (Npr 12),
-// non-zero or refined size and strain parameters, the hkl-dependent shift and
-// asymmetry parameters, and the further parameters. The console and the
+// non-zero or refined size, strain and shift parameters that the models the
+// phase selects (Str, Strain-Model, Size-Model, ModS) do not read, size terms
+// with a profile other than TCH, the hkl-dependent asymmetry parameter, and
+// the further parameters. The console and the
 // reports name the phase and what it holds, then the stop box follows. The
 // run calls it once the control file is read, before the first cycle.
 // Time-of-flight patterns, which run no cycles, and the search (ICRYG 2) are

@@ -8,8 +8,9 @@ namespace corvinet {
 
 namespace {
 
-// Row s - 1 describes slot s. The cell slots are not reported by name: they
-// print as Par006..Par011 like any slot without one.
+// Row s - 1 describes slot s. The strain terms add to the square of the
+// Gaussian widths; the size terms add to Y, which only the TCH profile reads. The cell slots are
+// not reported by name: they print as Par006..Par011 like any slot without one.
 constexpr std::array<ProfileSlotRow, ProfileSlot::Last> kRows = {{
     {1, "Scale", "Scale", kIntensity},
     {2, "Bov", "Bov", kIntensity},
@@ -28,23 +29,23 @@ constexpr std::array<ProfileSlotRow, ProfileSlot::Last> kRows = {{
     {15, "X", "Xt", kShapeX},
     {16, "Y", "Yt", kShapeY},
     {17, "Shape1", "Extinc", kShape1},
-    {18, "Str1", "Str1", kWidth},
-    {19, "Str2", "Str2", kWidth},
-    {20, "Str3", "Str3", kWidth},
-    {21, "Str4", "Str4", kWidth},
-    {22, "Str5", "Str5", kWidth},
-    {23, "Str6", "Str6", kWidth},
-    {24, "Str7", "Str7", kWidth},
-    {25, "Str8", "Str8", kWidth},
-    {26, "Str9", "Str9", kWidth},
-    {27, "Str10", "Str10", kWidth},
+    {18, "Str1", "Str1", kWidthSquare},
+    {19, "Str2", "Str2", kWidthSquare},
+    {20, "Str3", "Str3", kWidthSquare},
+    {21, "Str4", "Str4", kWidthSquare},
+    {22, "Str5", "Str5", kWidthSquare},
+    {23, "Str6", "Str6", kWidthSquare},
+    {24, "Str7", "Str7", kWidthSquare},
+    {25, "Str8", "Str8", kWidthSquare},
+    {26, "Str9", "Str9", kWidthSquare},
+    {27, "Str10", "Str10", kWidthSquare},
     {28, "GauSiz", "Z1", kWidth, ProfileCode::kTchPseudoVoigt, kGaussWidth},
-    {29, "LorSiz", "Z0", kWidth},
-    {30, "Size2", "Size2", kWidth},
-    {31, "Size3", "Size3", kWidth},
-    {32, "Size4", "Size4", kWidth},
-    {33, "Size5", "Size5", kWidth},
-    {34, "Size6", "Size6", kWidth},
+    {29, "LorSiz", "Z0", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
+    {30, "Size2", "Size2", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
+    {31, "Size3", "Size3", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
+    {32, "Size4", "Size4", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
+    {33, "Size5", "Size5", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
+    {34, "Size6", "Size6", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
     {35, "Asy2", "beta0", kAsym2},
     {36, "Asy3", "alph1", kAsym3},
     {37, "Asy4", "beta1", kAsym4},
@@ -61,15 +62,15 @@ constexpr std::array<ProfileSlotRow, ProfileSlot::Last> kRows = {{
     {48, "Wr", "Gam-0", kWidthRight},
     {49, "Etar", "LStr", kEtar},
     {50, "Xr", "LSiz", kXr},
-    {51, "SizeSH1", "SizeSH1", kWidth},
-    {52, "SizeSH2", "SizeSH2", kWidth},
-    {53, "SizeSH3", "SizeSH3", kWidth},
-    {54, "SizeSH4", "SizeSH4", kWidth},
-    {55, "SizeSH5", "SizeSH5", kWidth},
-    {56, "SizeSH6", "SizeSH6", kWidth},
-    {57, "SizeSH7", "SizeSH7", kWidth},
-    {58, "SizeSH8", "SizeSH8", kWidth},
-    {59, "SizeSH9", "SizeSH9", kWidth},
+    {51, "SizeSH1", "SizeSH1", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
+    {52, "SizeSH2", "SizeSH2", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
+    {53, "SizeSH3", "SizeSH3", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
+    {54, "SizeSH4", "SizeSH4", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
+    {55, "SizeSH5", "SizeSH5", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
+    {56, "SizeSH6", "SizeSH6", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
+    {57, "SizeSH7", "SizeSH7", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
+    {58, "SizeSH8", "SizeSH8", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
+    {59, "SizeSH9", "SizeSH9", kWidth, ProfileCode::kTchPseudoVoigt, kShapeY},
 }};
 
 }  // namespace

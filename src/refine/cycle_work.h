@@ -16,6 +16,7 @@ struct RingEntry {
   float tan2Theta = 0.0f;  // of the asymmetry; tan(theta) is the shape's
   int asymmetric = 0;      // the peak lies below the asymmetry limit
   float dlnLpdT = 0.0f;    // slope of ln(LpM) with the position when the Bragg angle moves
+  float invGaussWidth = 0.0f;  // 1/HG of the TCH profile, 1/H of the others
   int phase = 0;
   bool active = false;  // false when the phase does not contribute or sin(theta) >= 1
 };

@@ -60,6 +60,15 @@ void FamilySlopes(const RingEntry& e, const ProfilePoint& point, const ProfileSl
   slope[kWidth] = sl.width + (rightSide ? 0.0f : asym.dlnAdH);
   slope[kGaussWidth] = sl.gaussian + asym.dlnAdH * e.shape.tch.dHdG;
   slope[kWidthRight] = sl.width2 + (rightSide ? asym.dlnAdH : 0.0f);
+  // Half the square of a width moves the width by 1/H of it; the strain terms
+  // move both sides of the split profile and the Gaussian part of TCH.
+  if (e.shape.code == ProfileCode::kSplitPseudoVoigt) {
+    slope[kWidthSquare] = slope[kWidth] * e.shape.invH + slope[kWidthRight] / e.shape.H2;
+  } else if (e.shape.code == ProfileCode::kTchPseudoVoigt) {
+    slope[kWidthSquare] = slope[kGaussWidth] * e.invGaussWidth;
+  } else {
+    slope[kWidthSquare] = slope[kWidth] * e.invGaussWidth;
+  }
   slope[kShapeX] = shape.X + lorentzScale * tanTheta;
   slope[kShapeY] = shape.Y + lorentzScale / e.shape.cosTheta;
   slope[kShape1] = shape.Shape1;

@@ -13,6 +13,7 @@
 #include "model/peak_error_stop.h"
 #include "model/peak_shape_setup.h"
 #include "model/peak_width.h"
+#include "model/size_strain.h"
 #include "model/structure_factor.h"
 #include "records/reflection.h"
 #include "refine/parameter_families.h"
@@ -166,9 +167,26 @@ double ProfileSlotDerivative(int s, ProfileCode code, int w, const Pattern& p,
     if (s == ProfileSlot::Shp1) return side <= 90.0 ? 1.0 / (2.0 * widths.H * t * t) : 0.0;
     return side > 90.0 ? 1.0 / (2.0 * widths.HL * t * t) : 0.0;
   }
+  // Strain, size and shift terms come with their models.
+  const bool broadening = (s >= ProfileSlot::Str1 && s <= ProfileSlot::Size6) ||
+                          (s >= ProfileSlot::SizeSH1 && s <= ProfileSlot::SizeSH9) ||
+                          s == ProfileSlot::Shift1 || s == ProfileSlot::Shift2;
+  if (broadening) return 0.0;
   const Family f = ProfileSlotFamily(s, code);
   if (f >= kShapeX && f <= kAsym4) return 1.0;
-  return 0.0;  // strain, size and shift terms come with their models
+  return 0.0;
+}
+
+// The family quantity of the size, strain and shift parameters: half the
+// square of the Gaussian widths (tan²theta dU/2, the energy for tan(theta) on
+// an energy pattern), Y, and the position.
+double BroadeningSlotDerivative(int s, const Geometry& g, const BroadeningTerms& b) {
+  const double t = g.tanTheta;
+  if (s >= ProfileSlot::Str1 && s <= ProfileSlot::Str10) {
+    return 0.5 * t * t * StrainSlotDerivative(b, s);
+  }
+  if (s == ProfileSlot::Shift1) return g.dTdTwoTheta * ShiftSlotDerivative(b, s);
+  return SizeSlotDerivative(b, s);
 }
 
 double GlobalSlotDerivative(int n, const Pattern& p, const Geometry& g,
@@ -202,11 +220,25 @@ double GlobalSlotDerivative(int n, const Pattern& p, const Geometry& g,
   }
 }
 
-// The widths of reflection r at geometry g, stored in the reflection.
+// The size, strain and shift terms of reflection r of a phase at geometry g.
+BroadeningTerms BroadeningOf(const Job& job, int ip, int phase, const Geometry& g,
+                             const Reflection& r) {
+  const Phase& ph = job.phases[phase];
+  const Pattern& p = job.patterns[ip];
+  BroadeningReflection in;
+  in.h = g.h;
+  in.tanTheta = g.tanTheta;
+  in.satellite = r.satelliteIndex != 0;
+  in.fileCoefficient = r.fileValue1;
+  return SizeStrainBroadening(BroadeningModelOf(ph, ph.pat[ip], p, KeyWavelength(r.key)), in);
+}
+
 // What the width law needs of reflection r of a phase at wavelength w.
-WidthInput WidthInputOf(ProfileCode code, int phase, int w, const Geometry& g,
-                        const Reflection& r) {
+WidthInput WidthInputOf(ProfileCode code, int phase, int w, const Geometry& g, const Reflection& r,
+                        const BroadeningTerms& b) {
   WidthInput in;
+  in.deltaU = static_cast<float>(b.deltaU);
+  in.deltaY = static_cast<float>(b.deltaY);
   in.code = code;
   in.phase = phase;
   in.wavelengthIndex = w;
@@ -217,9 +249,11 @@ WidthInput WidthInputOf(ProfileCode code, int phase, int w, const Geometry& g,
   return in;
 }
 
-PeakWidths StoreWidths(Job& job, int ip, int phase, int w, const Geometry& g, Reflection& r) {
+// The widths of reflection r at geometry g, stored in the reflection.
+PeakWidths StoreWidths(Job& job, int ip, int phase, int w, const Geometry& g,
+                       const BroadeningTerms& b, Reflection& r) {
   const ProfileCode code = ProfileOf(job.phases[phase].pat[ip]);
-  const WidthInput in = WidthInputOf(code, phase, w, g, r);
+  const WidthInput in = WidthInputOf(code, phase, w, g, r, b);
   PeakWidths widths;
   try {
     widths = PeakWidth(job.patterns[ip], job.phases[phase].pat[ip].PAR, in);
@@ -301,10 +335,11 @@ void FillReflectionWidths(Job& job, int ip) {
     Geometry g;
     g.h = WorkingVector(job.phases[phase], r);
     if (!MakeGeometry(p, c, KeyWavelength(r.key), g)) continue;
-    StoreWidths(job, ip, phase, KeyWavelength(r.key), g, r);
+    const BroadeningTerms b = BroadeningOf(job, ip, phase, g, r);
+    StoreWidths(job, ip, phase, KeyWavelength(r.key), g, b, r);
     // From here on the position is kept without the zero and displacements,
-    // which the order table and the peaks add.
-    r.position = static_cast<float>(g.twoTheta);
+    // which the order table and the peaks add; the hkl-dependent shift is in.
+    r.position = static_cast<float>(g.twoTheta + b.shift);
   }
 }
 
@@ -327,8 +362,9 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   g.h = WorkingVector(ph, r);
   if (!MakeGeometry(p, c, w, g)) return;
   r.tanTheta = static_cast<float>(g.tanTheta);
-  r.position = static_cast<float>(g.twoTheta);
-  const PeakWidths widths = StoreWidths(job, ip, phase, w, g, r);
+  const BroadeningTerms broadening = BroadeningOf(job, ip, phase, g, r);
+  r.position = static_cast<float>(g.twoTheta + broadening.shift);
+  const PeakWidths widths = StoreWidths(job, ip, phase, w, g, broadening, r);
   ReflectionShapeInput shapeIn;
   shapeIn.code = ProfileOf(c);
   shapeIn.twoTheta = r.position;
@@ -370,6 +406,8 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   entry.intensity = c.PAR[ProfileSlot::Scale] * r.LpM * corr.intensity;
   entry.tan2Theta = Tan2ThetaFromSquares(static_cast<float>(g.sin2), static_cast<float>(g.cos2));
   entry.asymmetric = p.IXUNIT == AbscissaUnit::kTwoTheta && r.position <= p.AsyLim ? 1 : 0;
+  entry.invGaussWidth =
+      1.0f / (ProfileOf(c) == ProfileCode::kTchPseudoVoigt ? widths.HG : widths.H);
   entry.phase = phase;
   entry.active = true;
   if (fitted == 0) return;
@@ -382,6 +420,7 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
     if (c.PAC[s].parameterNumber == 0) continue;
     AddToRow(row, c.PAC[s], ProfileSlotDerivative(s, ProfileOf(c), w, p, c, g, widths, corr),
              fitted);
+    AddToRow(row, c.PAC[s], BroadeningSlotDerivative(s, g, broadening), fitted);
   }
   AddVectorDerivatives(row, ph, c, r, g, fitted);
   for (int n = 1; n <= DimensionLimits::NGL; ++n) {
@@ -412,10 +451,11 @@ PeakValidity CheckReflection(const Job& job, int ip, const Reflection& r) {
   g.h = WorkingVector(job.phases[phase], r);
   if (!MakeGeometry(p, c, KeyWavelength(r.key), g)) return PeakValidity::kValid;
   const ProfileCode code = ProfileOf(c);
-  const WidthInput in = WidthInputOf(code, phase, KeyWavelength(r.key), g, r);
+  const BroadeningTerms b = BroadeningOf(job, ip, phase, g, r);
+  const WidthInput in = WidthInputOf(code, phase, KeyWavelength(r.key), g, r, b);
   ReflectionShapeInput shapeIn;
   shapeIn.code = code;
-  shapeIn.twoTheta = in.twoTheta;
+  shapeIn.twoTheta = static_cast<float>(g.twoTheta + b.shift);
   shapeIn.tanTheta = in.tanTheta;
   PeakShape shape;
   try {

@@ -18,6 +18,7 @@
 #include "records/reflection.h"
 #include "refine/bragg_profile.h"
 #include "refine/cycle_work.h"
+#include "results/apparent_size_strain.h"
 #include "results/cif_export.h"
 #include "results/correlation_matrix.h"
 #include "results/dimension_report.h"
@@ -161,6 +162,7 @@ void ReportPhase(Job& job, int ip, int f, const PhaseFractions& fractions,
     }
     if (WritesPhaseCif(job, ip, f)) WritePhaseCif(job, ip, f, {sums.FinalRB, sums.FinalRF}, cif);
     if (job.run.JCIL > 0) WriteLine(job, Unit::Rpa, BraggRecordRow(f, fractions, sums));
+    WriteOut(job, ApparentSizeStrainLines(job, ip, f));
   }
   if (matching) {
     CloseUnit(job.files.units[Unit::IntensitiesOut]);

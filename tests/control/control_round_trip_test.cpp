@@ -7,6 +7,7 @@
 #include "control/control_writer.h"
 #include "control/run_block.h"
 #include "format/text.h"
+#include "records/profile_slots.h"
 #include "surface/console.h"
 #include "test_support.h"
 
@@ -511,6 +512,40 @@ TEST(ControlRoundTrip, GeneralizedStrainAlone) {
   c.flags = "0 0 0 0.0 0.0 1.0 2 0 0 1 0 0.0 0 0 0";
   c.more = "1e-3 2e-3 3e-3 4e-3 5e-3\n0 0 0 0 0\n6e-3 7e-3 8e-3 9e-3 1e-2\n0 0 0 0 0\n";
   RoundTrip(c.Text());
+}
+
+// Every Str reads back what it wrote: the strain lines for Str neither 0 nor
+// 2, the size line for Str 2 and above (Str 4 and 5 among them), with the
+// axis lines of size model -1 and strain model 7 and refined terms.
+TEST(ControlRoundTrip, EveryStrReadsBack) {
+  for (int str : {0, 1, 2, 3, 4, 5, -1}) {
+    SingleCase c;
+    c.maxs = "5";
+    c.flags = "0 0 0 0.0 0.0 1.0 2 0 0 " + std::to_string(str) + " 0 0.0 0 7 0";
+    c.widths =
+        "1.0 0.0 0.0 0.25 0.0 0.0 7\n0 0 0 41.0 0 0\n"
+        "0.01 -0.01 0.01 0.0 0.01 0.0 0.05 -1\n0 0 0 0 0 0 51.0";
+    std::string more = "0.0 1.0 0.0\n1.0 1.0 0.5\n";
+    if (str != 0 && str != 2) {
+      // The generalized terms overwrite Str1..Str10 and their codes.
+      more += "1.5e-3 2e-3 3e-3 4e-3 5e-3\n41.0 0 0 0 0\n6e-3 7e-3 8e-3 9e-3 1e-2\n0 0 0 0 0\n";
+    }
+    // They overwrite LorSiz and its code.
+    if (str >= 2) more += "0.011 0.012 0.013 0.014 0.015 0.016\n51.0 0 0 0 0 0\n";
+    c.more = more;
+    const RoundTripRun run(c.Text());
+    ExpectSameModel(*run.first.job, *run.second.job);
+    EXPECT_EQ(run.second.job->phases[1].Str, str);
+    EXPECT_FLOAT_EQ(run.second.job->phases[1].StrainAxis[3], 0.5f) << str;
+    EXPECT_FLOAT_EQ(run.second.job->phases[1].SizeAxis[2], 1.0f) << str;
+    if (str >= 2) {
+      EXPECT_FLOAT_EQ(run.second.job->phases[1].pat[1].PAR[ProfileSlot::Size6], 0.016f) << str;
+      EXPECT_NE(run.written.find(str == 2 ? "! Generalized size parameters:"
+                                          : "! Generalized strain+size parameters:"),
+                std::string::npos)
+          << run.written;
+    }
+  }
 }
 
 TEST(ControlRoundTrip, TimeOfFlightCalculation) {

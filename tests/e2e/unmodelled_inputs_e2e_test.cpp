@@ -55,26 +55,60 @@ constexpr const char* kScaleLine =
 constexpr const char* kPhaseLine =
     "   0   0   0 0.0 0.0 1.0   2   0   0   0   0          0.000   0   0   0";
 
-TEST(UnmodelledInputs, LorentzianSizeStopsTheRun) {
+constexpr const char* kUnreadSizeStrain =
+    " => Phase 1: size and strain parameters are not read by the size and strain models of the "
+    "phase";
+
+// LorSiz with Size-Model 0: no size model reads it.
+TEST(UnmodelledInputs, LorentzianSizeWithoutSizeModelStopsTheRun) {
   const std::string pcr =
       Replaced(CycleJob(), kWidthLine,
                "  0.100000 -0.050000  0.050000  0.000000  0.000000  0.000000  0.020000    0");
-  ExpectStop(pcr, " => Phase 1: size and strain parameters are not modelled by this version");
+  ExpectStop(pcr, kUnreadSizeStrain);
 }
 
-TEST(UnmodelledInputs, StrainParameterStopsTheRun) {
+// Str1 with Strain-Model 0 and Str 0: no strain model reads it.
+TEST(UnmodelledInputs, StrainParameterWithoutStrainModelStopsTheRun) {
   const std::string pcr =
       Replaced(CycleJob(), kScaleLine,
                "  0.100000     0.0000    0.0000    0.0150    0.0000    0.0000       0");
-  ExpectStop(pcr, " => Phase 1: size and strain parameters are not modelled by this version");
+  ExpectStop(pcr, kUnreadSizeStrain);
 }
 
-// A size term refined from zero has no model to give it a derivative.
-TEST(UnmodelledInputs, RefinedSizeFromZeroStopsTheRun) {
+// A size term refined from zero with no size model would have no derivative.
+TEST(UnmodelledInputs, RefinedSizeWithoutSizeModelStopsTheRun) {
   std::string pcr = Replaced(CycleJob(), "    3    !Number", "    4    !Number");
   pcr = Replaced(pcr, "   0.000     0.000     0.000     0.000     0.000     0.000     0.000",
                  "   0.000     0.000     0.000     0.000     0.000     0.000    41.000");
-  ExpectStop(pcr, " => Phase 1: size and strain parameters are not modelled by this version");
+  ExpectStop(pcr, kUnreadSizeStrain);
+}
+
+// A size model acts on the Lorentzian width of the TCH profile; with the
+// Gaussian profile of this job its term would do nothing.
+TEST(UnmodelledInputs, SizeModelWithoutTchProfileStopsTheRun) {
+  const std::string pcr =
+      Replaced(CycleJob(), kWidthLine,
+               "  0.100000 -0.050000  0.050000  0.000000  0.000000  0.000000  0.020000    5");
+  ExpectStop(pcr,
+             " => Phase 1: size parameters act on the Thompson-Cox-Hastings profile (Npr 7) "
+             "only");
+}
+
+// Runs `pcr` on the simulated data: it must run its cycle and end normally.
+void ExpectCycles(const std::string& pcr) {
+  ScratchDir dir;
+  dir.Write("job.pcr", pcr);
+  dir.Write("job.dat", TestData("cycle/cycle.dat"));
+  const auto run = testing::RunBinary(dir.path, "job");
+  EXPECT_EQ(run.exitCode, 0) << run.output;
+  EXPECT_NE(dir.Read("job.out").find(" => CYCLE No.:"), std::string::npos);
+  EXPECT_FALSE(HasLine(run.output, " Input not modelled by this version"));
+}
+
+// Strain model 2 reads Str1: the run goes on.
+TEST(UnmodelledInputs, StrainParameterWithItsModelRunsTheCycles) {
+  ExpectCycles(Replaced(CycleJob(), kScaleLine,
+                        "  0.100000     0.0000    0.0000    0.0150    0.0000    0.0000       2"));
 }
 
 // Npr 12, the pseudo-Voigt with axial divergence, with its S_L and D_L line.
@@ -90,7 +124,7 @@ TEST(UnmodelledInputs, AxialDivergenceProfileStopsTheRun) {
 }
 
 // The further flags of the phase ask for the hkl-dependent shift line (Sol 1).
-std::string WithShiftLine(const std::string& values) {
+std::string WithShiftLine(const std::string& values, bool withAxis = true) {
   std::string pcr =
       Replaced(CycleJob(), kPhaseLine,
                "   0   0   0 0.0 0.0 1.0   2   0   0   0   0          0.000   0   0   1");
@@ -98,12 +132,18 @@ std::string WithShiftLine(const std::string& values) {
                  "   0   0   0   1   0   0  1.0000  0.0000  0.0000  0.0000   0\nP m 3 m");
   return Replaced(pcr, "   0.00     0.00     0.00     0.00     0.00     0.00\n",
                   "   0.00     0.00     0.00     0.00     0.00     0.00\n" + values +
-                      "\n   0.00   0.00   0.00\n   0.0   0.0   1.0\n");
+                      "\n   0.00   0.00   0.00\n" + (withAxis ? "   0.0   0.0   1.0\n" : ""));
 }
 
-TEST(UnmodelledInputs, HklDependentShiftStopsTheRun) {
-  ExpectStop(WithShiftLine("  0.0000  0.0300  0.0000   0   1"),
-             " => Phase 1: hkl-dependent shift parameters are not modelled by this version");
+TEST(UnmodelledInputs, HklDependentShiftRunsTheCycles) {
+  ExpectCycles(WithShiftLine("  0.0000  0.0300  0.0000   0   1"));
+}
+
+// Shift model 0 reads no shift parameter.
+TEST(UnmodelledInputs, ShiftWithoutShiftModelStopsTheRun) {
+  ExpectStop(WithShiftLine("  0.0000  0.0300  0.0000   0   0", false),
+             " => Phase 1: hkl-dependent shift parameters are not read by the shift model of the "
+             "phase");
 }
 
 TEST(UnmodelledInputs, HklDependentAsymmetryStopsTheRun) {
