@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "format/fortran_format.h"
+#include "model/displacement_analysis.h"
 #include "refine/apply_shift.h"
 
 namespace corvinet {
@@ -58,6 +59,31 @@ void UpdatePositions(Job& job, int phase, const UpdatePass& pass, bool userModel
   }
 }
 
+bool BetasRefined(const AtomSite& atom) {
+  for (int s = 13; s <= 18; ++s) {
+    if (atom.ATC[s].parameterNumber != 0) return true;
+  }
+  return false;
+}
+
+// The principal axes of the refined betas of every atom, in the cell of the first pattern that
+// holds the phase.
+void AnalyseDisplacements(Job& job, int phase, const UpdatePass& pass) {
+  const Phase& ph = job.phases[phase];
+  int ip = 1;
+  while (ip < job.run.NPATT && ph.pat[ip].Contribution == 0) ++ip;
+  const int offset = AtomOffset(job, phase);
+  for (int n = offset + 1; n <= offset + ph.Nat; ++n) {
+    const AtomSite& atom = job.atoms[n];
+    if (!BetasRefined(atom)) continue;
+    Table1<float, 6> beta;
+    for (int s = 1; s <= 6; ++s) beta[s] = atom.ATP[12 + s];
+    WritePassLine(job, pass, " => Displacement analysis of atom " + atom.label);
+    WritePassLines(job, pass,
+                   DisplacementAnalysisLines(AnalyseDisplacement(beta, ph.pat[ip].CellConstants)));
+  }
+}
+
 }  // namespace
 
 int AtomOffset(const Job& job, int phase) {
@@ -92,6 +118,7 @@ void UpdateAtoms(Job& job, int phase, const UpdatePass& pass) {
   }
   UpdatePositions(job, phase, pass, false);
   UpdateAtomBlocks(job, phase, pass, 13, 18, {"B11", "B22", "B33", "B12", "B13", "B23"}, false);
+  AnalyseDisplacements(job, phase, pass);
   UpdateAtomBlocks(job, phase, pass, 19, DimensionLimits::NAT_P,
                    SlotNames("FF", 19, DimensionLimits::NAT_P), false);
 }

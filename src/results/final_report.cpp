@@ -27,6 +27,7 @@
 #include "results/profile_files.h"
 #include "results/reflection_rows.h"
 #include "results/simulated_pattern.h"
+#include "results/structure_exports.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -35,6 +36,7 @@ namespace {
 
 // Below this the observed intensity of a phase counts as none.
 constexpr float kNoIntensity = 1.0e-10f;
+constexpr float kRadianToDegree = 57.29578f;
 
 void WriteOut(Job& job, const std::vector<std::string>& lines) {
   for (const std::string& line : lines) WriteLine(job, Unit::Out, line);
@@ -98,6 +100,22 @@ void OpenExtractedIntensityFile(Job& job, int ip, int f) {
   }
 }
 
+// The Fourier row of a reflection row; sigma(F) from the counting statistics of Iobs.
+FourierRow FourierRowOf(const Pattern& p, int k, const ReflectionRowValues& row) {
+  const Reflection& r = p.reflections.slot[k];
+  FourierRow f;
+  f.h = row.h;
+  f.k = row.k;
+  f.l = row.l;
+  f.Fobs = row.Fobs;
+  f.Fcalc = row.Fcalc;
+  f.sigmaF = row.Iobs > 0.0f ? row.Fobs / (2.0f * std::sqrt(row.Iobs)) : 0.0f;
+  f.A = r.Aprime;
+  f.B = r.Bprime;
+  f.phase = r.phaseAngle * kRadianToDegree;
+  return f;
+}
+
 // The CIF row of a reflection row: its |F|^2 is that of the whole cell.
 CifReflection CifRowOf(const Job& job, int ip, int f, int k, const ReflectionRowValues& row) {
   CifReflection c;
@@ -130,6 +148,8 @@ PhaseReportSums WriteReflectionRows(Job& job, int ip, int f, const BraggProfile&
       SumPhaseShares(job, ip, f, profile, [&](int k, const ReflectionShare& share) {
         const ReflectionRowValues row = ReflectionRow(job, ip, k, share);
         cif.push_back(CifRowOf(job, ip, f, k, row));
+        if (p.JFOU != 0)
+          WriteLine(job, Unit::Fourier, FourierFileRow(p.JFOU, FourierRowOf(p, k, row)));
         WriteLine(job, Unit::Out, ReportReflectionRow(row));
         if (toFile) WriteLine(job, Unit::HklOut, ReflectionFileRow(job, ip, f, row));
       });
@@ -224,6 +244,7 @@ void ReportPattern(Job& job, int ip, const PlotExtremes& extremes, const BraggPr
     ReportPhase(job, ip, f, fractions, braggPart);
   }
   CloseUnit(job.files.units[Unit::HklOut]);
+  CloseUnit(job.files.units[Unit::Fourier]);
   WriteSimulatedPattern(job, ip);
   if (job.run.ICRYG != 0) return;
   WritePatternPlots(job, ip, extremes);
