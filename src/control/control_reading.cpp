@@ -58,13 +58,10 @@ void OpenOutputFiles(Job& job) {
   if (job.run.JCIL > 0) OpenFiles(job, FileKind::kRpa, 0, 0);
 }
 
-// Resolution files are not read: a pattern that names one stops the run.
-void RefuseResolutionFiles(Job& job) {
+// The resolution files of the patterns that name one.
+void ReadResolutionFiles(Job& job) {
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
-    if (job.patterns[ip].IRESO != 0) {
-      ConsoleLine(job, " => Instrument resolution files are not read by this version of Corvinet");
-      StopBox(job, " => Resolution file not supported yet: " + job.patterns[ip].ResolutionFile);
-    }
+    if (job.patterns[ip].IRESO != 0) ReadResolutionFile(job, ip);
   }
 }
 
@@ -162,7 +159,7 @@ void ReadControlHead(Job& job) {
 void ReadControlFile(Job& job) {
   ReadControlHead(job);
   ReadInstrumentLines(job);
-  RefuseResolutionFiles(job);
+  ReadResolutionFiles(job);
   ReadRefinedCount(job);
   if (job.run.ICRYG == 0) {
     for (int ip = 1; ip <= job.run.NPATT; ++ip) {

@@ -1,11 +1,14 @@
-// Readers of the side files that the head of the control file brings in: numerical shapes and
-// corrections.
+// Readers of the side files that the head of the control file brings in: numerical shapes,
+// corrections and instrument resolution.
 #include "control/side_files.h"
 
+#include <cstdlib>
 #include <vector>
 
 #include "control/run_block.h"
 #include "format/fortran_format.h"
+#include "format/text.h"
+#include "io/file_set.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -114,6 +117,80 @@ void ReadCorrectionFile(Job& job, int ip) {
   if ((p.corrMode == 1 || p.corrMode == 2) && !values.empty()) {
     RequireList(job, Unit::Corrections, values);
   }
+}
+
+namespace {
+
+constexpr int kResolutionPatterns = 5;  // patterns that may have a resolution file
+constexpr std::size_t kResolutionTitle = 40;
+
+void ReportResolutionLaw(Job& job, const ResolutionFunction& f) {
+  for (int w = 1; w <= 2; ++w) {
+    WriteLine(job, Unit::Out,
+              Fmt("(A,I1,A,6F12.6)", "    Lambda(", w, "): ", f.law(1, w), f.law(2, w), f.law(3, w),
+                  f.law(4, w), f.law(5, w), f.law(6, w)));
+  }
+}
+
+void ReadResolutionTable(Job& job, ResolutionFunction& f) {
+  const ReadTarget count[] = {&f.nTable};
+  RequireList(job, Unit::Resolution, count);
+  if (f.nTable < 1 || f.nTable > ResolutionFunction::kTableRows) {
+    ConsoleLine(job, Fmt("(A,I6,A,I3)", " => Rows of the resolution table:", f.nTable,
+                         "  allowed: 1 to", ResolutionFunction::kTableRows));
+    StopBox(job, " => Wrong number of rows in the resolution table!");
+  }
+  std::vector<ReadTarget> rows;
+  for (int i = 1; i <= f.nTable; ++i) {
+    rows.emplace_back(&f.tablePosition[i]);
+    rows.emplace_back(&f.tableGaussian[i]);
+    rows.emplace_back(&f.tableLorentzian[i]);
+  }
+  RequireList(job, Unit::Resolution, rows);
+  WriteLine(job, Unit::Out, "    2-Theta    Gaussian-HW   Lorentzian-HW");
+  for (int i = 1; i <= f.nTable; ++i) {
+    WriteLine(job, Unit::Out,
+              Fmt("(F11.4,2F14.6)", f.tablePosition[i], f.tableGaussian[i], f.tableLorentzian[i]));
+  }
+}
+
+}  // namespace
+
+void ReadResolutionFile(Job& job, int ip) {
+  if (ip > kResolutionPatterns) {
+    StopBox(job, "The external instrumetal function can be given only for 5 patterns!");
+  }
+  Pattern& p = job.patterns[ip];
+  ResolutionFunction& f = p.resolution;
+  f = ResolutionFunction{};
+  const int law = std::abs(p.IRESO);
+  if (law < 1 || law > 4) {
+    ConsoleLine(job, Fmt("(A,I6,A,I2)", " => Resolution function", p.IRESO, " for pattern", ip));
+    StopBox(job, " => The resolution function (Res) must be 1, 2, 3 or 4");
+  }
+  f.IRESOL = static_cast<ResolutionLaw>(law);
+  OpenFiles(job, FileKind::kResolution, ip, 0);
+  TextUnit& file = job.files.units[Unit::Resolution];
+  std::string title;
+  if (ReadRecord(file, title) != RecordRead::Ok) {
+    StopBox(job, " => Unexpected end of file: " + file.name);
+  }
+  f.resolutionTitle = CutText(title, kResolutionTitle);
+  WriteLine(job, Unit::Out, ", => Instrumental Resolution read from file: " + file.name);
+  WriteLine(job, Unit::Out, f.resolutionTitle);
+  WriteLine(job, Unit::Out, Fmt("(A,I2)", " => The resolution function is IRESOL:", law));
+  WriteLine(job, Unit::Out, "    Input resolution parameters:");
+  if (f.IRESOL == ResolutionLaw::kTable) {
+    ReadResolutionTable(job, f);
+  } else {
+    for (int w = 1; w <= 2; ++w) {
+      const ReadTarget terms[] = {&f.law(1, w), &f.law(2, w), &f.law(3, w),
+                                  &f.law(4, w), &f.law(5, w), &f.law(6, w)};
+      RequireList(job, Unit::Resolution, terms);
+    }
+    ReportResolutionLaw(job, f);
+  }
+  CloseUnit(file);
 }
 
 }  // namespace corvinet

@@ -1,4 +1,5 @@
-// Reading of the side files of a pattern: numerical peak shapes and the intensity-correction table.
+// Reading of the side files of a pattern: numerical peak shapes, the intensity-correction table and
+// the instrument resolution file.
 #pragma once
 
 #include "records/job.h"
@@ -10,5 +11,10 @@ void ReadShapeFile(Job& job);
 
 // Reads the intensity-correction table of pattern `ip` from the open unit 25.
 void ReadCorrectionFile(Job& job, int ip);
+
+// Opens, reads, reports and closes the resolution file of pattern `ip` (IRESO not 0): its law
+// (IRESOL = |IRESO|, 1 to 4) with the terms of both wavelengths, or its table of at most 30
+// rows. Patterns above the fifth, an unknown law and a table of no rows or too many stop.
+void ReadResolutionFile(Job& job, int ip);
 
 }  // namespace corvinet

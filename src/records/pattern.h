@@ -9,6 +9,7 @@
 #include "records/dimension_limits.h"
 #include "records/profile_code.h"
 #include "records/reflection.h"
+#include "records/resolution_function.h"
 #include "records/table1.h"
 
 namespace corvinet {
@@ -28,10 +29,11 @@ struct ScatteringEntry {
 };
 
 struct Pattern {
-  float W_PAT = 1.0f;          // relative weight, normalised at reading
-  std::string DatCode;         // data-file stem
-  std::string ResolutionFile;  // resolution-file name
-  int JOBTYP = 0;              // job type (Job)
+  float W_PAT = 1.0f;             // relative weight, normalised at reading
+  std::string DatCode;            // data-file stem
+  std::string ResolutionFile;     // resolution-file name
+  ResolutionFunction resolution;  // instrumental widths read from the resolution file
+  int JOBTYP = 0;                 // job type (Job)
   int NPROF = 6;   // profile function (Npr): as typed while read, then its ProfileCode number
   int NBCKGD = 0;  // magnitude of the background code (Nba)
   int backgroundSign = 1;      // sign of the typed background code

@@ -13,6 +13,7 @@
 #include "model/peak_error_stop.h"
 #include "model/peak_shape_setup.h"
 #include "model/peak_width.h"
+#include "model/resolution_widths.h"
 #include "model/size_strain.h"
 #include "model/structure_factor.h"
 #include "records/reflection.h"
@@ -234,9 +235,16 @@ BroadeningTerms BroadeningOf(const Job& job, int ip, int phase, const Geometry& 
 }
 
 // What the width law needs of reflection r of a phase at wavelength w.
-WidthInput WidthInputOf(ProfileCode code, int phase, int w, const Geometry& g, const Reflection& r,
-                        const BroadeningTerms& b) {
+WidthInput WidthInputOf(const Pattern& p, ProfileCode code, int phase, int w, const Geometry& g,
+                        const Reflection& r, const BroadeningTerms& b) {
   WidthInput in;
+  if (p.IRESO != 0) {
+    // The instrument's widths from the resolution file, at the reflection's Bragg angle.
+    const InstrumentWidths instrument = ResolutionWidths(
+        p.resolution, w, static_cast<float>(g.twoTheta), static_cast<float>(g.tanTheta));
+    in.extraGaussian2 = instrument.gaussian2;
+    in.extraLorentzian = instrument.lorentzian;
+  }
   in.deltaU = static_cast<float>(b.deltaU);
   in.deltaY = static_cast<float>(b.deltaY);
   in.code = code;
@@ -253,7 +261,9 @@ WidthInput WidthInputOf(ProfileCode code, int phase, int w, const Geometry& g, c
 PeakWidths StoreWidths(Job& job, int ip, int phase, int w, const Geometry& g,
                        const BroadeningTerms& b, Reflection& r) {
   const ProfileCode code = ProfileOf(job.phases[phase].pat[ip]);
-  const WidthInput in = WidthInputOf(code, phase, w, g, r, b);
+  const WidthInput in = WidthInputOf(job.patterns[ip], code, phase, w, g, r, b);
+  r.gaussianHWSquared = in.extraGaussian2;
+  r.lorentzianHW = in.extraLorentzian;
   PeakWidths widths;
   try {
     widths = PeakWidth(job.patterns[ip], job.phases[phase].pat[ip].PAR, in);
@@ -452,7 +462,7 @@ PeakValidity CheckReflection(const Job& job, int ip, const Reflection& r) {
   if (!MakeGeometry(p, c, KeyWavelength(r.key), g)) return PeakValidity::kValid;
   const ProfileCode code = ProfileOf(c);
   const BroadeningTerms b = BroadeningOf(job, ip, phase, g, r);
-  const WidthInput in = WidthInputOf(code, phase, KeyWavelength(r.key), g, r, b);
+  const WidthInput in = WidthInputOf(p, code, phase, KeyWavelength(r.key), g, r, b);
   ReflectionShapeInput shapeIn;
   shapeIn.code = code;
   shapeIn.twoTheta = static_cast<float>(g.twoTheta + b.shift);
