@@ -10,6 +10,7 @@
 #include "model/asymmetry_factor.h"
 #include "model/intensity_factors.h"
 #include "model/lorentz_polarisation.h"
+#include "model/magnetic_structure_factor.h"
 #include "model/peak_error_stop.h"
 #include "model/peak_shape_setup.h"
 #include "model/peak_width.h"
@@ -321,6 +322,105 @@ float CrystalStructureFactor(Job& job, CycleWork& work, int ip, int phase, const
   return value.F2;
 }
 
+// What the magnetic evaluation needs of reflection r of phase ph at working vector h.
+MagneticRequest MagneticRequestOf(const Phase& ph, const Reflection& r,
+                                  const std::array<double, 3>& h, double s2) {
+  MagneticRequest q;
+  const SpaceGroup& group = ph.group;
+  q.nSym = group.NSYM;
+  q.acentric = group.ICENT == 1;
+  // A centric magnetic structure keeps the moments under the implied inversion.
+  const bool signed_ = std::abs(ph.Jbt) == 10 && ph.magneticSymmetry == 1;
+  q.inversionSign = signed_ && group.magneticSign[group.NSYM + 1] < 0 ? -1 : 1;
+  q.H = h;
+  q.s2 = s2;
+  const int n = std::abs(r.satelliteIndex);
+  q.vector = n <= ph.Nvk ? n : 0;
+  q.moment.form = MomentFormOf(ph.Jbt);
+  q.moment.satellite = q.vector != 0;
+  q.moment.fact = q.vector != 0 && ph.vectors[q.vector].halfVector == 0 ? 0.5 : 1.0;
+  // The component of -k: a satellite at h - k, or a vector that the list of
+  // vectors holds as the negative of an earlier one.
+  const bool added = ph.addMinusK == 'Y' && q.vector > ph.Nvk / 2;
+  q.moment.conjugate = (r.satelliteIndex < 0) != added;
+  return q;
+}
+
+// F^2 of the moments of a magnetic phase for reflection r; its derivatives
+// are added to dF2 when it is given.
+float MagneticF2(const Job& job, CycleWork& work, int ip, int phase, const Reflection& r,
+                 const std::array<double, 3>& h, float* dF2, int fitted) {
+  const Phase& ph = job.phases[phase];
+  const PhasePattern& c = ph.pat[ip];
+  const MagneticCell cell = MagneticCellOf(c.CellConstants);
+  const MagneticInputs in{
+      ph.group,
+      std::span<const AtomSite>(job.atoms.ptr() + ph.atomOffset, static_cast<std::size_t>(ph.Nat)),
+      c.species, job.patterns[ip].NSCAT, cell};
+  const double s2 = 0.25 * InverseDSquared(CellCoefficients(c), h);
+  return EvaluateMagneticStructureFactor(in, MagneticRequestOf(ph, r, h, s2), work.magnetic, dF2,
+                                         fitted);
+}
+
+// Which structure factors a phase adds to a reflection.
+struct StructureParts {
+  bool nuclear = false;
+  bool magnetic = false;
+};
+
+StructureParts PartsOf(const Phase& ph, const Reflection& r) {
+  const int kind = std::abs(ph.Jbt);
+  if (ph.Jbt == 0) return {true, false};
+  if (kind == 1 || kind == 5) return {false, true};
+  if (kind != 10) return {false, false};
+  if (r.satelliteIndex != 0) return {false, true};
+  return {true, ph.group.NMAGM > 0 && ph.Nvk == 0};
+}
+
+// d ln(F2)/dk of a magnetic satellite for each refined component of its
+// vector, by central differences of F2 in the working vector h + k: the
+// component moves the phases, the projection and (sin(theta)/lambda)^2 alike.
+void VectorIntensitySlopes(const Job& job, CycleWork& work, int ip, int phase, const Reflection& r,
+                           const Geometry& g, int fitted, RingEntry& entry) {
+  entry.intensityTermCount = 0;
+  const Phase& ph = job.phases[phase];
+  const int n = std::abs(r.satelliteIndex);
+  if (n == 0 || n > ph.Nvk || !(r.F2 > 0.0f) || !PartsOf(ph, r).magnetic) return;
+  constexpr double kStep = 1.0e-5;
+  const double sign = r.satelliteIndex > 0 ? 1.0 : -1.0;
+  for (int i = 1; i <= 3; ++i) {
+    const Codeword& w = ph.vectors[n].KCODE[i];
+    if (w.parameterNumber < 1 || w.parameterNumber > fitted) continue;
+    std::array<double, 3> up = g.h, down = g.h;
+    up[static_cast<std::size_t>(i - 1)] += sign * kStep;
+    down[static_cast<std::size_t>(i - 1)] -= sign * kStep;
+    const double slope = (MagneticF2(job, work, ip, phase, r, up, nullptr, 0) -
+                          MagneticF2(job, work, ip, phase, r, down, nullptr, 0)) /
+                         (2.0 * kStep);
+    const int t = entry.intensityTermCount++;
+    entry.intensityParameter[t] = w.parameterNumber;
+    entry.intensitySlope[t] = static_cast<float>(w.multiplier * slope / r.F2);
+  }
+}
+
+// F^2 of the structure of the phase, nuclear and magnetic parts together,
+// with no interference term; the derivatives go to work.dF2.
+float StructureF2(Job& job, CycleWork& work, int ip, int phase, const Geometry& g, Reflection& r,
+                  int fitted) {
+  const StructureParts parts = PartsOf(job.phases[phase], r);
+  float F2 = parts.nuclear ? CrystalStructureFactor(job, work, ip, phase, g, r, fitted) : 0.0f;
+  if (!parts.magnetic) return F2;
+  float* dF2 = nullptr;
+  if (fitted > 0) {
+    dF2 = &work.dF2[1];
+    if (!parts.nuclear) {
+      for (int L = 0; L < fitted; ++L) dF2[L] = 0.0f;
+    }
+  }
+  F2 += MagneticF2(job, work, ip, phase, r, g.h, dF2, fitted);
+  return F2;
+}
+
 }  // namespace
 
 void FillReflectionWidths(Job& job, int ip) {
@@ -351,6 +451,7 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   float* row = &job.refinement.DerivativeRing(RingSlot(k), 1);
   for (int L = 0; L < fitted; ++L) row[L] = 0.0f;
   entry.active = false;
+  entry.intensityTermCount = 0;
   work.computedPattern[RingSlot(k)] = ip;
   work.computedReflection[RingSlot(k)] = k;
   const int phase = KeyPhase(r.key);
@@ -394,8 +495,9 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   ci.sin2Theta = static_cast<float>(g.sin2);
   // Profile matching starts its extraction from a unit intensity.
   if (std::abs(ph.Jbt) == 2 && !(r.F2 > 0.0f)) r.F2 = 1.0f;
-  const bool crystal = ph.Jbt == 0;
-  if (crystal) r.F2 = CrystalStructureFactor(job, work, ip, phase, g, r, fitted);
+  const StructureParts parts = PartsOf(ph, r);
+  const bool structural = parts.nuclear || parts.magnetic;
+  if (structural) r.F2 = StructureF2(job, work, ip, phase, g, r, fitted);
   ci.F2 = r.F2;
   const IntensityCorrections corr =
       p.IXUNIT == AbscissaUnit::kEnergy
@@ -412,10 +514,11 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   entry.active = true;
   if (fitted == 0) return;
   // Structural derivatives enter relative to F^2, as the intensity is proportional to it.
-  if (crystal && r.F2 > 0.0f) {
+  if (structural && r.F2 > 0.0f) {
     const float inverse = 1.0f / r.F2;
     for (int L = 0; L < fitted; ++L) row[L] += work.dF2[L + 1] * inverse;
   }
+  VectorIntensitySlopes(job, work, ip, phase, r, g, fitted, entry);
   for (int s = 1; s <= DimensionLimits::MPAR; ++s) {
     if (c.PAC[s].parameterNumber == 0) continue;
     AddToRow(row, c.PAC[s], ProfileSlotDerivative(s, ProfileOf(c), w, p, c, g, widths, corr),
