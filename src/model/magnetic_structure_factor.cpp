@@ -186,9 +186,9 @@ double MagneticFormFactor(int NSCAT, const ChemicalSpecies& sp, int number, doub
          c[7];
 }
 
-float EvaluateMagneticStructureFactor(const MagneticInputs& in, const MagneticRequest& q,
-                                      MagneticScratch& scratch, float* dF2, int fitted) {
-  if (!(q.s2 > 0.0) || in.atoms.empty()) return 0.0f;
+double EvaluateMagneticStructureFactor(const MagneticInputs& in, const MagneticRequest& q,
+                                       MagneticScratch& scratch, float* dF2, int fitted) {
+  if (!(q.s2 > 0.0) || in.atoms.empty()) return 0.0;
   PrepareOperators(in.group, q, scratch.operators);
   ComplexVector F{};
   const int nAtoms = static_cast<int>(in.atoms.size());
@@ -218,7 +218,7 @@ float EvaluateMagneticStructureFactor(const MagneticInputs& in, const MagneticRe
                       fitted);
     }
   }
-  return static_cast<float>(F2);
+  return F2;
 }
 
 }  // namespace corvinet

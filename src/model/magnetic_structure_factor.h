@@ -63,10 +63,11 @@ struct MagneticScratch {
 std::array<RealVector, 3> MomentMatrix(const SpaceGroup& g, int m, int n);
 
 // F2 of the interaction vector: |F|^2 - |e.F|^2, with F summed in components
-// along the unit axis vectors. When `dF2` is not null the derivatives of F2
+// along the unit axis vectors, in double precision (the slopes in the
+// propagation vector are differences of it). When `dF2` is not null the derivatives of F2
 // are added to dF2[0..fitted-1] by the atoms' codes.
-float EvaluateMagneticStructureFactor(const MagneticInputs& in, const MagneticRequest& q,
-                                      MagneticScratch& scratch, float* dF2, int fitted);
+double EvaluateMagneticStructureFactor(const MagneticInputs& in, const MagneticRequest& q,
+                                       MagneticScratch& scratch, float* dF2, int fitted);
 
 // The magnetic form factor of a species at s2: A exp(-a s2) + B exp(-b s2) +
 // C exp(-c s2) + D, or its table when the pattern gives it as one.

@@ -348,8 +348,8 @@ MagneticRequest MagneticRequestOf(const Phase& ph, const Reflection& r,
 
 // F^2 of the moments of a magnetic phase for reflection r; its derivatives
 // are added to dF2 when it is given.
-float MagneticF2(const Job& job, CycleWork& work, int ip, int phase, const Reflection& r,
-                 const std::array<double, 3>& h, float* dF2, int fitted) {
+double MagneticF2(const Job& job, CycleWork& work, int ip, int phase, const Reflection& r,
+                  const std::array<double, 3>& h, float* dF2, int fitted) {
   const Phase& ph = job.phases[phase];
   const PhasePattern& c = ph.pat[ip];
   const MagneticCell cell = MagneticCellOf(c.CellConstants);
@@ -417,7 +417,7 @@ float StructureF2(Job& job, CycleWork& work, int ip, int phase, const Geometry& 
       for (int L = 0; L < fitted; ++L) dF2[L] = 0.0f;
     }
   }
-  F2 += MagneticF2(job, work, ip, phase, r, g.h, dF2, fitted);
+  F2 += static_cast<float>(MagneticF2(job, work, ip, phase, r, g.h, dF2, fitted));
   return F2;
 }
 

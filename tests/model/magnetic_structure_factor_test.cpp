@@ -78,7 +78,7 @@ struct MagneticCase {
     return speciesCount;
   }
   // F2 of the vector H = h + sign k for vector number `vector` (0: none).
-  float F2(int Jbt, std::array<double, 3> H, int vector = 0, bool conjugate = false,
+  double F2(int Jbt, std::array<double, 3> H, int vector = 0, bool conjugate = false,
            double fact = 1.0, float* dF2 = nullptr, int fitted = 0) {
     const MagneticCell magneticCell = MagneticCellOf(cell);
     const MagneticInputs in{group, std::span<const AtomSite>(atoms.data(), atoms.size()), species,
