@@ -2,6 +2,7 @@
 // magnetic operators, projected on the plane normal to the scattering vector, with derivatives.
 #include "model/magnetic_structure_factor.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
@@ -16,9 +17,13 @@ constexpr double kTwoPi = 6.283185307179586;
 
 using RealMatrix = std::array<RealVector, 3>;
 
-void PrepareOperators(const SpaceGroup& g, const MagneticRequest& q,
-                      Table1<MagneticOperatorTerms, DimensionLimits::NEQV>& terms) {
+// The terms of every operator for this reflection and the moment matrices of
+// every set: they do not depend on the atom.
+void PrepareOperators(const SpaceGroup& g, const MagneticRequest& q, MagneticScratch& scratch) {
+  Table1<MagneticOperatorTerms, DimensionLimits::NEQV>& terms = scratch.operators;
+  const int sets = std::max(1, std::min(g.NMAGM, DimensionLimits::NMAGM));
   for (int n = 1; n <= q.nSym; ++n) {
+    for (int m = 1; m <= sets; ++m) scratch.matrices(m, n) = MomentMatrix(g, m, n);
     const int index = g.isl[n];
     const IntMatrix3& R = IROT(std::abs(index));
     const double sign = index < 0 ? -1.0 : 1.0;
@@ -75,9 +80,10 @@ void PhaseFactor(const MagneticRequest& q, double phi, Complex& g, Complex& dg) 
   }
 }
 
-// The sums of one atom over the operators.
+// The sums of one atom over the operators; with `slopes` also those that
+// its derivatives are made of.
 void SumAtom(const MagneticInputs& in, const MagneticRequest& q, const MagneticScratch& scratch,
-             const AtomSite& a, MagneticAtomSums& s) {
+             const AtomSite& a, bool slopes, MagneticAtomSums& s) {
   const int set = MatrixSet(in.group, a);
   const double phaseSign = q.moment.conjugate ? -1.0 : 1.0;
   for (int n = 1; n <= q.nSym; ++n) {
@@ -92,9 +98,10 @@ void SumAtom(const MagneticInputs& in, const MagneticRequest& q, const MagneticS
     Complex g, dg;
     PhaseFactor(q, kTwoPi * cycles, g, dg);
     const Complex tau = T * g, dtau = kTwoPi * T * dg;
-    const RealMatrix M = MomentMatrix(in.group, set, n);
+    const RealMatrix& M = scratch.matrices(set, n);
     const ComplexVector v = Times(M, s.moment.S);
     AddScaled(s.F, tau, v);
+    if (!slopes) continue;
     for (int c = 0; c < 3; ++c) {
       AddScaled(s.dPosition[c], t.hp[c] * dtau, v);
       for (int i = 0; i < 3; ++i) s.C[c][i] += tau * M[i][c];
@@ -105,12 +112,23 @@ void SumAtom(const MagneticInputs& in, const MagneticRequest& q, const MagneticS
   for (auto* part : {&s.F, &s.dPhase}) {
     for (Complex& x : *part) x *= s.w;
   }
+  if (!slopes) return;
   for (auto& part : s.dPosition) {
     for (Complex& x : part) x *= s.w;
   }
   for (auto& part : s.dBeta) {
     for (Complex& x : part) x *= s.w;
   }
+}
+
+// Clears the sums of an atom: its amplitude and, with `slopes`, those of its derivatives.
+void ClearSums(MagneticAtomSums& s, bool slopes) {
+  s.F = {};
+  s.dPhase = {};
+  if (!slopes) return;
+  s.C = {};
+  s.dPosition = {};
+  s.dBeta = {};
 }
 
 // K = G - p p^T / (4 s2): the metric of the unit axis vectors less the part
@@ -189,21 +207,22 @@ double MagneticFormFactor(int NSCAT, const ChemicalSpecies& sp, int number, doub
 double EvaluateMagneticStructureFactor(const MagneticInputs& in, const MagneticRequest& q,
                                        MagneticScratch& scratch, float* dF2, int fitted) {
   if (!(q.s2 > 0.0) || in.atoms.empty()) return 0.0;
-  PrepareOperators(in.group, q, scratch.operators);
+  PrepareOperators(in.group, q, scratch);
   ComplexVector F{};
   const int nAtoms = static_cast<int>(in.atoms.size());
   for (int i = 1; i <= nAtoms; ++i) {
     const AtomSite& a = in.atoms[static_cast<std::size_t>(i - 1)];
     MagneticAtomSums& s = scratch.atoms[i];
-    s = MagneticAtomSums{};
+    s.bears = false;
     if (!BearsMoment(a, q)) continue;
+    ClearSums(s, dF2 != nullptr);
     const int sp = a.magneticSpecies;
     if (sp < 1 || sp > DimensionLimits::N_SPE) continue;
     s.bears = true;
     const double Fm = MagneticFormFactor(in.NSCAT, in.species[sp], sp, q.s2);
     s.w = kMagneticAmplitude * Fm * a.ATP[5] * std::exp(-a.ATP[4] * q.s2);
     s.moment = MomentComponentOf(a, in.atoms[0], in.cell, q.moment);
-    SumAtom(in, q, scratch, a, s);
+    SumAtom(in, q, scratch, a, dF2 != nullptr, s);
     for (int j = 0; j < 3; ++j) F[j] += s.F[j];
   }
   const RealMatrix K = ProjectionForm(in.cell, q);

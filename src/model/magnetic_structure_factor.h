@@ -43,17 +43,19 @@ struct MagneticOperatorTerms {
   double ht = 0.0;               // H.t
 };
 struct MagneticAtomSums {
-  bool bears = false;                      // the atom contributes to this reflection
-  double w = 0.0;                          // p Fm Occ exp(-B s2)
-  MomentComponent moment;                  // its component for this reflection
-  ComplexVector F{};                       // its contribution w sum tau M S
-  std::array<ComplexVector, 3> C{};        // sum tau M, column by column
-  std::array<ComplexVector, 3> dPosition;  // d F / d x_c
-  ComplexVector dPhase{};                  // d F / d (phase in cycles)
-  std::array<ComplexVector, 6> dBeta{};    // d F / d beta_q
+  bool bears = false;                        // the atom contributes to this reflection
+  double w = 0.0;                            // p Fm Occ exp(-B s2)
+  MomentComponent moment;                    // its component for this reflection
+  ComplexVector F{};                         // its contribution w sum tau M S
+  std::array<ComplexVector, 3> C{};          // sum tau M, column by column
+  std::array<ComplexVector, 3> dPosition{};  // d F / d x_c
+  ComplexVector dPhase{};                    // d F / d (phase in cycles)
+  std::array<ComplexVector, 6> dBeta{};      // d F / d beta_q
 };
 struct MagneticScratch {
   Table1<MagneticOperatorTerms, DimensionLimits::NEQV> operators;
+  // The moment matrix of each set and operator, (set, operator).
+  Table2<std::array<RealVector, 3>, DimensionLimits::NMAGM, DimensionLimits::NEQV> matrices;
   Table1<MagneticAtomSums, DimensionLimits::NATS> atoms;
 };
 

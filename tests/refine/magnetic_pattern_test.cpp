@@ -188,5 +188,14 @@ TEST(MagneticPattern, NuclearAndMagneticIntensitiesAddWithoutInterference) {
   EXPECT_GT(LaMnO3F2(1, 1, 1, 3.7f) - LaMnO3F2(1, 1, 1, 0.0f), 0.1f);
 }
 
+// The moments of a nuclear and magnetic phase scatter as those of a magnetic
+// phase: on the purely magnetic (0 1 0) and (0 3 0) of LaMnO3 its F2, times
+// the 4 of the implied inversion, is the whole-cell sum of
+// tests/data/model/magnetic_reference.py, with no factor of its own.
+TEST(MagneticPattern, NuclearAndMagneticPhaseHasTheMomentsOfAMagneticPhase) {
+  EXPECT_NEAR(4.0 * LaMnO3F2(0, 1, 0, 3.7f), 14.6725834, 1e-4 * 14.6725834);
+  EXPECT_NEAR(4.0 * LaMnO3F2(0, 3, 0, 3.7f), 7.89231802, 1e-4 * 7.89231802);
+}
+
 }  // namespace
 }  // namespace corvinet

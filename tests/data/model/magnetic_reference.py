@@ -73,10 +73,10 @@ def f_perp2(A, j0, atoms, Q, ncells):
 
 def antiferro_pnma(j0):
     """LaMnO3-like A-type order in Pnma, moments of 3.7 along a."""
-    A = lattice(5.733, 7.674, 5.535, 90, 90, 90)
+    A = lattice(5.7327, 7.6738, 5.5354, 90, 90, 90)
     m = 3.7
     sites = [((0, 0, 0.5), +1), ((0.5, 0, 0), +1), ((0, 0.5, 0.5), -1), ((0.5, 0.5, 0), -1)]
-    atoms = [(np.array(r), axes_to_cartesian(A, [s * m, 0, 0]), "MMN3", 0.3, 1.0) for r, s in sites]
+    atoms = [(np.array(r), axes_to_cartesian(A, [s * m, 0, 0]), "MMN3", 0.18, 1.0) for r, s in sites]
     hkls = [(0, 1, 0), (1, 0, 0), (0, 1, 2), (1, 1, 1), (2, 1, 1), (0, 3, 0), (1, 0, 1)]
     return [(h, f_perp2(A, j0, atoms, h, 1)) for h in hkls]
 
