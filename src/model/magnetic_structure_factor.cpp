@@ -80,10 +80,33 @@ void PhaseFactor(const MagneticRequest& q, double phi, Complex& g, Complex& dg) 
   }
 }
 
+// d(tau v)/dH_i of one operator: tau = T exp(i phi) (or its centric fold)
+// with phi = 2 pi H.(R x + t) + phases and T = exp(-h'B h'), h' = H R.
+void AddSlopesInH(const SpaceGroup& g, int n, const AtomSite& a, const MagneticOperatorTerms& t,
+                  Complex tau, Complex dtau, const ComplexVector& v,
+                  std::array<ComplexVector, 3>& dH) {
+  const int index = g.isl[n];
+  const IntMatrix3& R = IROT(std::abs(index));
+  const double sign = index < 0 ? -1.0 : 1.0;
+  const RealVector& h = t.hp;
+  // B h' with B the symmetric matrix of the betas.
+  const RealVector Bh = {a.ATP[13] * h[0] + a.ATP[16] * h[1] + a.ATP[17] * h[2],
+                         a.ATP[16] * h[0] + a.ATP[14] * h[1] + a.ATP[18] * h[2],
+                         a.ATP[17] * h[0] + a.ATP[18] * h[1] + a.ATP[15] * h[2]};
+  for (int i = 0; i < 3; ++i) {
+    double r = g.translation(i + 1, n), dE = 0.0;
+    for (int j = 0; j < 3; ++j) {
+      r += sign * R(i + 1, j + 1) * a.ATP[j + 1];
+      dE += 2.0 * sign * R(i + 1, j + 1) * Bh[j];
+    }
+    AddScaled(dH[i], dtau * r - dE * tau, v);
+  }
+}
+
 // The sums of one atom over the operators; with `slopes` also those that
 // its derivatives are made of.
 void SumAtom(const MagneticInputs& in, const MagneticRequest& q, const MagneticScratch& scratch,
-             const AtomSite& a, bool slopes, MagneticAtomSums& s) {
+             const AtomSite& a, bool slopes, bool slopesInH, MagneticAtomSums& s) {
   const int set = MatrixSet(in.group, a);
   const double phaseSign = q.moment.conjugate ? -1.0 : 1.0;
   for (int n = 1; n <= q.nSym; ++n) {
@@ -101,6 +124,7 @@ void SumAtom(const MagneticInputs& in, const MagneticRequest& q, const MagneticS
     const RealMatrix& M = scratch.matrices(set, n);
     const ComplexVector v = Times(M, s.moment.S);
     AddScaled(s.F, tau, v);
+    if (slopesInH) AddSlopesInH(in.group, n, a, t, tau, dtau, v, s.dH);
     if (!slopes) continue;
     for (int c = 0; c < 3; ++c) {
       AddScaled(s.dPosition[c], t.hp[c] * dtau, v);
@@ -111,6 +135,9 @@ void SumAtom(const MagneticInputs& in, const MagneticRequest& q, const MagneticS
   }
   for (auto* part : {&s.F, &s.dPhase}) {
     for (Complex& x : *part) x *= s.w;
+  }
+  for (auto& part : s.dH) {
+    for (Complex& x : part) x *= s.w;
   }
   if (!slopes) return;
   for (auto& part : s.dPosition) {
@@ -125,6 +152,7 @@ void SumAtom(const MagneticInputs& in, const MagneticRequest& q, const MagneticS
 void ClearSums(MagneticAtomSums& s, bool slopes) {
   s.F = {};
   s.dPhase = {};
+  s.dH = {};
   if (!slopes) return;
   s.C = {};
   s.dPosition = {};
@@ -177,6 +205,38 @@ void AtomDerivatives(const MagneticInputs& in, const MagneticRequest& q, const A
   }
 }
 
+// The slopes in H of one atom: its sums, and its weight through s2.
+void AddWeightSlopes(const MagneticInputs& in, const MagneticRequest& q, const AtomSite& a,
+                     const MagneticAtomSums& s, std::array<ComplexVector, 3>& dFdH) {
+  constexpr double kStep = 1.0e-6;
+  const int sp = a.magneticSpecies;
+  const double Fm = MagneticFormFactor(in.NSCAT, in.species[sp], sp, q.s2);
+  const double dFm = (MagneticFormFactor(in.NSCAT, in.species[sp], sp, q.s2 + kStep) -
+                      MagneticFormFactor(in.NSCAT, in.species[sp], sp, q.s2 - kStep)) /
+                     (2.0 * kStep);
+  // d ln w / d s2 = d ln Fm / d s2 - B.
+  const double dlnw = (Fm != 0.0 ? dFm / Fm : 0.0) - a.ATP[4];
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) dFdH[i][j] += s.dH[i][j] + dlnw * q.dS2dH[i] * s.F[j];
+  }
+}
+
+// dF2/dH_i = 2 Re(dF_i^H K F) + F^H (dK/dH_i) F, K = G - p p^T/(4 s2) with
+// p_j = H_j / a_j, P = p.F.
+RealVector ProjectedSlopesInH(const MagneticCell& cell, const MagneticRequest& q,
+                              const ComplexVector& F, const ComplexVector& KF,
+                              const std::array<ComplexVector, 3>& dFdH) {
+  Complex P = 0.0;
+  for (int j = 0; j < 3; ++j) P += q.H[j] / cell.length[j] * F[j];
+  const double P2 = std::norm(P);
+  RealVector out{};
+  for (int i = 0; i < 3; ++i) {
+    const double dP2 = 2.0 * (std::conj(P) * F[i]).real() / cell.length[i];
+    out[i] = Slope(dFdH[i], KF) - dP2 / (4.0 * q.s2) + P2 * q.dS2dH[i] / (4.0 * q.s2 * q.s2);
+  }
+  return out;
+}
+
 }  // namespace
 
 std::array<RealVector, 3> MomentMatrix(const SpaceGroup& g, int m, int n) {
@@ -205,10 +265,13 @@ double MagneticFormFactor(int NSCAT, const ChemicalSpecies& sp, int number, doub
 }
 
 double EvaluateMagneticStructureFactor(const MagneticInputs& in, const MagneticRequest& q,
-                                       MagneticScratch& scratch, float* dF2, int fitted) {
+                                       MagneticScratch& scratch, float* dF2, int fitted,
+                                       RealVector* dF2dH) {
+  if (dF2dH != nullptr) *dF2dH = {};
   if (!(q.s2 > 0.0) || in.atoms.empty()) return 0.0;
   PrepareOperators(in.group, q, scratch);
   ComplexVector F{};
+  std::array<ComplexVector, 3> dFdH{};
   const int nAtoms = static_cast<int>(in.atoms.size());
   for (int i = 1; i <= nAtoms; ++i) {
     const AtomSite& a = in.atoms[static_cast<std::size_t>(i - 1)];
@@ -222,14 +285,16 @@ double EvaluateMagneticStructureFactor(const MagneticInputs& in, const MagneticR
     const double Fm = MagneticFormFactor(in.NSCAT, in.species[sp], sp, q.s2);
     s.w = kMagneticAmplitude * Fm * a.ATP[5] * std::exp(-a.ATP[4] * q.s2);
     s.moment = MomentComponentOf(a, in.atoms[0], in.cell, q.moment);
-    SumAtom(in, q, scratch, a, dF2 != nullptr, s);
+    SumAtom(in, q, scratch, a, dF2 != nullptr, dF2dH != nullptr, s);
     for (int j = 0; j < 3; ++j) F[j] += s.F[j];
+    if (dF2dH != nullptr) AddWeightSlopes(in, q, a, s, dFdH);
   }
   const RealMatrix K = ProjectionForm(in.cell, q);
   ComplexVector KF{};
   for (int i = 0; i < 3; ++i) KF[i] = K[i][0] * F[0] + K[i][1] * F[1] + K[i][2] * F[2];
   double F2 = 0.0;
   for (int i = 0; i < 3; ++i) F2 += (std::conj(F[i]) * KF[i]).real();
+  if (dF2dH != nullptr) *dF2dH = ProjectedSlopesInH(in.cell, q, F, KF, dFdH);
   if (dF2 != nullptr) {
     for (int i = 1; i <= nAtoms; ++i) {
       if (!scratch.atoms[i].bears) continue;

@@ -34,6 +34,7 @@ struct MagneticRequest {
   double s2 = 0.0;        // (sin(theta)/lambda)^2 of H
   int vector = 0;         // |vector number| of the reflection, 0 for none
   MomentRequest moment;   // form of the moments, Fact, and which of k and -k
+  RealVector dS2dH{};     // d s2 / d H, for the slopes in H
 };
 
 // Per-operator terms and per-atom sums, held by the caller.
@@ -51,6 +52,7 @@ struct MagneticAtomSums {
   std::array<ComplexVector, 3> dPosition{};  // d F / d x_c
   ComplexVector dPhase{};                    // d F / d (phase in cycles)
   std::array<ComplexVector, 6> dBeta{};      // d F / d beta_q
+  std::array<ComplexVector, 3> dH{};         // d F / d H_i through the phases and betas
 };
 struct MagneticScratch {
   Table1<MagneticOperatorTerms, DimensionLimits::NEQV> operators;
@@ -65,11 +67,14 @@ struct MagneticScratch {
 std::array<RealVector, 3> MomentMatrix(const SpaceGroup& g, int m, int n);
 
 // F2 of the interaction vector: |F|^2 - |e.F|^2, with F summed in components
-// along the unit axis vectors, in double precision (the slopes in the
-// propagation vector are differences of it). When `dF2` is not null the derivatives of F2
-// are added to dF2[0..fitted-1] by the atoms' codes.
+// along the unit axis vectors, in double precision. When `dF2` is not null
+// the derivatives of F2 are added to dF2[0..fitted-1] by the atoms' codes;
+// when `dF2dH` is not null it receives dF2/dH, the slope of F2 in the
+// vector h + k (phases, displacements, form factors and projection alike),
+// which is its slope in the components of k.
 double EvaluateMagneticStructureFactor(const MagneticInputs& in, const MagneticRequest& q,
-                                       MagneticScratch& scratch, float* dF2, int fitted);
+                                       MagneticScratch& scratch, float* dF2, int fitted,
+                                       RealVector* dF2dH = nullptr);
 
 // The magnetic form factor of a species at s2: A exp(-a s2) + B exp(-b s2) +
 // C exp(-c s2) + D, or its table when the pattern gives it as one.

@@ -349,7 +349,8 @@ MagneticRequest MagneticRequestOf(const Phase& ph, const Reflection& r,
 // F^2 of the moments of a magnetic phase for reflection r; its derivatives
 // are added to dF2 when it is given.
 double MagneticF2(const Job& job, CycleWork& work, int ip, int phase, const Reflection& r,
-                  const std::array<double, 3>& h, float* dF2, int fitted) {
+                  const std::array<double, 3>& h, float* dF2, int fitted,
+                  RealVector* dF2dH = nullptr) {
   const Phase& ph = job.phases[phase];
   const PhasePattern& c = ph.pat[ip];
   const MagneticCell cell = MagneticCellOf(c.CellConstants);
@@ -357,9 +358,13 @@ double MagneticF2(const Job& job, CycleWork& work, int ip, int phase, const Refl
       ph.group,
       std::span<const AtomSite>(job.atoms.ptr() + ph.atomOffset, static_cast<std::size_t>(ph.Nat)),
       c.species, job.patterns[ip].NSCAT, cell};
-  const double s2 = 0.25 * InverseDSquared(CellCoefficients(c), h);
-  return EvaluateMagneticStructureFactor(in, MagneticRequestOf(ph, r, h, s2), work.magnetic, dF2,
-                                         fitted);
+  const Table1<float, 6> k = CellCoefficients(c);
+  MagneticRequest q = MagneticRequestOf(ph, r, h, 0.25 * InverseDSquared(k, h));
+  // s2 = Q/4 with Q = A h² + B k² + C l² + D kl + E hl + F hk.
+  q.dS2dH = {0.25 * (2.0 * k[1] * h[0] + k[5] * h[2] + k[6] * h[1]),
+             0.25 * (2.0 * k[2] * h[1] + k[4] * h[2] + k[6] * h[0]),
+             0.25 * (2.0 * k[3] * h[2] + k[4] * h[1] + k[5] * h[0])};
+  return EvaluateMagneticStructureFactor(in, q, work.magnetic, dF2, fitted, dF2dH);
 }
 
 // Which structure factors a phase adds to a reflection.
@@ -377,36 +382,39 @@ StructureParts PartsOf(const Phase& ph, const Reflection& r) {
   return {true, ph.group.NMAGM > 0 && ph.Nvk == 0};
 }
 
-// d ln(F2)/dk of a magnetic satellite for each refined component of its
-// vector, by central differences of F2 in the working vector h + k: the
-// component moves the phases, the projection and (sin(theta)/lambda)^2 alike.
-void VectorIntensitySlopes(const Job& job, CycleWork& work, int ip, int phase, const Reflection& r,
-                           const Geometry& g, int fitted, RingEntry& entry) {
-  entry.intensityTermCount = 0;
-  const Phase& ph = job.phases[phase];
+// A magnetic satellite whose vector has a refined component.
+bool HasRefinedVector(const Phase& ph, const Reflection& r, int fitted) {
   const int n = std::abs(r.satelliteIndex);
-  if (n == 0 || n > ph.Nvk || !(r.F2 > 0.0f) || !PartsOf(ph, r).magnetic) return;
-  constexpr double kStep = 1.0e-5;
+  if (n == 0 || n > ph.Nvk || !PartsOf(ph, r).magnetic) return false;
+  for (const Codeword& w : ph.vectors[n].KCODE) {
+    if (w.parameterNumber >= 1 && w.parameterNumber <= fitted) return true;
+  }
+  return false;
+}
+
+// d ln(F2)/dk of a magnetic satellite for each refined component of its
+// vector, from dF2/dH of the working vector h + k (or h - k): the component
+// moves the phases, the projection and (sin(theta)/lambda)^2 alike.
+void VectorIntensitySlopes(const Phase& ph, const Reflection& r, const RealVector& dF2dH,
+                           int fitted, RingEntry& entry) {
+  entry.intensityTermCount = 0;
+  if (!HasRefinedVector(ph, r, fitted) || !(r.F2 > 0.0f)) return;
+  const int n = std::abs(r.satelliteIndex);
   const double sign = r.satelliteIndex > 0 ? 1.0 : -1.0;
   for (int i = 1; i <= 3; ++i) {
     const Codeword& w = ph.vectors[n].KCODE[i];
     if (w.parameterNumber < 1 || w.parameterNumber > fitted) continue;
-    std::array<double, 3> up = g.h, down = g.h;
-    up[static_cast<std::size_t>(i - 1)] += sign * kStep;
-    down[static_cast<std::size_t>(i - 1)] -= sign * kStep;
-    const double slope = (MagneticF2(job, work, ip, phase, r, up, nullptr, 0) -
-                          MagneticF2(job, work, ip, phase, r, down, nullptr, 0)) /
-                         (2.0 * kStep);
     const int t = entry.intensityTermCount++;
     entry.intensityParameter[t] = w.parameterNumber;
-    entry.intensitySlope[t] = static_cast<float>(w.multiplier * slope / r.F2);
+    entry.intensitySlope[t] =
+        static_cast<float>(w.multiplier * sign * dF2dH[static_cast<std::size_t>(i - 1)] / r.F2);
   }
 }
 
 // F^2 of the structure of the phase, nuclear and magnetic parts together,
 // with no interference term; the derivatives go to work.dF2.
 float StructureF2(Job& job, CycleWork& work, int ip, int phase, const Geometry& g, Reflection& r,
-                  int fitted) {
+                  int fitted, RealVector& dF2dH) {
   const StructureParts parts = PartsOf(job.phases[phase], r);
   float F2 = parts.nuclear ? CrystalStructureFactor(job, work, ip, phase, g, r, fitted) : 0.0f;
   if (!parts.magnetic) return F2;
@@ -417,7 +425,8 @@ float StructureF2(Job& job, CycleWork& work, int ip, int phase, const Geometry& 
       for (int L = 0; L < fitted; ++L) dF2[L] = 0.0f;
     }
   }
-  F2 += static_cast<float>(MagneticF2(job, work, ip, phase, r, g.h, dF2, fitted));
+  RealVector* slopes = HasRefinedVector(job.phases[phase], r, fitted) ? &dF2dH : nullptr;
+  F2 += static_cast<float>(MagneticF2(job, work, ip, phase, r, g.h, dF2, fitted, slopes));
   return F2;
 }
 
@@ -497,7 +506,8 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   if (std::abs(ph.Jbt) == 2 && !(r.F2 > 0.0f)) r.F2 = 1.0f;
   const StructureParts parts = PartsOf(ph, r);
   const bool structural = parts.nuclear || parts.magnetic;
-  if (structural) r.F2 = StructureF2(job, work, ip, phase, g, r, fitted);
+  RealVector dF2dH{};
+  if (structural) r.F2 = StructureF2(job, work, ip, phase, g, r, fitted, dF2dH);
   ci.F2 = r.F2;
   const IntensityCorrections corr =
       p.IXUNIT == AbscissaUnit::kEnergy
@@ -518,7 +528,7 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
     const float inverse = 1.0f / r.F2;
     for (int L = 0; L < fitted; ++L) row[L] += work.dF2[L + 1] * inverse;
   }
-  VectorIntensitySlopes(job, work, ip, phase, r, g, fitted, entry);
+  VectorIntensitySlopes(ph, r, dF2dH, fitted, entry);
   for (int s = 1; s <= DimensionLimits::MPAR; ++s) {
     if (c.PAC[s].parameterNumber == 0) continue;
     AddToRow(row, c.PAC[s], ProfileSlotDerivative(s, ProfileOf(c), w, p, c, g, widths, corr),

@@ -79,7 +79,7 @@ struct MagneticCase {
   }
   // F2 of the vector H = h + sign k for vector number `vector` (0: none).
   double F2(int Jbt, std::array<double, 3> H, int vector = 0, bool conjugate = false,
-            double fact = 1.0, float* dF2 = nullptr, int fitted = 0) {
+            double fact = 1.0, float* dF2 = nullptr, int fitted = 0, RealVector* dF2dH = nullptr) {
     const MagneticCell magneticCell = MagneticCellOf(cell);
     const MagneticInputs in{group, std::span<const AtomSite>(atoms.data(), atoms.size()), species,
                             0, magneticCell};
@@ -93,7 +93,11 @@ struct MagneticCase {
     q.moment.fact = fact;
     q.moment.satellite = vector != 0;
     q.moment.conjugate = conjugate;
-    return EvaluateMagneticStructureFactor(in, q, *scratch, dF2, fitted);
+    const auto& k = coefficients;
+    q.dS2dH = {0.25 * (2.0 * k[1] * H[0] + k[5] * H[2] + k[6] * H[1]),
+               0.25 * (2.0 * k[2] * H[1] + k[4] * H[2] + k[6] * H[0]),
+               0.25 * (2.0 * k[3] * H[2] + k[4] * H[1] + k[5] * H[0])};
+    return EvaluateMagneticStructureFactor(in, q, *scratch, dF2, fitted, dF2dH);
   }
 };
 
@@ -283,7 +287,19 @@ TEST(MagneticStructureFactor, DerivativesFollowCentralDifferences) {
       }
       const std::array<double, 3> H = {1.2, 1.0, conjugate ? -0.8 : 1.2};
       std::vector<float> analytic(slots.size(), 0.0f);
-      c.F2(Jbt, H, 1, conjugate, 0.5, analytic.data(), static_cast<int>(slots.size()));
+      RealVector inH{};
+      c.F2(Jbt, H, 1, conjugate, 0.5, analytic.data(), static_cast<int>(slots.size()), &inH);
+      // The slope in H = h + k: phases, betas, form factor and projection.
+      for (int i = 0; i < 3; ++i) {
+        const double h = 1e-5;
+        std::array<double, 3> up = H, down = H;
+        up[static_cast<std::size_t>(i)] += h;
+        down[static_cast<std::size_t>(i)] -= h;
+        const double numeric =
+            (c.F2(Jbt, up, 1, conjugate, 0.5) - c.F2(Jbt, down, 1, conjugate, 0.5)) / (2.0 * h);
+        EXPECT_NEAR(inH[static_cast<std::size_t>(i)], numeric, 1e-5 * std::fabs(numeric) + 1e-8)
+            << "Jbt " << Jbt << " H component " << i << (conjugate ? " (-k)" : " (+k)");
+      }
       for (std::size_t n = 0; n < slots.size(); ++n) {
         float& v = c.atoms[static_cast<std::size_t>(slots[n].first)].ATP[slots[n].second];
         const float saved = v;
