@@ -8,8 +8,8 @@
 
 namespace corvinet {
 
-// Magnetic phases and rigid bodies need structure factors that this version
-// does not calculate: such a job stops before its first cycle.
+// Rigid bodies need structure factors that this version does not calculate:
+// such a job stops before its first cycle.
 void StopOnStructureFactorsNotCalculated(Job& job);
 
 // The line that names parameter L after a singular matrix: its number and

@@ -2,6 +2,7 @@
 // reflection in flight.
 #pragma once
 
+#include "model/magnetic_structure_factor.h"
 #include "model/peak_shape.h"
 #include "model/structure_factor.h"
 #include "records/dimension_limits.h"
@@ -18,7 +19,13 @@ struct RingEntry {
   float dlnLpdT = 0.0f;    // slope of ln(LpM) with the position when the Bragg angle moves
   float invGaussWidth = 0.0f;  // 1/HG of the TCH profile, 1/H of the others
   int phase = 0;
-  bool active = false;  // false when the phase does not contribute or sin(theta) >= 1
+  // Parameters that move the peak and its intensity too: the components of
+  // the propagation vector of a magnetic satellite. Beside its position
+  // family, each has d ln(intensity)/dp here.
+  int intensityTermCount = 0;
+  int intensityParameter[3] = {};  // parameter numbers, from 1
+  float intensitySlope[3] = {};    // d ln(F2)/dp
+  bool active = false;             // false when the phase does not contribute or sin(theta) >= 1
 };
 
 // Held for the length of one run of the cycles; the ring slot of reflection
@@ -30,6 +37,7 @@ struct CycleWork {
   Table1<int, DimensionLimits::NOV> computedReflection;
   // Structure factors: per-atom sums and the derivatives of F^2 of one reflection.
   StructureFactorScratch structure;
+  MagneticScratch magnetic;
   Table1<float, DimensionLimits::MSZ> dF2;
 };
 

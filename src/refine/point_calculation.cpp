@@ -181,6 +181,9 @@ void CalculatePoint(Job& job, CycleWork& work, int ip, int i) {
     if (slopes == nullptr) continue;
     const float* ring = &state.DerivativeRing(RingSlot(k), 1);
     for (int L = 0; L < fitted; ++L) derivative[L] += contribution * slope[family[L]] * ring[L];
+    for (int t = 0; t < e.intensityTermCount; ++t) {
+      derivative[e.intensityParameter[t] - 1] += contribution * e.intensitySlope[t];
+    }
   }
   p.Ycalc[i] = y;
   if (!refine) return;

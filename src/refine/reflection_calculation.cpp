@@ -15,9 +15,9 @@
 #include "model/peak_width.h"
 #include "model/resolution_widths.h"
 #include "model/size_strain.h"
-#include "model/structure_factor.h"
 #include "records/reflection.h"
 #include "refine/parameter_families.h"
+#include "refine/reflection_structure.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -300,37 +300,6 @@ void AddVectorDerivatives(float* row, const Phase& ph, const PhasePattern& c, co
   }
 }
 
-// F^2 of a reflection of a crystal phase from its atoms; its derivatives go
-// to work.dF2 when parameters are refined.
-float CrystalStructureFactor(Job& job, CycleWork& work, int ip, int phase, const Geometry& g,
-                             Reflection& r, int fitted) {
-  const Phase& ph = job.phases[phase];
-  const Pattern& p = job.patterns[ip];
-  const PhasePattern& c = ph.pat[ip];
-  const StructureFactorInputs in{
-      ph.group,
-      std::span<const AtomSite>(job.atoms.ptr() + ph.atomOffset, static_cast<std::size_t>(ph.Nat)),
-      c.species,
-      p.NSCAT,
-      c.Irf,
-      p.JFOU};
-  StructureFactorRequest q;
-  q.nSym = ph.group.NSYM;
-  q.acentric = ph.group.ICENT == 1 ? 1 : 2;
-  for (int i = 0; i < 3; ++i) q.h[i] = static_cast<float>(g.h[i]);
-  q.s2 = static_cast<float>(0.25 * g.Q);
-  float* dF2 = nullptr;
-  if (fitted > 0) {
-    dF2 = &work.dF2[1];
-    for (int L = 0; L < fitted; ++L) dF2[L] = 0.0f;
-  }
-  const StructureFactorValue value = EvaluateStructureFactor(in, q, r, work.structure, dF2, fitted);
-  if (value.status == StructureFactorStatus::FormFactorObject) {
-    StopBox(job, " Form-factor objects are not evaluated by this version ");
-  }
-  return value.F2;
-}
-
 }  // namespace
 
 void FillReflectionWidths(Job& job, int ip) {
@@ -361,6 +330,7 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   float* row = &job.refinement.DerivativeRing(RingSlot(k), 1);
   for (int L = 0; L < fitted; ++L) row[L] = 0.0f;
   entry.active = false;
+  entry.intensityTermCount = 0;
   work.computedPattern[RingSlot(k)] = ip;
   work.computedReflection[RingSlot(k)] = k;
   const int phase = KeyPhase(r.key);
@@ -404,8 +374,10 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   ci.sin2Theta = static_cast<float>(g.sin2);
   // Profile matching starts its extraction from a unit intensity.
   if (std::abs(ph.Jbt) == 2 && !(r.F2 > 0.0f)) r.F2 = 1.0f;
-  const bool crystal = ph.Jbt == 0;
-  if (crystal) r.F2 = CrystalStructureFactor(job, work, ip, phase, g, r, fitted);
+  const StructureParts parts = PartsOf(ph, r);
+  const bool structural = parts.nuclear || parts.magnetic;
+  RealVector dF2dH{};
+  if (structural) r.F2 = ReflectionStructureF2(job, work, ip, phase, g.h, r, fitted, dF2dH);
   ci.F2 = r.F2;
   const IntensityCorrections corr =
       p.IXUNIT == AbscissaUnit::kEnergy
@@ -422,10 +394,11 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   entry.active = true;
   if (fitted == 0) return;
   // Structural derivatives enter relative to F^2, as the intensity is proportional to it.
-  if (crystal && r.F2 > 0.0f) {
+  if (structural && r.F2 > 0.0f) {
     const float inverse = 1.0f / r.F2;
     for (int L = 0; L < fitted; ++L) row[L] += work.dF2[L + 1] * inverse;
   }
+  VectorIntensitySlopes(ph, r, dF2dH, fitted, entry);
   for (int s = 1; s <= DimensionLimits::MPAR; ++s) {
     if (c.PAC[s].parameterNumber == 0) continue;
     AddToRow(row, c.PAC[s], ProfileSlotDerivative(s, ProfileOf(c), w, p, c, g, widths, corr),

@@ -22,6 +22,7 @@
 #include "results/cif_export.h"
 #include "results/correlation_matrix.h"
 #include "results/dimension_report.h"
+#include "results/magnetic_comments.h"
 #include "results/pattern_exports.h"
 #include "results/phase_fractions.h"
 #include "results/profile_files.h"
@@ -184,6 +185,7 @@ void ReportPhase(Job& job, int ip, int f, const PhaseFractions& fractions,
     if (job.run.JCIL > 0) WriteLine(job, Unit::Rpa, BraggRecordRow(f, fractions, sums));
     WriteOut(job, ApparentSizeStrainLines(job, ip, f));
   }
+  WriteOut(job, ConicalComments(f, ph.Jbt));
   if (matching) {
     CloseUnit(job.files.units[Unit::IntensitiesOut]);
     NotWrittenLine(job, "the regrouped list of extracted intensities");

@@ -205,12 +205,19 @@ void ExpectSamePhase(const Job& ja, const Job& jb, int k) {
     EXPECT_EQ(ga.NSYM, gb.NSYM);
     EXPECT_EQ(ga.ICENT, gb.ICENT);
     EXPECT_EQ(ga.LAUE, gb.LAUE);
+    EXPECT_EQ(ga.NMAGM, gb.NMAGM);
     for (int n = 1; n <= ga.NSYM; ++n) {
       EXPECT_EQ(ga.isl[n], gb.isl[n]) << "operator " << n;
       for (int axis = 1; axis <= 3; ++axis) {
         EXPECT_FLOAT_EQ(ga.translation(axis, n), gb.translation(axis, n));
       }
+      // The moment matrices and their phases, or the time-reversal signs.
+      for (int m = 1; m <= ga.NMAGM; ++m) {
+        EXPECT_EQ(ga.magneticRotation(m, n), gb.magneticRotation(m, n)) << "operator " << n;
+        EXPECT_FLOAT_EQ(ga.magneticPhase(m, n), gb.magneticPhase(m, n)) << "operator " << n;
+      }
     }
+    for (int n = 1; n <= ga.NSYM + 1; ++n) EXPECT_EQ(ga.magneticSign[n], gb.magneticSign[n]);
   }
   const Phase& a = ja.phases[k];
   const Phase& b = jb.phases[k];
@@ -616,6 +623,76 @@ TEST(ControlRoundTrip, CrystalAndMagneticAtoms) {
   c.job = "1 5 1 0 0 0 0 0 0 0 0 0 0 1 0 0 0";
   c.more = "0.5 0.0 0.0\n0 0 0\n";
   RoundTrip(c.Text());
+}
+
+// Every magnetic kind of phase reads back the same: the spherical form, the
+// conical model, the nuclear and magnetic phase in both forms.
+TEST(ControlRoundTrip, SphericalMagneticAtoms) {
+  SingleCase c = WithAtoms("1 0 0 0.0 0.0 1.0 -1 0 0 0 0 0.0 1 0 0",
+                           "Mn MMN2 1 1 0.0 0.0 0.0 0.5 1.0 2.0 30.0 60.0\n0 0 0 0 0 41.0 0 0\n"
+                           "1.5 120.0 45.0 0.0 0.0 0.0 0.25\n0 0 0 0 0 0 0");
+  c.job = "1 5 1 0 0 0 0 0 0 0 0 0 0 1 0 0 0";
+  c.more = "0.5 0.0 0.0\n0 0 0\n";
+  RoundTrip(c.Text());
+}
+
+TEST(ControlRoundTrip, ConicalMagneticAtoms) {
+  SingleCase c = WithAtoms("2 0 0 0.0 0.0 1.0 5 0 0 0 0 0.0 1 0 0",
+                           "Mn MMN2 1 1 0.0 0.0 0.0 0.5 1.0 2.0 35.0 20.0\n0 0 0 0 0 41.0 0 0\n"
+                           "30.0 60.0 0.0 0.0 0.0 0.0 0.0\n0 0 0 0 0 0 0\n"
+                           "Mn2 MMN2 1 1 0.5 0.5 0.5 0.5 1.0 2.0 35.0 110.0\n0 0 0 0 0 0 0 0\n"
+                           "0.0 0.0 0.0 0.0 0.0 0.0 0.0\n0 0 0 0 0 0 0");
+  c.job = "1 5 1 0 0 0 0 0 0 0 0 0 0 1 0 0 0";
+  c.more = "0.0 0.0 0.3\n0 0 0\n";
+  RoundTrip(c.Text());
+}
+
+TEST(ControlRoundTrip, SphericalCrystalAndMagneticAtoms) {
+  SingleCase c = WithAtoms("1 0 0 0.0 0.0 1.0 -10 0 0 0 0 0.0 1 0 0",
+                           "Mn MMN2 1 1 0.0 0.0 0.0 0.5 1.0 3\n0 0 0 41.0 0\n"
+                           "2.0 30.0 60.0 0.1 0.0 0.0 0.25\n0 0 0 0 0 0 0\n"
+                           "0.001 0.001 0.002 0.0 0.0 0.0\n0 0 0 0 0 0");
+  c.job = "1 5 1 0 0 0 0 0 0 0 0 0 0 1 0 0 0";
+  c.more = "0.5 0.0 0.0\n0 0 0\n";
+  RoundTrip(c.Text());
+}
+
+// Operators with their moment matrices typed as numbers and as text.
+TEST(ControlRoundTrip, MagneticOperatorsTypedAsNumbersAndAsText) {
+  for (const std::string& symmetry :
+       {std::string("!Nsym Cen Laue MagMat\n2 1 3 2\n"
+                    " 1 0 0 0.0  0 1 0 0.0  0 0 1 0.0\n 1 0 0 0 1 0 0 0 1 0.0\n"
+                    "-1 0 0 0 -1 0 0 0 1 0.25\n"
+                    "-1 0 0 0.5  0 -1 0 0.0  0 0 1 0.5\n-1 0 0 0 -1 0 0 0 1 0.1\n"
+                    " 1 0 0 0 1 0 0 0 -1 0.0\n"),
+        std::string("!Nsym Cen Laue MagMat\n2 1 3 1\n"
+                    "SYMM x,y,z\nMSYM u,v,w,0.0\nSYMM -x+1/2,-y,z+1/2\nMSYM -u,-v,w,0.1\n")}) {
+    const bool text = symmetry.find("SYMM") != std::string::npos;
+    SingleCase c = WithAtoms(
+        std::string("1 0 0 0.0 0.0 1.0 1 0 ") + (text ? "-1" : "1") + " 0 0 0.0 0 0 0", "");
+    c.symbol = "P m m m\n" + symmetry +
+               "Mn MMN2 2 0 0.1 0.2 0.3 0.5 1.0 2.0 0.0 -1.5\n0 0 0 0 0 41.0 0 0\n"
+               "0.0 0.0 0.0 0.0 0.0 0.0 0.0\n0 0 0 0 0 0 0";
+    c.job = "1 5 1 0 0 0 0 0 0 0 0 0 0 1 0 0 0";
+    c.cell = "4.0 4.1 4.2 90 90 90\n31.0 0 0 0 0 0";
+    RoundTrip(c.Text());
+  }
+}
+
+// A nuclear and magnetic phase with "Mag" behind its symbol: the line of
+// time-reversal signs reads back.
+TEST(ControlRoundTrip, TimeReversalSignsOfANuclearAndMagneticPhase) {
+  SingleCase c = WithAtoms("1 0 0 0.0 0.0 1.0 10 0 0 0 0 0.0 0 0 0", "");
+  c.symbol =
+      "P n m a             Mag\n1 -1 1 -1 1\n"
+      "Mn MMN3 1 0 0.0 0.0 0.5 0.3 0.5 1\n0 0 0 41.0 0\n"
+      "3.7 0.0 0.0 0.0 0.0 0.0 0.0\n0 0 0 0 0 0 0";
+  c.job = "1 5 1 0 0 0 0 0 0 0 0 0 0 1 0 0 0";
+  c.cell = "5.7 7.6 5.5 90 90 90\n31.0 0 0 0 0 0";
+  const RoundTripRun run(c.Text());
+  ExpectSameModel(*run.first.job, *run.second.job);
+  EXPECT_EQ(run.second.job->phases[1].magneticSymmetry, 1);
+  EXPECT_EQ(run.second.job->phases[1].group.magneticSign[2], -1);
 }
 
 TEST(ControlRoundTrip, AtomsOfTheSecondPhaseFollowThoseOfTheFirst) {

@@ -1,5 +1,5 @@
-// A Rietveld refinement of a public neutron pattern of PbSO4 (skipped when the shared data folder
-// is absent).
+// Rietveld refinements of public neutron patterns, PbSO4 and the magnetic LaMnO3 (skipped when
+// the shared data folder is absent).
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -76,6 +76,36 @@ TEST(RealData, PbSO4NeutronPatternRefinesToAGoodFit) {
   EXPECT_NEAR(o3[0], 0.085f, 0.01f);
   EXPECT_NEAR(o3[3], 0.026f, 0.01f);
   EXPECT_NEAR(o3[6], 0.806f, 0.01f);
+}
+
+// LaMnO3 at 50 K (examples/lamno3-neutron-magnetic): the nuclear structure
+// with the moment held at 0, then the moment on Mn released from 3 Bohr
+// magnetons. The A-type order fills the magnetic peaks the first step leaves.
+TEST(RealData, LaMnO3MomentOnMnRefinesFromTheNuclearStructure) {
+  const std::filesystem::path data = std::filesystem::path(CORVINET_SHARED_DIR) / "data" /
+                                     "lamno3-bt1-magnetic" / "LaMnO3_50k.gsas";
+  if (!std::filesystem::exists(data)) GTEST_SKIP() << "shared data folder absent";
+  ScratchDir dir;
+  std::filesystem::copy_file(data, dir.path / "LaMnO3_50k.gsas");
+  const std::string example = "../../examples/lamno3-neutron-magnetic/";
+  dir.Write("lamno3.pcr", testing::TestData(example + "lamno3_nuclear.pcr"));
+  ASSERT_EQ(testing::RunBinary(dir.path, "lamno3 LaMnO3_50k.gsas").exitCode, 0);
+  const std::vector<float> nuclear = LastNumbers(dir.Read("lamno3.out"), " => R-Factors:");
+  ASSERT_GE(nuclear.size(), 3u);
+  EXPECT_GT(nuclear[2], 5.0f);  // chi2 with the magnetic peaks left out
+  dir.Write("lamno3.pcr", testing::TestData(example + "lamno3_magnetic.pcr"));
+  ASSERT_EQ(testing::RunBinary(dir.path, "lamno3 LaMnO3_50k.gsas").exitCode, 0);
+  const std::string out = dir.Read("lamno3.out");
+  ASSERT_NE(out.find(" =>  Convergence reached at this CYCLE !!!!"), std::string::npos);
+  const std::vector<float> r = LastNumbers(out, " => R-Factors:");
+  ASSERT_GE(r.size(), 3u);
+  EXPECT_LT(r[1], 7.0f);  // Rwp
+  EXPECT_LT(r[2], 2.0f);  // chi2
+  const std::vector<float> moment = LastNumbers(out, "   Mn Real moment:");
+  ASSERT_GE(moment.size(), 1u);
+  // The ordered moment of Mn3+ at low temperature: between 3.4 and 3.9.
+  EXPECT_GT(moment[0], 3.4f);
+  EXPECT_LT(moment[0], 3.9f);
 }
 
 }  // namespace

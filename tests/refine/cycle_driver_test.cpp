@@ -1,6 +1,7 @@
 // Tests of the cycle loop: no cycles, no refined parameters, one cycle, oscillation damping and
 // divergence.
 #include "refine/cycle_driver.h"
+#include "refine/cycle_stop_tests.h"
 
 #include <gtest/gtest.h>
 
@@ -127,17 +128,27 @@ TEST(CycleDriver, ChiSquaredThatDoesNotFallStopsTheRunForDivergence) {
   EXPECT_EQ(run.Count(" Normal end, final calculations and writing..."), 0);
 }
 
-TEST(CycleDriver, MagneticOrRigidBodyPhaseStopsBeforeTheFirstCycle) {
-  for (int Jbt : {1, -1, 4, 5, -5, 10, -10}) {
+TEST(CycleDriver, RigidBodyPhaseStopsBeforeTheFirstCycle) {
+  CapturedJob job;
+  job->run.NPHASE = 1;
+  job->run.NCY = 1;
+  job->phases[1].Jbt = 4;
+  EXPECT_FALSE(testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j); }));
+  EXPECT_NE(job.Console().find(" Rigid-body structure factors are not available in this version"),
+            std::string::npos);
+  EXPECT_EQ(job.Console().find("CYCLE:"), std::string::npos);
+}
+
+// Magnetic phases of every kind have their structure factors now: the check
+// before the first cycle lets them through.
+TEST(CycleDriver, MagneticPhasesPassTheCheckBeforeTheFirstCycle) {
+  for (int Jbt : {1, -1, 5, -5, 10, -10}) {
     CapturedJob job;
     job->run.NPHASE = 1;
-    job->run.NCY = 1;
     job->phases[1].Jbt = Jbt;
-    EXPECT_FALSE(testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j); })) << Jbt;
-    EXPECT_NE(job.Console().find(
-                  " Magnetic and rigid-body structure factors are not available in this version"),
-              std::string::npos);
-    EXPECT_EQ(job.Console().find("CYCLE:"), std::string::npos);
+    EXPECT_TRUE(testing::RunsWithoutStop(*job, [&](Job& j) {
+      StopOnStructureFactorsNotCalculated(j);
+    })) << Jbt;
   }
 }
 
