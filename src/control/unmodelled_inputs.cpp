@@ -82,6 +82,16 @@ std::string UnmodelledWords(const Job& job, int k, int ip) {
   return {};
 }
 
+// What an |Irf| 4 phase holds that the evaluation of intensities lacks.
+std::string UnmodelledIntensityWords(const Phase& ph, const PhasePattern& c) {
+  if (ph.Jbt != 0) return "integrated intensities are evaluated for nuclear phases (Jbt 0) only";
+  for (int s = IntegratedSlot::Ext1; s <= IntegratedSlot::Ext7; ++s) {
+    if (SlotUsed(c, s))
+      return "the extinction of integrated intensities is not modelled by this version";
+  }
+  return {};
+}
+
 bool PatternRuns(const Pattern& p) {
   return p.IXUNIT != AbscissaUnit::kTimeOfFlight;
 }
@@ -93,8 +103,9 @@ void StopOnUnmodelledInputs(Job& job) {
   for (int k = 1; k <= job.run.NPHASE; ++k) {
     for (int ip = 1; ip <= job.run.NPATT; ++ip) {
       const PhasePattern& c = job.phases[k].pat[ip];
-      if (c.Contribution == 0 || std::abs(c.Irf) == 4 || !PatternRuns(job.patterns[ip])) continue;
-      const std::string words = UnmodelledWords(job, k, ip);
+      if (c.Contribution == 0 || !PatternRuns(job.patterns[ip])) continue;
+      const std::string words = std::abs(c.Irf) == 4 ? UnmodelledIntensityWords(job.phases[k], c)
+                                                     : UnmodelledWords(job, k, ip);
       if (words.empty()) continue;
       const std::string where = job.run.NPATT > 1
                                     ? Fmt("(A,I0,A,I0)", " => Phase ", k, " in pattern ", ip)

@@ -1,4 +1,5 @@
 // The reflections of one phase in one pattern as the pattern block asks for them by Irf.
+#include "crystal/intensity_file.h"
 #include "crystal/reflection_generation.h"
 #include "format/fortran_format.h"
 #include "surface/console.h"
@@ -12,13 +13,6 @@ bool LastPhaseOfPattern(const Job& job, int k, int ip) {
     if (job.phases[later].pat[ip].Contribution != 0) return false;
   }
   return true;
-}
-
-[[noreturn]] void RefuseIntegratedIntensities(Job& job, int k, int ip) {
-  ConsoleLine(job, Fmt("(A,I2,A,I2)", " => Phase ", k, ", pattern ", ip,
-                       ": integrated intensities (Irf 4 or -4) as observations"));
-  ConsoleLine(job, "    are not read by this version of the program");
-  StopBox(job, " Integrated intensities (Irf=4/-4) are not supported ");
 }
 
 void MakeByIrf(Job& job, int k, int ip, LorentzFactor lorentz) {
@@ -38,7 +32,9 @@ void MakeByIrf(Job& job, int k, int ip, LorentzFactor lorentz) {
       return;
     case 4:
     case -4:
-      RefuseIntegratedIntensities(job, k, ip);
+      ConsoleLine(job, Fmt("(A,I2)", " => Reading integrated intensities for pattern: ", ip));
+      ReadIntensities(job, k, ip);
+      return;
     default:
       StopBox(job, " Illegal IRF value ");
   }

@@ -329,8 +329,11 @@ void SetUpPhaseSpecies(Job& job, int k, int ip) {
   if (ph.pat[ip].Contribution == 0) return;
   const Pattern& p = job.patterns[ip];
   const int radiation = std::abs(p.JOBTYP);
+  // A list of integrated intensities was measured at the wavelength of its file.
+  const float lambda =
+      std::abs(ph.pat[ip].Irf) == 4 ? p.intensities.phase[k].WAVELENGTH : p.LAMBDA[1];
   const AnomalousSource source =
-      IsNeutronJob(radiation) ? AnomalousSource{} : AnomalousSourceOf(p.LAMBDA[1]);
+      IsNeutronJob(radiation) ? AnomalousSource{} : AnomalousSourceOf(lambda);
   ResolveScatteringSpecies(job, ip, k, ph.Nat, p.scatteringCount, source, radiation);
 }
 

@@ -14,9 +14,10 @@ namespace {
 
 constexpr double kTwoPi = 6.283185307179586;
 
-// Form factor f and f'' of species `sp` at s2, from its tabulated points or
-// from its analytic coefficients (zero for neutrons, where f is the length).
-void FormFactor(int NSCAT, const ChemicalSpecies& sp, int number, float s2, float& f, float& fpp) {
+}  // namespace
+
+void SpeciesFormFactor(int NSCAT, const ChemicalSpecies& sp, int number, float s2, float& f,
+                       float& fpp) {
   fpp = sp.fpp;
   if (NSCAT < 0 && number <= -NSCAT && sp.nTable >= 1) {
     const float t = 2000.0f * std::sqrt(s2);
@@ -29,6 +30,8 @@ void FormFactor(int NSCAT, const ChemicalSpecies& sp, int number, float s2, floa
   }
   f = static_cast<float>(sum);
 }
+
+namespace {
 
 // The terms of every operator for this reflection: they do not depend on the atom.
 void PrepareOperators(const SpaceGroup& g, const StructureFactorRequest& q,
@@ -136,7 +139,7 @@ StructureFactorValue EvaluateStructureFactor(const StructureFactorInputs& in,
     const int sp = a.nuclearSpecies;
     if (sp <= 0) return {StructureFactorStatus::FormFactorObject, 0.0f, i};
     float f = 0.0f, fpp = 0.0f;
-    FormFactor(in.NSCAT, in.species[sp], sp, q.s2, f, fpp);
+    SpeciesFormFactor(in.NSCAT, in.species[sp], sp, q.s2, f, fpp);
     const double E = std::exp(-static_cast<double>(a.ATP[4]) * q.s2);
     SumOperators(scratch.operators, a, q, s);
     s.w = static_cast<float>(f * a.ATP[5] * E);

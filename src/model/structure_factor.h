@@ -69,6 +69,12 @@ struct StructureFactorValue {
   int atom = 0;  // for FormFactorObject: the first such atom, counted in the phase from 1
 };
 
+// Form factor f (with f') and f'' of species `sp`, number `number` of the
+// phase, at s2 = (sin(theta)/lambda)^2: from its table of points when the
+// pattern gives tables (NSCAT < 0), otherwise from its coefficients.
+void SpeciesFormFactor(int NSCAT, const ChemicalSpecies& sp, int number, float s2, float& f,
+                       float& fpp);
+
 // F^2 = A^2 + B^2 + A''^2 + B''^2 of the reflection; stores A' and B' (or
 // adds the stored partial ones for lists that carry them) and, when the
 // pattern writes Fourier files, the phase angle. When `dF2` is not null the

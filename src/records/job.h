@@ -1,6 +1,7 @@
 // The job record: everything one process and its runs know, passed by reference.
 #pragma once
 
+#include <atomic>
 #include <cstdio>
 #include <string>
 
@@ -24,6 +25,18 @@ enum class DriverAnswer {
   kStop,       // end the program
 };
 
+// A request of the user to end a long task (the interrupt key during a
+// search); set by the thread that waits for the signal, read by the workers.
+struct InterruptFlag {
+  std::atomic<bool> raised{false};
+  InterruptFlag() = default;
+  InterruptFlag(const InterruptFlag& other) : raised(other.raised.load()) {}
+  InterruptFlag& operator=(const InterruptFlag& other) {
+    raised = other.raised.load();
+    return *this;
+  }
+};
+
 // What the run driver keeps for the whole process.
 struct DriverState {
   std::string commandLine;                        // the arguments, joined by blanks
@@ -38,6 +51,7 @@ struct DriverState {
   DriverAnswer answer = DriverAnswer::kSameData;  // answer of the last continue dialog
   double cpuStart = 0.0;                          // CPU clock at the start of the run, seconds
   double cpuEnd = 0.0;                            // CPU clock at the end of the run, seconds
+  InterruptFlag interrupt;                        // the user asked to end the search
 };
 
 // Everything a run reads and computes; cleared by ResetDefaults before each run.

@@ -7,6 +7,7 @@
 #include "records/abscissa_unit.h"
 #include "records/codeword.h"
 #include "records/dimension_limits.h"
+#include "records/intensity_list.h"
 #include "records/profile_code.h"
 #include "records/reflection.h"
 #include "records/resolution_function.h"
@@ -136,6 +137,7 @@ struct Pattern {
 
   // Reflections of all phases.
   ReflectionTable reflections;  // reflections of all phases in this pattern
+  IntensityTable intensities;   // observed integrated intensities of the |Irf| 4 phases
 };
 
 // The profile function of a pattern, once the run block is read.

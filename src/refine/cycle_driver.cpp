@@ -13,6 +13,7 @@
 #include "refine/cycle_report.h"
 #include "refine/cycle_stop_tests.h"
 #include "refine/cycle_work.h"
+#include "refine/intensity_evaluation.h"
 #include "refine/order_reflections.h"
 #include "refine/parameter_families.h"
 #include "refine/parameter_update.h"
@@ -207,6 +208,9 @@ void RunCycles(Job& job, CycleWork& work) {
     s.GlobalChi2 = 0.0f;
     s.globalResidualSum = 0.0f;
     if (job.run.ICRYG == 0) SumPatterns(job, cycle, s.EndMarker);
+    if (HasIntensityObservations(job)) {
+      s.GlobalChi2 = AccumulateIntensityObservations(job, work.structure, s.GlobalChi2);
+    }
     StoreEquations(s.normal, fitted);
     if (job.run.MAT == 2) WriteDiagonal(job, cycle, fitted);
     StopOnSingularMatrix(job, fitted);

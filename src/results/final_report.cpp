@@ -18,6 +18,7 @@
 #include "records/reflection.h"
 #include "refine/bragg_profile.h"
 #include "refine/cycle_work.h"
+#include "refine/intensity_evaluation.h"
 #include "results/apparent_size_strain.h"
 #include "results/cif_export.h"
 #include "results/correlation_matrix.h"
@@ -174,7 +175,8 @@ void ReportPhase(Job& job, int ip, int f, const PhaseFractions& fractions,
   WritePhaseHeader(job, ip, f);
   if (matching) OpenExtractedIntensityFile(job, ip, f);
   if (std::abs(ph.pat[ip].Irf) == 4) {
-    NotWrittenLine(job, "the Bragg evaluation of integrated intensities");
+    auto scratch = std::make_unique<StructureFactorScratch>();
+    ReportIntensityList(job, *scratch, ip, f);
   } else {
     std::vector<CifReflection> cif;
     const PhaseReportSums sums = WriteReflectionRows(job, ip, f, profile, cif);

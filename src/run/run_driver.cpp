@@ -21,6 +21,7 @@
 #include "run/defaults.h"
 #include "run/directory_memory.h"
 #include "run/job_choice.h"
+#include "search/search_run.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -32,14 +33,11 @@ void CloseAllUnits(Job& job) {
 }
 
 // The cycles of a refinement or the single pass of a calculation, once the
-// whole control file is read, then the final report. The search is not part
-// of this version.
+// whole control file is read, then the final report; or the search.
 void RunEngine(Job& job) {
   if (!job.run.controlFileComplete) return;
   if (std::abs(job.run.ICRYG) == 2) {
-    const char* words = " => The Monte Carlo search is not run by this version of Corvinet";
-    ConsoleLine(job, words);
-    WriteReports(job, words);
+    SearchRun(job);
     return;
   }
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {

@@ -548,15 +548,16 @@ TEST(MakeReflections, IllegalIrfStops) {
   EXPECT_TRUE(HasLine(c.job.Console(), " Illegal IRF value"));
 }
 
-TEST(MakeReflections, IntegratedIntensitiesAreRefusedClearly) {
+TEST(MakeReflections, IntegratedIntensitiesAreReadFromTheListFile) {
   for (int irf : {4, -4}) {
     GenerationCase c("P m 3 m", Cell(4, 4, 4), 4);
     c.Ph().pat[1].Irf = irf;
+    // No list file beside the job: the opener stops the run.
     EXPECT_FALSE(
         c.Runs([](Job& job) { MakeReflections(job, 1, 1, ReflectionLorentzPolarisation); }));
-    const std::string console = c.job.Console();
-    EXPECT_TRUE(HasLine(console, "    are not read by this version of the program")) << irf;
-    EXPECT_TRUE(HasLine(console, " Integrated intensities (Irf=4/-4) are not supported")) << irf;
+    EXPECT_TRUE(HasLine(c.job.Console(), " => Reading integrated intensities for pattern:  1"))
+        << irf;
+    EXPECT_EQ(c.P().reflections.count[1], 0);
   }
 }
 

@@ -188,15 +188,13 @@ TEST(FinalReport, StepsOfOtherPiecesAreNamedAsNotWritten) {
   EXPECT_EQ(CountLines(out, prefix + "the structure-factor list of phase 1"), 1);
 }
 
-TEST(FinalReport, IntegratedIntensityPhaseIsNamedAsNotEvaluated) {
+TEST(FinalReport, IntegratedIntensityPhaseWritesItsListInsteadOfTheBraggFactors) {
   ReportRun run("   0   0   0   0   0   0   0   0   0   0   0   0   0   0   0   0   0");
   ASSERT_TRUE(run.cycled);
   run.job->phases[1].pat[1].Irf = 4;
   ASSERT_TRUE(run.Report());
-  EXPECT_EQ(CountLines(run.Out(),
-                       " => This version of Corvinet does not write the Bragg "
-                       "evaluation of integrated intensities"),
-            1);
+  EXPECT_EQ(CountLines(run.Out(), " => F2cal= scale*Corr*F2"), 1);
+  EXPECT_EQ(CountLines(run.Out(), " =>    RF2 -factor :     0.0000"), 1);
   EXPECT_EQ(LineIndex(run.Out(), " => Bragg R-factor:"), std::string::npos);
 }
 
