@@ -8,6 +8,7 @@ Output lines:
   symops_match 0|1          the _space_group_symop_operation_xyz loop, as a set of operators,
                             equals the general position gemmi builds from the symbol HM
   site LABEL x y z occupancy u_iso
+  aniso LABEL u11 u22 u33 u12 u13 u23   for each site with anisotropic displacements
   refln_count N
   sf_max_relative R         for neutron data: the largest relative difference between the
                             file's _refln_F_squared_calc and |F|^2 that gemmi computes from the
@@ -43,6 +44,12 @@ def main():
     for site in small.sites:
         print('site %s %.6f %.6f %.6f %.6f %.6f' % (site.label, site.fract.x, site.fract.y,
                                                     site.fract.z, site.occ, site.u_iso))
+
+    for site in small.sites:
+        a = site.aniso
+        if a.nonzero():
+            print('aniso %s %.6f %.6f %.6f %.6f %.6f %.6f'
+                  % (site.label, a.u11, a.u22, a.u33, a.u12, a.u13, a.u23))
 
     table = block.find(['_refln_index_h', '_refln_index_k', '_refln_index_l',
                         '_refln_F_squared_calc'])
