@@ -21,7 +21,7 @@ std::string ReadControlRecord(Job& job, std::size_t length) {
   RecordRead got = ReadRecord(job.files.units[Unit::Control], record, length);
   if (got != RecordRead::Ok) {
     ConsoleLine(job, Fmt("(A,I3)", " => Not FATAL End of file !,  logical unit: ", Unit::Control));
-    throw ProcessStop{ExitStatus::kError};
+    throw ProcessStop{ExitStatus::kError, "End of file in the control file"};
   }
   ++job.LINE;
   return record;

@@ -33,7 +33,7 @@ bool ReadQualifyingLine(Job& job, int unit, std::string& line, int& lineNumber, 
       error = FieldError::EndOfFile;
       ConsoleLine(job, Fmt("(A,I3)", " => Not FATAL End of file !,  logical unit: ", unit));
       if (unit == Unit::Data) return false;
-      throw ProcessStop{ExitStatus::kError};
+      throw ProcessStop{ExitStatus::kError, "End of file of " + job.files.units[unit].name};
     }
     if (got == RecordRead::Error) {
       error = -1 - 100;

@@ -145,6 +145,8 @@ const FileRow kFiles[] = {
      [](const NameParts& n) { return Names{n.pcr + n.suffix + "_dif.xy"}; }, Mode::kUnknown},
     {FileKind::kZeroDifference, Unit::Background,
      [](const NameParts& n) { return Names{n.pcr + n.suffix + "_zdif.xy"}; }, Mode::kUnknown},
+    {FileKind::kJson, Unit::Json, [](const NameParts& n) { return Names{n.pcr + ".json"}; },
+     Mode::kUnknown},
     {FileKind::kCif, Unit::Cif,
      [](const NameParts& n) { return Names{n.pcr + "_" + n.phase + n.suffix + ".cif"}; },
      Mode::kUnknown},

@@ -35,6 +35,7 @@ enum class FileKind : int {
   kDifferenceCurve = 24,  // _dif.xy: the difference written by the final report
   kZeroDifference = 25,   // _zdif.xy: the zero-corrected difference with the background in
   kCif = 26,              // _<phase>.cif: the refined structure and its powder data
+  kJson = 27,             // .json: the end and the results of the run, for scripts
   kMultiPattern = 1000,   // no file: switches on the pattern suffix
 };
 

@@ -21,7 +21,7 @@ std::span<const float> Heights(const Pattern& p) {
 
 [[noreturn]] void StopOnZeroWidth(Job& job) {
   ConsoleLine(job, " => Problem with interpolation!, check your background points! ");
-  throw ProcessStop{ExitStatus::kError};
+  throw ProcessStop{ExitStatus::kError, "Problem with interpolation of the background points"};
 }
 
 // The bracket of abscissa t and the linear weights of its two points.

@@ -67,7 +67,7 @@ float SplineValue(Job& job, std::span<const float> x, std::span<const float> y,
   const float h = x[b.khi - 1] - x[b.klo - 1];
   if (h == 0.0f) {
     ConsoleLine(job, " => Problem with interpolation!, check your background points! ");
-    throw ProcessStop{ExitStatus::kError};
+    throw ProcessStop{ExitStatus::kError, "Problem with interpolation of the background points"};
   }
   const float a = (x[b.khi - 1] - t) / h;
   const float c = (t - x[b.klo - 1]) / h;

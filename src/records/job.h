@@ -43,6 +43,7 @@ struct DriverState {
   int commandLineLength = 0;                      // its length; 0 once the arguments are used
   std::string PcrCode;                            // control-file code of the job
   std::string DatCode;                            // data-file code of the job
+  bool jobRunning = false;                        // a job has opened its control file
   std::string startDirectory;                     // directory the file dialog starts in
   std::string envDirectory;                       // directory named by CORVINET, with a slash
   std::string dirMemoryPath;                      // file that remembers the start directory

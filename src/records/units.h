@@ -30,6 +30,7 @@ constexpr int Shape = 24;
 constexpr int Corrections = 25;
 constexpr int IntensitiesOut = 26;
 constexpr int Cif = 27;
+constexpr int Json = 28;
 constexpr int DirMemory = 33;
 constexpr int CyclicLog = 34;
 constexpr int Count = 40;

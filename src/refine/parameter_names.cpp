@@ -43,23 +43,24 @@ std::string AtomSlotName(const Phase& phase, int slot) {
   return Fmt("(A,I0)", "FF", slot);
 }
 
-std::string GlobalDescription(const Job& job, int L) {
+ParameterHolder GlobalHolder(const Job& job, int L) {
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
     const Pattern& p = job.patterns[ip];
     for (int n = 1; n <= DimensionLimits::NGL; ++n) {
-      if (Holds(p.GLBword[n], L)) return GlobalSlotName(n, p.IXUNIT) + InPattern(ip);
+      if (Holds(p.GLBword[n], L)) return {GlobalSlotName(n, p.IXUNIT) + InPattern(ip), p.GLB[n]};
     }
     for (int j = 1; j <= p.NBCKGD && j <= DimensionLimits::IBACP + 1; ++j) {
       if (Holds(p.backPointWord[j], L)) {
-        return BackgroundHeightName(j) + Fmt("(A,F0.3)", " (background height at ", p.BackPos[j]) +
-               ")" + InPattern(ip);
+        return {BackgroundHeightName(j) + Fmt("(A,F0.3)", " (background height at ", p.BackPos[j]) +
+                    ")" + InPattern(ip),
+                p.BackInt[j]};
       }
     }
   }
-  return std::string();
+  return {};
 }
 
-std::string ProfileDescription(const Job& job, int k, int L) {
+ParameterHolder ProfileHolder(const Job& job, int k, int L) {
   const Phase& ph = job.phases[k];
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
     const PhasePattern& c = ph.pat[ip];
@@ -69,53 +70,62 @@ std::string ProfileDescription(const Job& job, int k, int L) {
       const int further = s - job.run.firstFurtherParameter;
       const std::string furtherName =
           further >= 1 && further <= ph.Furth ? ph.FurtherName[further] : std::string();
-      const std::string name = s >= ProfileSlot::FirstCell && s <= ProfileSlot::LastCell
-                                   ? std::string(CellConstantName(s - ProfileSlot::FirstCell + 1))
-                                   : PeakSlotName(s, c.Irf, job.patterns[ip].IXUNIT, furtherName);
-      return name + InPhase(k) + Fmt("(A,I0)", ", pattern ", ip);
+      const std::string where = InPhase(k) + Fmt("(A,I0)", ", pattern ", ip);
+      if (s >= ProfileSlot::FirstCell && s <= ProfileSlot::LastCell) {
+        const int i = s - ProfileSlot::FirstCell + 1;
+        return {std::string(CellConstantName(i)) + where, c.CellConstants[i],
+                job.limits.cells(k, ip).sigma[i]};
+      }
+      return {PeakSlotName(s, c.Irf, job.patterns[ip].IXUNIT, furtherName) + where, c.PAR[s]};
     }
   }
-  return std::string();
+  return {};
 }
 
-std::string AtomDescription(const Job& job, int k, int firstRow, int L) {
+ParameterHolder AtomHolder(const Job& job, int k, int firstRow, int L) {
   const Phase& ph = job.phases[k];
   for (int a = 1; a <= ph.Nat && firstRow + a <= DimensionLimits::NATS; ++a) {
     const AtomSite& atom = job.atoms[firstRow + a];
     for (int s = 1; s <= DimensionLimits::NAT_P; ++s) {
       if (!Holds(atom.ATC[s], L)) continue;
-      return AtomSlotName(ph, s) + " of atom " + TrimmedCopy(atom.label) + InPhase(k);
+      return {AtomSlotName(ph, s) + " of atom " + TrimmedCopy(atom.label) + InPhase(k),
+              atom.ATP[s]};
     }
   }
-  return std::string();
+  return {};
 }
 
-std::string VectorDescription(const Job& job, int k, int L) {
+ParameterHolder VectorHolder(const Job& job, int k, int L) {
   static constexpr const char* kComponents[] = {"kx", "ky", "kz"};
   const Phase& ph = job.phases[k];
   for (int v = 1; v <= ph.Nvk && v <= DimensionLimits::NEQV; ++v) {
     for (int i = 1; i <= 3; ++i) {
       if (!Holds(ph.vectors[v].KCODE[i], L)) continue;
-      return std::string(kComponents[i - 1]) + Fmt("(A,I0)", " of propagation vector ", v) +
-             InPhase(k);
+      return {std::string(kComponents[i - 1]) + Fmt("(A,I0)", " of propagation vector ", v) +
+                  InPhase(k),
+              ph.vectors[v].KVEC[i]};
     }
   }
-  return std::string();
+  return {};
 }
 
 }  // namespace
 
-std::string ParameterDescription(const Job& job, int L) {
-  if (L < 1) return std::string();
-  std::string found = GlobalDescription(job, L);
+ParameterHolder ParameterHolderOf(const Job& job, int L) {
+  if (L < 1) return {};
+  ParameterHolder found = GlobalHolder(job, L);
   int firstRow = 0;
-  for (int k = 1; k <= job.run.NPHASE && found.empty(); ++k) {
-    found = ProfileDescription(job, k, L);
-    if (found.empty()) found = AtomDescription(job, k, firstRow, L);
-    if (found.empty()) found = VectorDescription(job, k, L);
+  for (int k = 1; k <= job.run.NPHASE && found.name.empty(); ++k) {
+    found = ProfileHolder(job, k, L);
+    if (found.name.empty()) found = AtomHolder(job, k, firstRow, L);
+    if (found.name.empty()) found = VectorHolder(job, k, L);
     firstRow += job.phases[k].Nat;
   }
   return found;
+}
+
+std::string ParameterDescription(const Job& job, int L) {
+  return ParameterHolderOf(job, L).name;
 }
 
 }  // namespace corvinet

@@ -14,4 +14,14 @@ namespace corvinet {
 // empty when no value of the model holds it.
 std::string ParameterDescription(const Job& job, int L);
 
+// The value that holds refined parameter L, as the description names it: the value itself
+// (for a cell constant, the constant, not its metric coefficient) and, for a cell constant, its
+// standard deviation from the cell statistics (otherwise -1: the caller takes that of L).
+struct ParameterHolder {
+  std::string name;    // empty when no value holds L
+  float value = 0.0f;  // the value after the last shift
+  float sigma = -1.0f;
+};
+ParameterHolder ParameterHolderOf(const Job& job, int L);
+
 }  // namespace corvinet

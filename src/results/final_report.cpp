@@ -183,6 +183,9 @@ void ReportPhase(Job& job, int ip, int f, const PhaseFractions& fractions,
     for (const std::string& line : FinalBraggLines(job, ip, f, fractions, sums)) {
       WriteReports(job, line);
     }
+    // The final factors are those the run ends with, for the files written after the report.
+    job.reliability.pattern[ip].braggR[f] = sums.FinalRB;
+    job.reliability.pattern[ip].rfFactor[f] = sums.FinalRF;
     if (WritesPhaseCif(job, ip, f)) WritePhaseCif(job, ip, f, {sums.FinalRB, sums.FinalRF}, cif);
     if (job.run.JCIL > 0) WriteLine(job, Unit::Rpa, BraggRecordRow(f, fractions, sums));
     WriteOut(job, ApparentSizeStrainLines(job, ip, f));

@@ -71,7 +71,7 @@ void WarningBox(Channels& channels, std::string_view text) {
 
 void StopBox(Channels& channels, std::string_view text) {
   WarningBox(channels, text);
-  throw ProcessStop{ExitStatus::kError};
+  throw ProcessStop{ExitStatus::kError, std::string(Trim(text))};
 }
 
 void WriteLine(Channels& channels, int unit, std::string_view text) {

@@ -19,6 +19,7 @@ enum class ExitStatus : int {
 // on a unit where it is fatal. Caught only by Main.
 struct ProcessStop {
   ExitStatus status = ExitStatus::kError;
+  std::string reason;  // the text of the stop box
 };
 
 // Writes a console line: an empty text gives two blanks, a text that begins

@@ -1,0 +1,23 @@
+// The results of a run for scripts: <job>.json with the exit status, the cycles, the R-factors of
+// every pattern, the Bragg factors and fractions of every phase and every refined parameter.
+#pragma once
+
+#include <string>
+
+#include "records/job.h"
+
+namespace corvinet {
+
+// How a run ended, for the JSON file.
+struct RunEnd {
+  int exitStatus = 0;  // the status the program returns
+  std::string reason;  // "normal end", or the text of the stop
+};
+
+// The text of the JSON file of the run as it stands.
+std::string RunJsonText(const Job& job, const RunEnd& end);
+
+// Writes <job>.json beside the summary.
+void WriteRunJson(Job& job, const RunEnd& end);
+
+}  // namespace corvinet
