@@ -92,10 +92,6 @@ std::string UnmodelledIntensityWords(const Phase& ph, const PhasePattern& c) {
   return {};
 }
 
-bool PatternRuns(const Pattern& p) {
-  return p.IXUNIT != AbscissaUnit::kTimeOfFlight;
-}
-
 }  // namespace
 
 void StopOnUnmodelledInputs(Job& job) {
@@ -103,7 +99,7 @@ void StopOnUnmodelledInputs(Job& job) {
   for (int k = 1; k <= job.run.NPHASE; ++k) {
     for (int ip = 1; ip <= job.run.NPATT; ++ip) {
       const PhasePattern& c = job.phases[k].pat[ip];
-      if (c.Contribution == 0 || !PatternRuns(job.patterns[ip])) continue;
+      if (c.Contribution == 0) continue;
       const std::string words = std::abs(c.Irf) == 4 ? UnmodelledIntensityWords(job.phases[k], c)
                                                      : UnmodelledWords(job, k, ip);
       if (words.empty()) continue;

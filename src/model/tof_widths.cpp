@@ -23,6 +23,10 @@ TofWidths TofPeakWidths(const Table1<float, DimensionLimits::MPAR>& PAR, double 
   w.gamma = PAR[Ur] * d2 + (PAR[Vr] + PAR[Etar]) * d + PAR[Wr];
   w.alpha = PAR[Asy1] + PAR[Asy3] / d;
   w.beta = PAR[Asy2] + PAR[Asy4] / (d2 * d2);
+  w.dSigma2dd = (4.0 * (PAR[U] + PAR[GauSiz]) * d2 + 2.0 * PAR[V]) * d;
+  w.dGammadd = 2.0 * PAR[Ur] * d + PAR[Vr] + PAR[Etar];
+  w.dAlphadd = -PAR[Asy3] / d2;
+  w.dBetadd = -4.0 * PAR[Asy4] / (d2 * d2 * d);
   if (!(w.sigma2 > 0.0)) {
     w.status = TofWidthStatus::kNegativeSigma2;
     return w;

@@ -24,6 +24,8 @@ struct TofWidths {
   double dEtadGamma = 0.0;
   double alpha = 0.0;  // alph0 + alph1/d
   double beta = 0.0;   // beta0 + beta1/d^4
+  // Slopes of sigma^2, gamma, alpha and beta with d, for the terms that move with the cell.
+  double dSigma2dd = 0.0, dGammadd = 0.0, dAlphadd = 0.0, dBetadd = 0.0;
 };
 
 // The widths of a reflection at d of a phase whose profile slots are `PAR`.

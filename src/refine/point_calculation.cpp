@@ -11,6 +11,7 @@
 #include "records/reflection.h"
 #include "refine/order_reflections.h"
 #include "refine/parameter_families.h"
+#include "refine/tof_reflection.h"
 
 namespace corvinet {
 
@@ -88,6 +89,7 @@ void FamilySlopes(const RingEntry& e, const ProfilePoint& point, const ProfileSl
 // intensity; with `slope` given, also the slope of each family.
 float PeakAtPoint(const Job& job, const Pattern& p, int ip, const RingEntry& e, float x,
                   float* slope) {
+  if (p.IXUNIT == AbscissaUnit::kTimeOfFlight) return TofPeakAtPoint(e, x, slope);
   ProfilePoint point;
   if (!PointInBase(e.shape, x, p.Wdt, point)) return 0.0f;
   const AsymmetryParameters asy = AsymmetryParametersOf(job.phases[e.phase].pat[ip]);
