@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "model/tch_widths.h"
+#include "model/tof_profile.h"
 #include "records/profile_slots.h"
 
 namespace corvinet {
@@ -43,9 +44,16 @@ TofWidths TofPeakWidths(const Table1<float, DimensionLimits::MPAR>& PAR, double 
   w.eta = tch.eta;
   const TchSlopes slopes = TchWidthSlopes(tch);
   // dHG/dsigma^2 = 4 ln2 / HG.
-  w.dEtadSigma2 = slopes.dEtadG * 0.5 * kEightLn2 / tch.HG;
+  const double dHGdSigma2 = 0.5 * kEightLn2 / tch.HG;
+  w.dHdSigma2 = slopes.dHdG * dHGdSigma2;
+  w.dHdGamma = slopes.dHdL;
+  w.dEtadSigma2 = slopes.dEtadG * dHGdSigma2;
   w.dEtadGamma = slopes.dEtadL;
   return w;
+}
+
+TofPeakShape TofPeakShapeOf(const TofWidths& w) {
+  return {w.alpha, w.beta, w.H * w.H / kEightLn2, w.H, w.eta};
 }
 
 }  // namespace corvinet

@@ -32,6 +32,7 @@ struct RingEntry {
   // of sigma^2, gamma, alpha and beta with the position when the cell moves it,
   // and the reach of its base before and after the position.
   TofPeakShape tof;
+  float tofHSigma2 = 0.0f, tofHGamma = 0.0f;  // dH/dsigma^2, dH/dgamma
   float tofEtaSigma2 = 0.0f;
   float tofEtaGamma = 0.0f;
   float tofCorrSlope = 0.0f;

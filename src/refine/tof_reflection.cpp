@@ -186,7 +186,9 @@ void ComputeReflectionProfileTof(Job& job, CycleWork& work, int ip, int k) {
   e.shape.position = static_cast<float>(t.T);
   e.shape.H = r.Fwhm;
   e.shape.eta = r.eta;
-  e.tof = {w.alpha, w.beta, w.sigma2, w.gamma, w.eta};
+  e.tof = TofPeakShapeOf(w);
+  e.tofHSigma2 = static_cast<float>(w.dHdSigma2);
+  e.tofHGamma = static_cast<float>(w.dHdGamma);
   e.tofEtaSigma2 = static_cast<float>(w.dEtadSigma2);
   e.tofEtaGamma = static_cast<float>(w.dEtadGamma);
   e.tofLeft = (r.Fwhm + kLog4 / static_cast<float>(w.alpha)) * p.Wdt;
@@ -244,8 +246,10 @@ float TofPeakAtPoint(const RingEntry& e, float x, float* slope) {
   if (!(v.omega > 1.0e-30)) return 0.0f;
   if (slope == nullptr) return static_cast<float>(v.omega);
   const double inv = 1.0 / v.omega;
-  const float sigma2 = static_cast<float>((v.dSigma2 + v.dEta * e.tofEtaSigma2) * inv);
-  const float gamma = static_cast<float>((v.dGamma + v.dEta * e.tofEtaGamma) * inv);
+  // The peak's Gaussian variance is H^2/(8 ln2) and its Lorentzian width H.
+  const double dH = v.dSigma2 * 2.0 * e.tof.gamma / 5.545177444479562 + v.dGamma;
+  const float sigma2 = static_cast<float>((dH * e.tofHSigma2 + v.dEta * e.tofEtaSigma2) * inv);
+  const float gamma = static_cast<float>((dH * e.tofHGamma + v.dEta * e.tofEtaGamma) * inv);
   const float alpha = static_cast<float>(v.dAlpha * inv);
   const float beta = static_cast<float>(v.dBeta * inv);
   slope[kIntensity] = 1.0f;
