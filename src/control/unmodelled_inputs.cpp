@@ -66,8 +66,6 @@ bool FurtherUsed(const Job& job, const Phase& ph, const PhasePattern& c) {
 std::string UnmodelledWords(const Job& job, int k, int ip) {
   const Phase& ph = job.phases[k];
   const PhasePattern& c = ph.pat[ip];
-  if (ProfileOf(c) == ProfileCode::kAxialDivergence)
-    return "the axial-divergence profile (Npr 12) is not modelled by this version";
   const BroadeningModel m = BroadeningModelOf(ph, c, job.patterns[ip], 1);
   if (AnyUnread(m, c, kStrain) || AnyUnread(m, c, kSize))
     return "size and strain parameters are not read by the size and strain models of the phase";
