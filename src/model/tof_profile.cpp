@@ -12,7 +12,7 @@ constexpr double kTwoOverSqrtPi = 1.1283791670955126;
 constexpr double kTwoOverPi = 0.63661977236758134;
 constexpr double kPi = 3.14159265358979324;
 constexpr double kEulerGamma = 0.57721566490153286;
-constexpr int kFractionTerms = 120;  // terms of the continued fraction of E1
+constexpr int kFractionTerms = 400;  // most steps of the continued fraction of E1
 
 // One exponential-Gaussian term exp(u)*erfc(y), with u - y^2 = -Delta^2/(2 sigma^2),
 // taken as exp(-Delta^2/(2 sigma^2))*exp(y^2)erfc(y) when y >= 0 so that it stays
@@ -42,15 +42,26 @@ std::complex<double> SeriesExpE1(std::complex<double> z) {
   return std::exp(z) * e1;
 }
 
+// exp(z)E1(z) = 1/(z + 1 - 1/(z + 3 - 4/(z + 5 - 9/(z + 7 - ...)))), the even
+// form of the fraction, evaluated forwards by Lentz's method until a step
+// changes it by less than 1e-13; at most kFractionTerms steps.
 std::complex<double> FractionExpE1(std::complex<double> z) {
-  std::complex<double> c = 0.0;
-  for (int k = kFractionTerms; k >= 1; --k) {
-    const double kk = static_cast<double>(k);
-    c = kk / (1.0 + kk / (z + c));
+  constexpr double kTiny = 1e-300;
+  std::complex<double> b = z + 1.0;
+  std::complex<double> c = 1.0 / kTiny;
+  std::complex<double> d = 1.0 / b;
+  std::complex<double> h = d;
+  for (int k = 1; k <= kFractionTerms; ++k) {
+    const double a = -static_cast<double>(k) * k;
+    b += 2.0;
+    d = 1.0 / (a * d + b);
+    c = b + a / c;
+    const std::complex<double> step = c * d;
+    h *= step;
+    if (std::abs(step - 1.0) < 1e-13) break;
   }
-  std::complex<double> result = 1.0 / (z + c);
-  if (z.real() <= 0.0 && z.imag() == 0.0) result -= std::complex<double>(0.0, kPi) * std::exp(z);
-  return result;
+  if (z.real() <= 0.0 && z.imag() == 0.0) h -= std::complex<double>(0.0, kPi) * std::exp(z);
+  return h;
 }
 
 // d/dx of exp(x)E1(x): exp(x)E1(x) - 1/x.
