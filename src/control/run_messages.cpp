@@ -5,6 +5,7 @@
 
 #include "format/date_time.h"
 #include "format/fortran_format.h"
+#include "records/data_format.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -157,7 +158,7 @@ void WriteProfileWords(Job& job, const Pattern& p) {
 
 void WriteInstrumentWord(Job& job, int ip) {
   const char* word = nullptr;
-  switch (job.patterns[ip].INSTR) {
+  switch (DataFormatOf(job.patterns[ip].INSTR)) {
     case 0:
       word = " => Data supplied in free format for pattern:";
       break;
@@ -198,11 +199,20 @@ void WriteInstrumentWord(Job& job, int ip) {
     case 12:
       word = " => Data read from GSAS file for pattern:";
       break;
+    case kGsasBankFormat:
+      word = " => Data read from GSAS file (FXYE, FXY or TIME_MAP banks) for pattern:";
+      break;
+    case kColumnDataFormat:
+      word = " => Data in columns x, y, sigma with comment lines for pattern:";
+      break;
     default:
       word = " => Invalid instr parameter for pattern:";
       break;
   }
   WriteReports(job, Fmt("(A,I3)", word, ip));
+  const int bank = DataBankOf(job.patterns[ip].INSTR);
+  if (bank > 0)
+    WriteReports(job, Fmt("(A,I4)", " => Bank (or spectrum) chosen in the file: ", bank));
 }
 
 void WritePatternOutputWords(Job& job, const Pattern& p) {

@@ -66,8 +66,6 @@ bool FurtherUsed(const Job& job, const Phase& ph, const PhasePattern& c) {
 std::string UnmodelledWords(const Job& job, int k, int ip) {
   const Phase& ph = job.phases[k];
   const PhasePattern& c = ph.pat[ip];
-  if (ProfileOf(c) == ProfileCode::kAxialDivergence)
-    return "the axial-divergence profile (Npr 12) is not modelled by this version";
   const BroadeningModel m = BroadeningModelOf(ph, c, job.patterns[ip], 1);
   if (AnyUnread(m, c, kStrain) || AnyUnread(m, c, kSize))
     return "size and strain parameters are not read by the size and strain models of the phase";
@@ -92,10 +90,6 @@ std::string UnmodelledIntensityWords(const Phase& ph, const PhasePattern& c) {
   return {};
 }
 
-bool PatternRuns(const Pattern& p) {
-  return p.IXUNIT != AbscissaUnit::kTimeOfFlight;
-}
-
 }  // namespace
 
 void StopOnUnmodelledInputs(Job& job) {
@@ -103,7 +97,7 @@ void StopOnUnmodelledInputs(Job& job) {
   for (int k = 1; k <= job.run.NPHASE; ++k) {
     for (int ip = 1; ip <= job.run.NPATT; ++ip) {
       const PhasePattern& c = job.phases[k].pat[ip];
-      if (c.Contribution == 0 || !PatternRuns(job.patterns[ip])) continue;
+      if (c.Contribution == 0) continue;
       const std::string words = std::abs(c.Irf) == 4 ? UnmodelledIntensityWords(job.phases[k], c)
                                                      : UnmodelledWords(job, k, ip);
       if (words.empty()) continue;

@@ -5,6 +5,7 @@
 
 #include "io/file_set.h"
 #include "observations/powder_data_common.h"
+#include "records/data_format.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -18,11 +19,12 @@ struct DataUnitCloser {
 };
 
 bool KnownFormat(int instr) {
-  return (instr >= 0 && instr <= 12) || instr == -4 || instr == -12;
+  const int format = DataFormatOf(instr);
+  return (format >= 0 && format <= kColumnDataFormat) || format == -4 || format == -12;
 }
 
 void ReadByFormat(DataFile& file) {
-  switch (file.INSTR) {
+  switch (DataFormatOf(file.INSTR)) {
     case 0:
       ReadFreeFormatData(file);
       return;
@@ -63,6 +65,12 @@ void ReadByFormat(DataFile& file) {
     case 12:
     case -12:
       ReadGsasData(file);
+      return;
+    case kGsasBankFormat:
+      ReadGsasBankData(file);
+      return;
+    case kColumnDataFormat:
+      ReadColumnData(file);
       return;
     default:
       break;

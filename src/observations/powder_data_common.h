@@ -147,5 +147,7 @@ void ReadUxdData(DataFile& file);           // INSTR 9
 void ReadXYSigmaData(DataFile& file);       // INSTR 10
 void ReadVariableTimeData(DataFile& file);  // INSTR 11
 void ReadGsasData(DataFile& file);          // INSTR 12 and -12
+void ReadGsasBankData(DataFile& file);      // INSTR 13 and 100*bank + 13
+void ReadColumnData(DataFile& file);        // INSTR 14 and 100*spectrum + 14
 
 }  // namespace corvinet

@@ -5,6 +5,7 @@
 #include "model/magnetic_structure_factor.h"
 #include "model/peak_shape.h"
 #include "model/structure_factor.h"
+#include "model/tof_profile.h"
 #include "records/dimension_limits.h"
 #include "records/table1.h"
 
@@ -26,6 +27,18 @@ struct RingEntry {
   int intensityParameter[3] = {};  // parameter numbers, from 1
   float intensitySlope[3] = {};    // d ln(F2)/dp
   bool active = false;             // false when the phase does not contribute or sin(theta) >= 1
+  // Time of flight: the peak's shape, the slopes of eta in sigma^2 and gamma,
+  // of ln(absorption x extinction) with the position (through the wavelength),
+  // of sigma^2, gamma, alpha and beta with the position when the cell moves it,
+  // and the reach of its base before and after the position.
+  TofPeakShape tof;
+  float tofHSigma2 = 0.0f, tofHGamma = 0.0f;  // dH/dsigma^2, dH/dgamma
+  float tofEtaSigma2 = 0.0f;
+  float tofEtaGamma = 0.0f;
+  float tofCorrSlope = 0.0f;
+  float tofSigma2dT = 0.0f, tofGammadT = 0.0f, tofAlphadT = 0.0f, tofBetadT = 0.0f;
+  float tofLeft = 0.0f;
+  float tofRight = 0.0f;
 };
 
 // Held for the length of one run of the cycles; the ring slot of reflection

@@ -9,6 +9,7 @@
 #include "crystal/reflection_generation.h"
 #include "format/bisection.h"
 #include "format/fortran_format.h"
+#include "model/axial_divergence.h"
 #include "records/profile_slots.h"
 #include "records/reflection.h"
 #include "refine/excluded_points.h"
@@ -42,6 +43,16 @@ PeakInterval PeakIntervalOf(const Job& job, int ip, int k) {
     const float theta = 0.5f * r.position * kDegree;
     shift = p.GLB[8] * std::cos(theta) + p.GLB[9] * std::sin(2.0f * theta);
     if (code == ProfileCode::kSplitPseudoVoigt) right = p.Wdt * r.FwhmRight;
+    if (code == ProfileCode::kAxialDivergence) {
+      // The axial-divergence tail reaches Emin, below the peak under 90 degrees, above it beyond.
+      const double t0 = r.position + shift + p.GLB[1];
+      const double tail =
+          t0 - AxialDivergenceMinimum(par[ProfileSlot::Shp1], par[ProfileSlot::Shp2], t0);
+      if (par[ProfileSlot::Shp1] != 0.0f || par[ProfileSlot::Shp2] != 0.0f) {
+        left += static_cast<float>(std::max(tail, 0.0));
+        right += static_cast<float>(std::max(-tail, 0.0));
+      }
+    }
   } else if (p.IXUNIT == AbscissaUnit::kEnergy) {
     // The stored energy is Dtt1/d: the shift is the Dtt2 q term.
     const float q = (r.position / p.GLB[8]) * (r.position / p.GLB[8]);

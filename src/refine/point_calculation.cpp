@@ -5,12 +5,14 @@
 #include <cstdlib>
 
 #include "model/asymmetry_factor.h"
+#include "model/axial_divergence.h"
 #include "model/boole_average.h"
 #include "model/peak_shape_setup.h"
 #include "observations/background.h"
 #include "records/reflection.h"
 #include "refine/order_reflections.h"
 #include "refine/parameter_families.h"
+#include "refine/tof_reflection.h"
 
 namespace corvinet {
 
@@ -84,10 +86,42 @@ void FamilySlopes(const RingEntry& e, const ProfilePoint& point, const ProfileSl
   slope[kAsym4] = asymmetryRows ? -asym.terms.FbOverA / e.tan2Theta : 0.0f;
 }
 
+// The pseudo-Voigt with the axial-divergence asymmetry at the point, over its
+// base widened by the tail; with `slope` given, the slopes of its families.
+float AxialPeakAtPoint(const Job& job, int ip, const RingEntry& e, float x, float* slope) {
+  const Pattern& p = job.patterns[ip];
+  const PhasePattern& c = job.phases[e.phase].pat[ip];
+  const double SL = c.PAR[ProfileSlot::Shp1], DL = c.PAR[ProfileSlot::Shp2];
+  const double t0 = e.shape.position;
+  const double tail = SL != 0.0 || DL != 0.0 ? t0 - AxialDivergenceMinimum(SL, DL, t0) : 0.0;
+  const double delta = x - t0;
+  const double base = p.Wdt * e.shape.H;
+  if (delta < -base - std::max(tail, 0.0) || delta > base + std::max(-tail, 0.0)) return 0.0f;
+  const AxialDivergenceValue v = AxialDivergenceProfile(e.shape.eta, e.shape.H, SL, DL, x, t0);
+  if (!(v.value > 1.0e-30)) return 0.0f;
+  if (slope == nullptr) return static_cast<float>(v.value);
+  const double inv = 1.0 / v.value;
+  ProfileSlopes sl;
+  sl.eta = static_cast<float>(v.dEta * inv);
+  const ShapeSlotSlopes shape = ShapeParameterSlopes(e.shape, sl);
+  for (int f = 0; f < kFamilyCount; ++f) slope[f] = 0.0f;
+  slope[kIntensity] = 1.0f;
+  slope[kPosition] = static_cast<float>(-v.dTwoTheta * inv);
+  slope[kBraggAngle] = slope[kPosition] + e.dlnLpdT;
+  slope[kWidth] = static_cast<float>(v.dGamma * inv);
+  slope[kShape1] = shape.Shape1;
+  slope[kShapeX] = shape.X;
+  slope[kShp1] = static_cast<float>(v.dSL * inv);
+  slope[kShp2] = static_cast<float>(v.dDL * inv);
+  return static_cast<float>(v.value);
+}
+
 // The peak of a reflection at the point, a Omega, without its integrated
 // intensity; with `slope` given, also the slope of each family.
 float PeakAtPoint(const Job& job, const Pattern& p, int ip, const RingEntry& e, float x,
                   float* slope) {
+  if (p.IXUNIT == AbscissaUnit::kTimeOfFlight) return TofPeakAtPoint(e, x, slope);
+  if (e.shape.code == ProfileCode::kAxialDivergence) return AxialPeakAtPoint(job, ip, e, x, slope);
   ProfilePoint point;
   if (!PointInBase(e.shape, x, p.Wdt, point)) return 0.0f;
   const AsymmetryParameters asy = AsymmetryParametersOf(job.phases[e.phase].pat[ip]);

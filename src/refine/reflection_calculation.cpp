@@ -18,9 +18,28 @@
 #include "records/reflection.h"
 #include "refine/parameter_families.h"
 #include "refine/reflection_structure.h"
+#include "refine/reflection_parts.h"
+#include "refine/tof_reflection.h"
 #include "surface/console.h"
 
 namespace corvinet {
+
+std::array<double, 3> WorkingVector(const Phase& ph, const Reflection& r) {
+  std::array<double, 3> h = {static_cast<double>(KeyH(r.key)), static_cast<double>(KeyK(r.key)),
+                             static_cast<double>(KeyL(r.key))};
+  const int n = std::abs(r.satelliteIndex);
+  if (n > 0 && n <= ph.Nvk) {
+    const double sign = r.satelliteIndex > 0 ? 1.0 : -1.0;
+    for (int i = 0; i < 3; ++i) h[static_cast<std::size_t>(i)] += sign * ph.vectors[n].KVEC[i + 1];
+  }
+  return h;
+}
+
+Table1<float, 6> CellCoefficients(const PhasePattern& c) {
+  Table1<float, 6> coefficients;
+  for (int i = 1; i <= 6; ++i) coefficients[i] = c.PAR[ProfileSlot::FirstCell - 1 + i];
+  return coefficients;
+}
 
 namespace {
 
@@ -38,24 +57,6 @@ struct Geometry {
   double dTdTwoTheta = 1.0;  // of the corrected position, through the displacements
   double dTwoThetadQ = 0.0;  // degrees per unit of 1/d²
 };
-
-std::array<double, 3> WorkingVector(const Phase& ph, const Reflection& r) {
-  std::array<double, 3> h = {static_cast<double>(KeyH(r.key)), static_cast<double>(KeyK(r.key)),
-                             static_cast<double>(KeyL(r.key))};
-  const int n = std::abs(r.satelliteIndex);
-  if (n > 0 && n <= ph.Nvk) {
-    const double sign = r.satelliteIndex > 0 ? 1.0 : -1.0;
-    for (int i = 0; i < 3; ++i) h[static_cast<std::size_t>(i)] += sign * ph.vectors[n].KVEC[i + 1];
-  }
-  return h;
-}
-
-// The reciprocal coefficients A..F of the phase in this pattern, PAR[6..11].
-Table1<float, 6> CellCoefficients(const PhasePattern& c) {
-  Table1<float, 6> coefficients;
-  for (int i = 1; i <= 6; ++i) coefficients[i] = c.PAR[ProfileSlot::FirstCell - 1 + i];
-  return coefficients;
-}
 
 // Energy-dispersive geometry: E = Dtt1 sqrt(Q); the corrected position adds
 // the zero and Dtt2 Q. The energy stands where the constant-wavelength
@@ -278,12 +279,6 @@ PeakWidths StoreWidths(Job& job, int ip, int phase, int w, const Geometry& g,
   return widths;
 }
 
-void AddToRow(float* row, const Codeword& w, double value, int fitted) {
-  const int L = w.parameterNumber;
-  if (L < 1 || L > fitted) return;
-  row[L - 1] += static_cast<float>(w.multiplier * value);
-}
-
 // The position derivatives of a satellite with respect to the components of
 // its propagation vector: the working vector is h + k (or h - k).
 void AddVectorDerivatives(float* row, const Phase& ph, const PhasePattern& c, const Reflection& r,
@@ -302,8 +297,18 @@ void AddVectorDerivatives(float* row, const Phase& ph, const PhasePattern& c, co
 
 }  // namespace
 
+void AddToRow(float* row, const Codeword& w, double value, int fitted) {
+  const int L = w.parameterNumber;
+  if (L < 1 || L > fitted) return;
+  row[L - 1] += static_cast<float>(w.multiplier * value);
+}
+
 void FillReflectionWidths(Job& job, int ip) {
   Pattern& p = job.patterns[ip];
+  if (p.IXUNIT == AbscissaUnit::kTimeOfFlight) {
+    FillTofReflectionWidths(job, ip);
+    return;
+  }
   if (p.IXUNIT != AbscissaUnit::kTwoTheta && p.IXUNIT != AbscissaUnit::kEnergy) return;
   ReflectionTable& table = p.reflections;
   for (int k = 1; k <= table.total; ++k) {
@@ -323,6 +328,10 @@ void FillReflectionWidths(Job& job, int ip) {
 }
 
 void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
+  if (job.patterns[ip].IXUNIT == AbscissaUnit::kTimeOfFlight) {
+    ComputeReflectionProfileTof(job, work, ip, k);
+    return;
+  }
   Pattern& p = job.patterns[ip];
   Reflection& r = p.reflections.slot[k];
   RingEntry& entry = work.ring[RingSlot(k)];

@@ -41,14 +41,6 @@ void RunEngine(Job& job) {
     SearchRun(job);
     return;
   }
-  for (int ip = 1; ip <= job.run.NPATT; ++ip) {
-    if (job.patterns[ip].IXUNIT == AbscissaUnit::kTimeOfFlight) {
-      const char* words = " => Cycles of time-of-flight patterns are not run by this version";
-      ConsoleLine(job, words);
-      WriteReports(job, words);
-      return;
-    }
-  }
   StopOnUnmodelledInputs(job);
   auto work = std::make_unique<CycleWork>();
   RunCycles(job, *work);

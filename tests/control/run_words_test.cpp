@@ -85,28 +85,31 @@ INSTANTIATE_TEST_SUITE_P(
     });
 
 TEST(HeadWordsOfFormats, EveryDataFormatHasItsWord) {
-  const char* words[] = {" => Data supplied in free format for pattern:  1",
-                         " => Data in D1A,D2B (ILL) format for pattern:  1",
-                         " => Data in D1B(ILL) format, Step=0.2 in 2theta for pattern:  1",
-                         " => Data in D1B,D20 format for pattern:  1",
-                         " => Data in BNBL(Synchrotron) format for pattern:  1",
-                         " => Data in GENERAL FORMAT for TWO AXIS instrument for pattern:  1",
-                         " => Data in D1A,D2B format as prepared by D1A(D2B)SUM for pattern:  1",
-                         " => Data in D4,D20L format for pattern:  1",
-                         " => Data in DMC format at Wurenlingen for pattern:  1",
-                         " => UXD data from Socabim Eva-2 Software for pattern:  1",
-                         " => X-Y type of data: 2theta/TOF/E(Kev) Intens sigma for pattern:  1",
-                         " => Variable time data collection (format as LHPM) for pattern:  1",
-                         " => Data read from GSAS file for pattern:  1",
-                         " => Invalid instr parameter for pattern:  1"};
+  const char* words[] = {
+      " => Data supplied in free format for pattern:  1",
+      " => Data in D1A,D2B (ILL) format for pattern:  1",
+      " => Data in D1B(ILL) format, Step=0.2 in 2theta for pattern:  1",
+      " => Data in D1B,D20 format for pattern:  1",
+      " => Data in BNBL(Synchrotron) format for pattern:  1",
+      " => Data in GENERAL FORMAT for TWO AXIS instrument for pattern:  1",
+      " => Data in D1A,D2B format as prepared by D1A(D2B)SUM for pattern:  1",
+      " => Data in D4,D20L format for pattern:  1",
+      " => Data in DMC format at Wurenlingen for pattern:  1",
+      " => UXD data from Socabim Eva-2 Software for pattern:  1",
+      " => X-Y type of data: 2theta/TOF/E(Kev) Intens sigma for pattern:  1",
+      " => Variable time data collection (format as LHPM) for pattern:  1",
+      " => Data read from GSAS file for pattern:  1",
+      " => Data read from GSAS file (FXYE, FXY or TIME_MAP banks) for pattern:  1",
+      " => Data in columns x, y, sigma with comment lines for pattern:  1",
+      " => Invalid instr parameter for pattern:  1"};
   ScratchDir dir;
-  for (int instr = -4; instr <= 13; ++instr) {
+  for (int instr = -4; instr <= 15; ++instr) {
     if (instr > -4 && instr < 0) continue;
     CapturedJob job;
     ASSERT_TRUE(testing::ReadHeadOnly(dir, job,
                                       "I\n0 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n0 0 0 0 0 0 0 0 0 0 " +
                                           std::to_string(instr) + " 0 0 0 0 0 0\n"));
-    const int index = instr == -4 ? 4 : (instr > 12 ? 13 : instr);
+    const int index = instr == -4 ? 4 : instr;
     const auto lines = SplitLines(dir.Read("x.sum"));
     EXPECT_NE(std::find(lines.begin(), lines.end(), words[index]), lines.end()) << instr;
   }

@@ -111,16 +111,15 @@ TEST(UnmodelledInputs, StrainParameterWithItsModelRunsTheCycles) {
                         "  0.100000     0.0000    0.0000    0.0150    0.0000    0.0000       2"));
 }
 
-// Npr 12, the pseudo-Voigt with axial divergence, with its S_L and D_L line.
-TEST(UnmodelledInputs, AxialDivergenceProfileStopsTheRun) {
+// Npr 12, the pseudo-Voigt with axial divergence, with its S_L and D_L line: it is modelled now.
+TEST(UnmodelledInputs, AxialDivergenceProfileRunsTheCycles) {
   std::string pcr =
       Replaced(CycleJob(), kPhaseLine,
                "   0   0   0 0.0 0.0 1.0   2   0   0   0   0          0.000   0  12   0");
   pcr = Replaced(pcr, "   0.00     0.00     0.00     0.00     0.00     0.00\n",
                  "   0.00     0.00     0.00     0.00     0.00     0.00\n"
                  "  0.02000   0.00   0.02000   0.00\n");
-  ExpectStop(pcr,
-             " => Phase 1: the axial-divergence profile (Npr 12) is not modelled by this version");
+  ExpectCycles(pcr);
 }
 
 // The further flags of the phase ask for the hkl-dependent shift line (Sol 1).

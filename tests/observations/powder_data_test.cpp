@@ -15,7 +15,7 @@ using testing::DataFileCase;
 using testing::ScratchDir;
 
 TEST(ReadPattern, UnknownInstrStops) {
-  for (int instr : {13, -1, -5, 99}) {
+  for (int instr : {15, -1, -5, 99, 112, 1300, -213}) {
     DataFileCase c(instr, "10 1 20\n1 2 3 4 5 6 7 8 9 10 11\n");
     EXPECT_NE(c.ReadExpectingStop().find(" Invalid INSTR parameter"), std::string::npos) << instr;
   }
