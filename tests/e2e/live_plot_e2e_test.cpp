@@ -160,5 +160,25 @@ TEST(AnalysisEndToEnd, SimulatedAnglesiteIsJudgedVeryGood) {
 #endif
 }
 
+TEST(AnalysisEndToEnd, StartingModelAfterOneCycleIsJudgedTooHigh) {
+  ScratchDir dir;
+  std::string pcr =
+      WithOutputLine(ExampleFile("anglesite.pcr"),
+                     "   0   0   1   1   1   0   0   0   0   1   0   0   0   0   0   1   1");
+  // One cycle from the Wyckoff starting model instead of thirty.
+  const std::size_t at = pcr.find("\n 30  0.10");
+  ASSERT_NE(at, std::string::npos);
+  pcr.replace(at, 4, "\n  1");
+  dir.Write("one.pcr", pcr);
+  dir.Write("one.dat", ExampleFile("anglesite.dat"));
+  const auto run = testing::RunBinary(dir.path, "one");
+  EXPECT_EQ(run.exitCode, 0);
+  const std::string sum = dir.Read("one.sum");
+  EXPECT_GT(ValueAfter(sum, "  Reduced Chi-square : "), 10.0f);
+  EXPECT_GE(ValueAfter(sum, "  Weighted Average Bragg R-factor: "), 8.0f);
+  EXPECT_NE(sum.find("  Reduced Chi-square and average R-Bragg are TOO HIGH"), std::string::npos);
+  EXPECT_EQ(sum.find(" => Your refinement seems to be"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace corvinet
