@@ -136,9 +136,10 @@ TEST(AnalysisEndToEnd, WithoutIntensityParametersTheDivisorsAreOne) {
 
 TEST(AnalysisEndToEnd, SimulatedAnglesiteIsJudgedVeryGood) {
   ScratchDir dir;
+  //                                                 Rpa                 Ana
   dir.Write("ana.pcr",
             WithOutputLine(ExampleFile("anglesite.pcr"),
-                           "   0   0   1   1   1   0   0   0   0   1   0   0   0   0   0   1   1"));
+                           "   0   0   1   1   1   0   0   0   0   1   0   1   0   0   0   1   1"));
   dir.Write("ana.dat", ExampleFile("anglesite.dat"));
   const auto run = testing::RunBinary(dir.path, "ana");
   EXPECT_EQ(run.exitCode, 0);
@@ -155,6 +156,14 @@ TEST(AnalysisEndToEnd, SimulatedAnglesiteIsJudgedVeryGood) {
             std::string::npos);
   EXPECT_NE(sum.find(" => Your refinement seems to be very good!"), std::string::npos);
   EXPECT_EQ(sum.find(" => WARNING!:"), std::string::npos);
+  // The parameter record carries the figures of the analysis.
+  const std::string rpa = dir.Read("ana.rpa");
+  for (const char* row : {"\nEXRP ", "\nREFL ", "\nSOLV ", "\nSCOR "}) {
+    EXPECT_NE(rpa.find(row), std::string::npos) << row;
+  }
+  const std::size_t refp = rpa.find("\nREFP ");
+  ASSERT_NE(refp, std::string::npos);
+  EXPECT_EQ(rpa.substr(rpa.find('\n', refp + 1) - 5, 5), "   16");
 #ifdef CORVINET_HAVE_CAIRO
   EXPECT_EQ(PngSize(dir.path / "ana_fit.png"), std::make_pair(1600, 1000));
 #endif
