@@ -1,7 +1,7 @@
 # Set-up, build, tests and the example job; installs what a fresh Debian machine lacks.
 BUILD ?= build
 JOBS ?= 2
-PACKAGES = g++ make cmake libgtest-dev libgmock-dev libbenchmark-dev python3 python3-numpy python3-gemmi
+PACKAGES = g++ make cmake libgtest-dev libgmock-dev libbenchmark-dev python3 python3-numpy python3-gemmi pkg-config libcairo2-dev
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
 .PHONY: all deps build test example bench format clean

@@ -20,3 +20,7 @@ for f in anglesite.out anglesite.sum anglesite.pcr anglesite.prf anglesite.conso
   [ -f "$f" ] && echo "  $run/$f"
 done
 echo "(anglesite.pcr there is the new control file with the refined values)"
+if [ -f anglesite_fit.png ]; then
+  echo
+  echo "The picture of the fit: $run/anglesite_fit.png (and anglesite_fit.svg)"
+fi

@@ -3,12 +3,20 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "records/dimension_limits.h"
 #include "records/normal_matrix.h"
 #include "records/table1.h"
 
 namespace corvinet {
+
+// The window of the live plot: it lives from the first plotted cycle to the end of the run.
+struct LivePlotWindow {
+  bool open = false;  // the window exists
+  std::string title;  // its title
+  int pages = 0;      // pages drawn in the run
+};
 
 struct RefinementState {
   NormalMatrix normal;
@@ -30,6 +38,7 @@ struct RefinementState {
   float globalResidualSum = 0.0f;
   Table1<int, DimensionLimits::NPATT> braggPoints;
   Table1<int, DimensionLimits::NPATT> usedPoints;
+  LivePlotWindow plotWindow;  // the live plot of the cycles (LST2 = 4)
 };
 
 }  // namespace corvinet

@@ -45,6 +45,7 @@ struct ReflectionShare {
   float Icalc = 0.0f;
   float Fobs = 0.0f;
   float Fcalc = 0.0f;
+  float IobsVariance = 0.0f;  // variance of Iobs from the variances of the points it shares
 };
 
 // The Rietveld partition of reflection slot k of pattern ip: Iobs and Icalc

@@ -57,6 +57,7 @@ ReflectionShare PartitionReflection(const Job& job, int ip, int k, const BraggPr
   const int last = ClampedIndex(p, reach.position + reach.right);
   float iobs = 0.0f;
   float icalc = 0.0f;
+  float variance = 0.0f;
   for (int i = first; i <= last; ++i) {
     if (!IsBraggPoint(p.OrderCode[i])) continue;
     const float omega = profile.peak(ip, k, i);
@@ -66,12 +67,15 @@ ReflectionShare PartitionReflection(const Job& job, int ip, int k, const BraggPr
     const float calculated = profile.braggCalc ? profile.braggCalc(ip, i) : p.Ycalc[i];
     const float y = calculated <= 1.0f ? 1.0f : calculated;
     iobs += (p.Ytotal[i] - BackgroundAt(p, i)) / y * delta * omega;
+    const float share = delta * omega / y;
+    variance += share * share * p.Variance[i];
   }
   if (iobs < 0.0f) iobs = kSmallestIobs;
   const float scale = job.phases[KeyPhase(r.key)].pat[ip].PAR[ProfileSlot::Scale];
   const float c = r.LpM * scale * r.F2 * r.Corr;
   share.Iobs = iobs * c;
   share.Icalc = icalc * c;
+  share.IobsVariance = variance * c * c;
   share.Fcalc = std::sqrt(std::fabs(share.Icalc / (scale * r.LpM)));
   share.Fobs = std::sqrt(std::fabs(share.Iobs / (scale * r.LpM)));
   return share;

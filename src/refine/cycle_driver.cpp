@@ -14,6 +14,7 @@
 #include "refine/cycle_stop_tests.h"
 #include "refine/cycle_work.h"
 #include "refine/intensity_evaluation.h"
+#include "refine/live_plot.h"
 #include "refine/order_reflections.h"
 #include "refine/parameter_families.h"
 #include "refine/parameter_update.h"
@@ -223,6 +224,7 @@ void RunCycles(Job& job, CycleWork& work) {
       damping.Keep(job, work, cycle);
     }
     SolveAndReport(job, work, damping, cycle, profile);
+    if (job.patterns[1].LST2 == kLivePlot) PlotCycle(job, s.DisplayedCycle);
     if (job.run.IDUM == 2) {
       StopOnDivergence(job, cycle);
       s.PreviousChi2 = s.GlobalChi2;

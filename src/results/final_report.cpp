@@ -23,10 +23,12 @@
 #include "results/cif_export.h"
 #include "results/correlation_matrix.h"
 #include "results/dimension_report.h"
+#include "results/fit_picture.h"
 #include "results/magnetic_comments.h"
 #include "results/pattern_exports.h"
 #include "results/phase_fractions.h"
 #include "results/profile_files.h"
+#include "results/refinement_analysis.h"
 #include "results/reflection_rows.h"
 #include "results/simulated_pattern.h"
 #include "results/structure_exports.h"
@@ -134,9 +136,10 @@ CifReflection CifRowOf(const Job& job, int ip, int f, int k, const ReflectionRow
   return c;
 }
 
-// One row per reflection of the phase and the sums; the rows of a CIF go to `cif`.
+// One row per reflection of the phase and the sums; the rows of a CIF go to
+// `cif`, and the weighted squares of Iobs - Icalc into `chi2Sum`.
 PhaseReportSums WriteReflectionRows(Job& job, int ip, int f, const BraggProfile& profile,
-                                    std::vector<CifReflection>& cif) {
+                                    std::vector<CifReflection>& cif, float& chi2Sum) {
   const Pattern& p = job.patterns[ip];
   const bool toFile = p.JLKH != 0;
   if (toFile) {
@@ -148,6 +151,10 @@ PhaseReportSums WriteReflectionRows(Job& job, int ip, int f, const BraggProfile&
             " Code h   k   l  Mult   D(A)     2T      HW       Iobs    Icalc   io-ic");
   const PhaseBraggSums bragg =
       SumPhaseShares(job, ip, f, profile, [&](int k, const ReflectionShare& share) {
+        if (share.IobsVariance > 0.0f) {
+          const float d = share.Iobs - share.Icalc;
+          chi2Sum += d * d / share.IobsVariance;
+        }
         const ReflectionRowValues row = ReflectionRow(job, ip, k, share);
         cif.push_back(CifRowOf(job, ip, f, k, row));
         if (p.JFOU != 0)
@@ -167,9 +174,11 @@ PhaseReportSums WriteReflectionRows(Job& job, int ip, int f, const BraggProfile&
   return sums;
 }
 
-// The block of one phase: header, rows, Bragg factors.
-void ReportPhase(Job& job, int ip, int f, const PhaseFractions& fractions,
-                 const BraggProfile& profile) {
+// The block of one phase: header, rows, Bragg factors; returns what the
+// analysis needs of the phase.
+PhaseAnalysisInput ReportPhase(Job& job, int ip, int f, const PhaseFractions& fractions,
+                               const BraggProfile& profile) {
+  PhaseAnalysisInput result;
   const Phase& ph = job.phases[f];
   const bool matching = std::abs(ph.Jbt) == 2;
   WritePhaseHeader(job, ip, f);
@@ -179,7 +188,10 @@ void ReportPhase(Job& job, int ip, int f, const PhaseFractions& fractions,
     ReportIntensityList(job, *scratch, ip, f);
   } else {
     std::vector<CifReflection> cif;
-    const PhaseReportSums sums = WriteReflectionRows(job, ip, f, profile, cif);
+    const PhaseReportSums sums = WriteReflectionRows(job, ip, f, profile, cif, result.IntChi2Sum);
+    result.SumIobs = sums.SumIobs;
+    result.FinalRB = sums.FinalRB;
+    result.FinalRF = sums.FinalRF;
     for (const std::string& line : FinalBraggLines(job, ip, f, fractions, sums)) {
       WriteReports(job, line);
     }
@@ -195,6 +207,7 @@ void ReportPhase(Job& job, int ip, int f, const PhaseFractions& fractions,
     CloseUnit(job.files.units[Unit::IntensitiesOut]);
     NotWrittenLine(job, "the regrouped list of extracted intensities");
   }
+  return result;
 }
 
 ProfileFileContext ContextOf(const Job& job, const PlotExtremes& extremes) {
@@ -208,11 +221,12 @@ ProfileFileContext ContextOf(const Job& job, const PlotExtremes& extremes) {
 }
 
 // The files that read the total Ycalc: profile file, tables and plots.
-void WritePatternPlots(Job& job, int ip, const PlotExtremes& extremes) {
+void WritePatternPlots(Job& job, int ip, const PlotExtremes& extremes,
+                       const PhaseAnalysisInputs& phases) {
   const Pattern& p = job.patterns[ip];
   WriteProfileFile(job, ip, ContextOf(job, extremes));
   if (p.IANALY != 0 && FittedCount(job) != 0 && !IsCalculatedPattern(p)) {
-    NotWrittenLine(job, "the refinement analysis");
+    AnalyseRefinement(job, ip, phases);
   }
   if (p.IOT == 1) WriteLinePrinterTable(job, ip);
   if (p.IOT > 1) {
@@ -241,20 +255,21 @@ BraggProfile WithBraggPartOfYcalc(const BraggProfile& profile, const Pattern& p)
   return view;
 }
 
-// Everything the report writes for pattern ip.
-void ReportPattern(Job& job, int ip, const PlotExtremes& extremes, const BraggProfile& profile) {
+// Everything the report writes for pattern ip; `phases` receives the figures of its phases.
+void ReportPattern(Job& job, int ip, const PlotExtremes& extremes, const BraggProfile& profile,
+                   PhaseAnalysisInputs& phases) {
   const PhaseFractions fractions = ComputePhaseFractions(job, ip);
   WritePatternExports(job, ip);
   const BraggProfile braggPart = WithBraggPartOfYcalc(profile, job.patterns[ip]);
   for (int f = 1; f <= job.run.NPHASE; ++f) {
     if (job.phases[f].pat[ip].Contribution == 0) continue;
-    ReportPhase(job, ip, f, fractions, braggPart);
+    phases[f] = ReportPhase(job, ip, f, fractions, braggPart);
   }
   CloseUnit(job.files.units[Unit::HklOut]);
   CloseUnit(job.files.units[Unit::Fourier]);
   WriteSimulatedPattern(job, ip);
   if (job.run.ICRYG != 0) return;
-  WritePatternPlots(job, ip, extremes);
+  WritePatternPlots(job, ip, extremes, phases);
 }
 
 }  // namespace
@@ -266,9 +281,11 @@ void FinalReport(Job& job, CycleWork& work) {
   WriteCorrelationMatrix(job);
   Table1<PlotExtremes, DimensionLimits::NPATT> extremes;
   for (int ip = 1; ip <= job.run.NPATT; ++ip) extremes[ip] = AddBackgroundForPlots(job, ip);
+  Table1<PhaseAnalysisInputs, DimensionLimits::NPATT> phases;
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
-    ReportPattern(job, ip, extremes[ip], profile);
+    ReportPattern(job, ip, extremes[ip], profile, phases[ip]);
   }
+  WriteFitPicture(job, phases);
   if (job.run.JCIL > 0) WriteLine(job, Unit::Rpa, std::string(80, '-'));
   ReportDimensions(job, Unit::Out);
 }

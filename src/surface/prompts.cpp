@@ -47,6 +47,10 @@ bool AskYesNo(ConsoleState& console, std::string_view title, std::string_view qu
   }
 }
 
+void ShowMessage(ConsoleState& console, std::string_view title, std::string_view text) {
+  Show(console, std::string(title) + ": " + std::string(text) + "\n");
+}
+
 std::optional<std::string> FileOpenDialog(ConsoleState& console, std::string_view filterName,
                                           std::string_view pattern, std::string_view title,
                                           std::string_view startDirectory) {

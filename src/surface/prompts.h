@@ -20,6 +20,10 @@ std::optional<std::string> FileOpenDialog(ConsoleState& console, std::string_vie
                                           std::string_view pattern, std::string_view title,
                                           std::string_view startDirectory);
 
+// A message window with one button: on the terminal the title and the text
+// are shown and the run goes on (there is nothing to answer).
+void ShowMessage(ConsoleState& console, std::string_view title, std::string_view text);
+
 // Reads one answer line from the terminal; empty at end of input.
 std::optional<std::string> ReadConsoleAnswer(ConsoleState& console);
 
