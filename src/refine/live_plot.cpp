@@ -72,7 +72,7 @@ void AskContinueCycle(Job& job, int cycle) {
   if (AskYesNo(job.console, heading, "Continue refinement ?", true)) return;
   // The user's stop: the run ends here, without its final files.
   WarningBox(job, "Corvinet stopped!");
-  throw ProcessStop{ExitStatus::kNormal};
+  throw ProcessStop{ExitStatus::kNormal, "stopped by the user"};
 }
 
 bool AskNextPattern(Job& job, int p) {
