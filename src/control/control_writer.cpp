@@ -55,7 +55,7 @@ void AppendHardLimits(const Job& job, ControlLines& lines) {
   Head(job, lines, "! Hard limits for selected parameters:");
   for (int n = 1; n <= DimensionLimits::MSZ; ++n) {
     if (job.limits.limited[n] == 0) continue;
-    Put(lines, Fmt("(I4,2F12.4)", n, job.limits.low[n], job.limits.high[n]));
+    Put(lines, FmtReadBack("(I4,2F12.4)", n, job.limits.low[n], job.limits.high[n]));
   }
 }
 
@@ -107,16 +107,16 @@ void AppendClosingLines(const Job& job, const ControlEndValues& ends, ControlLin
   if (r.NRELL != 0) AppendHardLimits(job, lines);
   if (r.ICRYG == 2) {
     Head(job, lines, "! Nconfg   Nsolu  Num_Ref  Nscalef");
-    Put(lines, Fmt("(4I8)", r.Nconfg, r.Nsolu, r.Num_Ref, r.Nscalef));
+    Put(lines, FmtReadBack("(4I8)", r.Nconfg, r.Nsolu, r.Num_Ref, r.Nscalef));
   }
   for (int ip = 1; ip <= r.NPATT; ++ip) {
     if (job.patterns[ip].IPL != 1) continue;
-    Head(job, lines, Fmt("(A,I0)", "! Iscale    Idif   --> Pattern#", ip));
-    Put(lines, Fmt("(2I8)", ends.Iscale, ends.Idif));
+    Head(job, lines, FmtReadBack("(A,I0)", "! Iscale    Idif   --> Pattern#", ip));
+    Put(lines, FmtReadBack("(2I8)", ends.Iscale, ends.Idif));
   }
   if (r.JCIL == 2) {
     Head(job, lines, "!  2Th1    2Th2  ");
-    Put(lines, Fmt("(2F8.2)", ends.twoTh1, ends.twoTh2));
+    Put(lines, FmtReadBack("(2F8.2)", ends.twoTh1, ends.twoTh2));
   }
 }
 
