@@ -14,11 +14,11 @@ using control_writer::Put;
 
 namespace {
 
-// The title line. The reader drops the word "COMM" and the blank behind it,
-// so the blank is written back between them.
+// The title line. The reader reads 70 columns and drops the word "COMM" and
+// the blank behind it, so the blank is written back between them and the
+// title keeps the 65 columns that read back.
 void AppendTitle(const Job& job, ControlLines& lines) {
-  const std::string title = CutText(job.run.Title, 70);
-  Put(lines, Commented(job) ? "COMM " + title : title);
+  Put(lines, Commented(job) ? "COMM " + CutText(job.run.Title, 65) : CutText(job.run.Title, 70));
 }
 
 // In the single-pattern form the older asymmetry is chosen by a negative
