@@ -13,6 +13,7 @@
 #include "refine/cycle_report.h"
 #include "refine/cycle_stop_tests.h"
 #include "refine/cycle_work.h"
+#include "refine/finite_parameters.h"
 #include "refine/intensity_evaluation.h"
 #include "refine/order_reflections.h"
 #include "refine/parameter_families.h"
@@ -223,6 +224,7 @@ void RunCycles(Job& job, CycleWork& work) {
       damping.Keep(job, work, cycle);
     }
     SolveAndReport(job, work, damping, cycle, profile);
+    StopOnNonFiniteParameters(job, cycle);
     if (job.run.IDUM == 2) {
       StopOnDivergence(job, cycle);
       s.PreviousChi2 = s.GlobalChi2;
