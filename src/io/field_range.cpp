@@ -71,7 +71,7 @@ void CheckReadValues(Job& job, const FieldLine& read, std::span<const ReadTarget
         const int value = *static_cast<const int*>(target.target);
         if (std::abs(static_cast<long long>(value)) > kLargestIntegerField) {
           StopOnField(job, read, field,
-                      RangeWords(Fmt("(A,I0)", "integer field ", field), value,
+                      RangeWords(Fmt("(A,I0)", "Integer field ", field), value,
                                  -kLargestIntegerField, kLargestIntegerField));
         }
         break;
