@@ -4,7 +4,13 @@ JOBS ?= 2
 PACKAGES = g++ make cmake libgtest-dev libgmock-dev libbenchmark-dev python3 python3-numpy python3-gemmi pkg-config libcairo2-dev
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: all deps build test example bench format clean
+# The sanitizer build (address and undefined behaviour) used by the fuzzer and by CI.
+SANITIZE_BUILD ?= build-sanitize
+# The mutation fuzzer: how long it runs and where it keeps new failures.
+FUZZ_SECONDS ?= 600
+FUZZ_FINDINGS ?= fuzz-findings
+
+.PHONY: all deps build test example bench format clean sanitize fuzz
 
 all: build
 
@@ -29,8 +35,22 @@ example: build
 bench: build
 	$(BUILD)/corvinet_bench
 
+sanitize: deps
+	@[ -f $(SANITIZE_BUILD)/CMakeCache.txt ] || cmake -S . -B $(SANITIZE_BUILD) \
+	  -DCMAKE_BUILD_TYPE=Release -DCORVINET_SANITIZE=ON -DCORVINET_BENCH=OFF
+	cmake --build $(SANITIZE_BUILD) -j $(JOBS)
+
+# Mutated jobs run on the sanitizer build for FUZZ_SECONDS; each new kind of
+# failure is kept as a job folder under FUZZ_FINDINGS (see tests/fuzz).
+fuzz: deps
+	@[ -f $(SANITIZE_BUILD)/CMakeCache.txt ] || cmake -S . -B $(SANITIZE_BUILD) \
+	  -DCMAKE_BUILD_TYPE=Release -DCORVINET_SANITIZE=ON -DCORVINET_BENCH=OFF
+	cmake --build $(SANITIZE_BUILD) -j $(JOBS) --target corvinet
+	python3 tests/fuzz/mutation_fuzzer.py --binary $(SANITIZE_BUILD)/corvinet \
+	  --seconds $(FUZZ_SECONDS) --findings $(FUZZ_FINDINGS)
+
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')
 
 clean:
-	rm -rf $(BUILD)
+	rm -rf $(BUILD) $(SANITIZE_BUILD)

@@ -35,7 +35,7 @@ std::string Slots(const Job& job, const AtomSite& a, std::initializer_list<int> 
   std::vector<FormatValue> all;
   AddValues(all, a, values);
   AddCodes(all, job, a, codes);
-  return FormatText(format, all);
+  return FormatText(format, all, FieldFit::kReadBack);
 }
 
 // What follows the species at the start of a row: nothing, or the Mag and Vek
@@ -57,7 +57,9 @@ struct AtomRow {
   }
   AtomRow(const AtomRow&) = delete;
   AtomRow& operator=(const AtomRow&) = delete;
-  std::string Text(const char* format) const { return FormatText(format, values); }
+  std::string Text(const char* format) const {
+    return FormatText(format, values, FieldFit::kReadBack);
+  }
 };
 
 void AppendCrystalAtoms(const Job& job, const Phase& ph, int offset, ControlLines& lines) {

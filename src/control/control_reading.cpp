@@ -157,7 +157,11 @@ void ReadControlHead(Job& job) {
 }
 
 void ReadControlFile(Job& job) {
-  ReadControlHead(job);
+  ReadControlFile(job, RunHeadSteps());
+}
+
+void ReadControlFile(Job& job, const HeadSteps& steps) {
+  ReadRunBlock(job, steps);
   ReadInstrumentLines(job);
   ReadResolutionFiles(job);
   ReadRefinedCount(job);

@@ -18,4 +18,7 @@ void ReadControlHead(Job& job);
 // lines and the end lines. Unit 1 must be open at its start and the defaults set.
 void ReadControlFile(Job& job);
 
+// The same with the head's steps given (a reading that must not ask or open output files).
+void ReadControlFile(Job& job, const HeadSteps& steps);
+
 }  // namespace corvinet

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "control/control_read_back.h"
 #include "format/fortran_format.h"
 #include "format/text.h"
 #include "io/file_replacement.h"
@@ -55,7 +56,7 @@ void AppendHardLimits(const Job& job, ControlLines& lines) {
   Head(job, lines, "! Hard limits for selected parameters:");
   for (int n = 1; n <= DimensionLimits::MSZ; ++n) {
     if (job.limits.limited[n] == 0) continue;
-    Put(lines, Fmt("(I4,2F12.4)", n, job.limits.low[n], job.limits.high[n]));
+    Put(lines, FmtReadBack("(I4,2F12.4)", n, job.limits.low[n], job.limits.high[n]));
   }
 }
 
@@ -80,10 +81,47 @@ std::string ControlFileName(Job& job) {
   return IsOpen(unit) ? unit.name : FileName(job, FileKind::kControl, 0, 0);
 }
 
-// The file is replaced whole, through a temporary file beside it: a run that
-// is killed or fails while writing leaves the old file.
-void ReplaceControlText(Job& job, const std::string& name, const ControlLines& lines) {
-  if (ReplaceFileLines(name, lines) != ReplaceResult::kReplaced) StopOnWriteFailure(job, name);
+// A number of the model that is not finite is never written: the run stops
+// and the old file stays.
+[[noreturn]] void StopOnNonFiniteValue(Job& job) {
+  const std::string words = " => A value of the new control file is not a finite number";
+  ConsoleLine(job, words);
+  WriteLine(job, Unit::Out, words);
+  StopBox(job, " => The refinement diverged: the old control file is kept");
+}
+
+// A text that would not read back does not replace the old file; the run
+// says why and goes on to its end.
+void WarnOfUnreadableText(Job& job, const std::string& report) {
+  const std::string words = " => The new control file does not read back:";
+  ConsoleLine(job, words);
+  WriteLine(job, Unit::Out, words);
+  ControlLines reportLines;
+  Put(reportLines, report);
+  for (const std::string& line : reportLines) {
+    ConsoleLine(job, line);
+    WriteLine(job, Unit::Out, line);
+  }
+  WriteLine(job, Unit::Out, " => The old control file is kept");
+  WarningBox(job, " => The old control file is kept");
+}
+
+// The file is replaced whole, through a temporary file beside it, and only
+// when the temporary file reads back: a run that is killed, fails while
+// writing, or writes a text that does not read back leaves the old file.
+void ReplaceControlText(Job& job, const std::string& name, const ControlLines& lines,
+                        const ControlEndValues& ends, const ControlTextCheck& check) {
+  ReadBackResult found;
+  const auto accept = [&](const std::string& temporary) {
+    found = check(job, temporary, lines, ends);
+    return found.readsBack;
+  };
+  const ReplaceResult result = ReplaceFileLines(name, lines, accept);
+  if (result == ReplaceResult::kRefused) {
+    WarnOfUnreadableText(job, found.report);
+    return;
+  }
+  if (result != ReplaceResult::kReplaced) StopOnWriteFailure(job, name);
 }
 
 void WriteAtomCoordinateFile(Job& job, int k) {
@@ -107,16 +145,16 @@ void AppendClosingLines(const Job& job, const ControlEndValues& ends, ControlLin
   if (r.NRELL != 0) AppendHardLimits(job, lines);
   if (r.ICRYG == 2) {
     Head(job, lines, "! Nconfg   Nsolu  Num_Ref  Nscalef");
-    Put(lines, Fmt("(4I8)", r.Nconfg, r.Nsolu, r.Num_Ref, r.Nscalef));
+    Put(lines, FmtReadBack("(4I8)", r.Nconfg, r.Nsolu, r.Num_Ref, r.Nscalef));
   }
   for (int ip = 1; ip <= r.NPATT; ++ip) {
     if (job.patterns[ip].IPL != 1) continue;
-    Head(job, lines, Fmt("(A,I0)", "! Iscale    Idif   --> Pattern#", ip));
-    Put(lines, Fmt("(2I8)", ends.Iscale, ends.Idif));
+    Head(job, lines, FmtReadBack("(A,I0)", "! Iscale    Idif   --> Pattern#", ip));
+    Put(lines, FmtReadBack("(2I8)", ends.Iscale, ends.Idif));
   }
   if (r.JCIL == 2) {
     Head(job, lines, "!  2Th1    2Th2  ");
-    Put(lines, Fmt("(2F8.2)", ends.twoTh1, ends.twoTh2));
+    Put(lines, FmtReadBack("(2F8.2)", ends.twoTh1, ends.twoTh2));
   }
 }
 
@@ -150,14 +188,23 @@ ControlLines ControlFileLines(const Job& job, const ControlEndValues& ends) {
 }
 
 void WriteControlFile(Job& job, int Iscale, int Idif, float twoTh1, float twoTh2) {
-  const ControlLines lines = ControlFileLines(job, {Iscale, Idif, twoTh1, twoTh2});
+  WriteControlFile(job, {Iscale, Idif, twoTh1, twoTh2}, CheckControlReadsBack);
+}
+
+void WriteControlFile(Job& job, const ControlEndValues& ends, const ControlTextCheck& check) {
+  ControlLines lines;
+  try {
+    lines = ControlFileLines(job, ends);
+  } catch (const NonFiniteValue&) {
+    StopOnNonFiniteValue(job);
+  }
   if (job.run.NXT == 1) {
     // The unit would go on reading the text that is replaced: it is closed.
     const std::string name = ControlFileName(job);
     CloseUnit(job.files.units[Unit::Control]);
-    ReplaceControlText(job, name, lines);
+    ReplaceControlText(job, name, lines, ends, check);
   } else {
-    ReplaceControlText(job, FileName(job, FileKind::kNewControl, 0, 0), lines);
+    ReplaceControlText(job, FileName(job, FileKind::kNewControl, 0, 0), lines, ends, check);
   }
   for (int k = 1; k <= job.run.NPHASE; ++k) {
     if (job.phases[k].Jdi != 0) WriteAtomCoordinateFile(job, k);

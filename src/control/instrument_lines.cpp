@@ -6,6 +6,7 @@
 #include "control/global_parameters.h"
 #include "control/scattering_entries.h"
 #include "format/fortran_format.h"
+#include "io/field_range.h"
 #include "io/field_reader.h"
 #include "surface/console.h"
 
@@ -56,12 +57,14 @@ void ReadCycleLines(Job& job) {
   Table1<float, 5>& f = r.relaxationFactor;
   if (r.NPATT == 1) {
     Pattern& p = job.patterns[1];
-    ReadMaskedLine(job, Unit::Control, "iffffffffff", job.LINE,
-                   {&r.NCY, &r.EPS, &f[1], &f[2], &f[3], &f[4], &p.THMIN, &p.STEP, &p.THMAX, &p.PSD,
-                    &p.Sent0});
+    const FieldLine line = ReadFieldLine(job, Unit::Control, "iffffffffff", job.LINE,
+                                         {&r.NCY, &r.EPS, &f[1], &f[2], &f[3], &f[4], &p.THMIN,
+                                          &p.STEP, &p.THMAX, &p.PSD, &p.Sent0});
+    CheckIntegerField(job, line, 1, "NCY", r.NCY, 0, DimensionLimits::MAXCYC);
   } else {
-    ReadMaskedLine(job, Unit::Control, "ifffff", job.LINE,
-                   {&r.NCY, &r.EPS, &f[1], &f[2], &f[3], &f[4]});
+    const FieldLine line = ReadFieldLine(job, Unit::Control, "ifffff", job.LINE,
+                                         {&r.NCY, &r.EPS, &f[1], &f[2], &f[3], &f[4]});
+    CheckIntegerField(job, line, 1, "NCY", r.NCY, 0, DimensionLimits::MAXCYC);
     for (int ip = 1; ip <= r.NPATT; ++ip) {
       Pattern& p = job.patterns[ip];
       ReadMaskedLine(job, Unit::Control, "fffff", job.LINE,

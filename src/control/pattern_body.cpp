@@ -11,6 +11,7 @@
 #include "control/phase_block.h"
 #include "control/profile_lines.h"
 #include "format/fortran_format.h"
+#include "io/field_range.h"
 #include "io/field_reader.h"
 #include "surface/console.h"
 
@@ -37,7 +38,8 @@ bool AnyCalculatedPattern(const Job& job) {
 }
 
 void ReadRefinedCount(Job& job) {
-  ReadMaskedLine(job, Unit::Control, "i", job.LINE, {&job.run.MAXS});
+  const FieldLine line = ReadFieldLine(job, Unit::Control, "i", job.LINE, {&job.run.MAXS});
+  CheckIntegerField(job, line, 1, "MAXS", job.run.MAXS, 0, DimensionLimits::MSZ);
   if (AnyCalculatedPattern(job)) job.run.MAXS = 0;
   WriteReports(job, Fmt("(A,I5)", " => Number of Least-Squares parameters varied: ", job.run.MAXS));
 }

@@ -82,6 +82,20 @@ void StopOnEmptyCalculationRange(Job& job, int ip) {
   }
 }
 
+// A refinement needs points: a data file without them, or a step reduction
+// (Ste) larger than the file, leaves none to walk.
+void StopOnTooFewPoints(Job& job, int ip) {
+  const Pattern& p = job.patterns[ip];
+  if (p.NPTS >= 2) return;
+  if (p.ISTEP > 1) {
+    const std::string words = Fmt("(A,I0,A,I0,A)", " => The step reduction Ste = ", p.ISTEP,
+                                  " leaves ", p.NPTS, " data points");
+    ConsoleLine(job, words);
+    WriteLine(job, Unit::Out, words);
+  }
+  StopOnPatternInput(job, ip, " => Fewer than 2 data points to refine");
+}
+
 // A pattern to calculate has its abscissa from the range of the cycle line.
 void BuildCalculatedAbscissa(Job& job, Pattern& p) {
   const double points = std::trunc((p.THMAX - p.THMIN) * (1.0f / p.STEP) + 1.5f);
@@ -98,6 +112,7 @@ void ReadPatternData(Job& job, int ip) {
   StopOnMissingWavelength(job, ip);
   if (!IsCalculatedPattern(p)) {
     ReadObservedData(job, ip);
+    StopOnTooFewPoints(job, ip);
   } else {
     StopOnEmptyCalculationRange(job, ip);
     BuildCalculatedAbscissa(job, p);

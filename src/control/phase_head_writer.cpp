@@ -31,44 +31,46 @@ void AppendRule(const Job& job, int k, ControlLines& lines) {
 void AppendSingleFlags(const Job& job, const Phase& ph, ControlLines& lines) {
   const PhasePattern& c = ph.pat[1];
   Head(job, lines, "!Nat Dis Mom Pr1 Pr2 Pr3 Jbt Irf Isy Str Furth     ATZ   Nvk Npr More");
-  Put(lines, Fmt("(3I4,3F4.1,5I4,F12.2,3I4)", ph.Nat, ph.Dis, ph.Mom, c.PREF[1], c.PREF[2],
-                 c.PREF[3], ph.Jbt, c.Irf, ph.Isy, ph.Str, ph.Furth, ph.ATZ, ph.Nvk,
-                 TypedNumber(ProfileOf(c)), ph.More));
+  Put(lines, FmtReadBack("(3I4,3F4.1,5I4,F12.2,3I4)", ph.Nat, ph.Dis, ph.Mom, c.PREF[1], c.PREF[2],
+                         c.PREF[3], ph.Jbt, c.Irf, ph.Isy, ph.Str, ph.Furth, ph.ATZ, ph.Nvk,
+                         TypedNumber(ProfileOf(c)), ph.More));
   if (ph.More == 0) return;
   Head(job, lines, "!Jvi Jdi Hel Sol Mom Ter  Brind   RMua    RMub    RMuc   Jtyp");
-  Put(lines, Fmt("(6I4,4F8.4,I4)", ph.Jvi, ph.Jdi, ph.Hel, ph.Sol, ph.MomOut, ph.Ter, c.Brind,
-                 c.Rmua, c.Rmub, c.Rmuc, c.Jtyp));
+  Put(lines, FmtReadBack("(6I4,4F8.4,I4)", ph.Jvi, ph.Jdi, ph.Hel, ph.Sol, ph.MomOut, ph.Ter,
+                         c.Brind, c.Rmua, c.Rmub, c.Rmuc, c.Jtyp));
 }
 
 void AppendMultiFlags(const Job& job, const Phase& ph, ControlLines& lines) {
   const int patterns = job.run.NPATT;
   Head(job, lines, "!Nat Dis Mom Jbt Isy Str Furth     ATZ   Nvk More");
-  Put(lines, Fmt("(7I4,F11.4,2I4)", ph.Nat, ph.Dis, ph.Mom, ph.Jbt, ph.Isy, ph.Str, ph.Furth,
-                 ph.ATZ, ph.Nvk, ph.More));
+  Put(lines, FmtReadBack("(7I4,F11.4,2I4)", ph.Nat, ph.Dis, ph.Mom, ph.Jbt, ph.Isy, ph.Str,
+                         ph.Furth, ph.ATZ, ph.Nvk, ph.More));
   if (ph.More != 0) {
     Head(job, lines, "!Jvi Jdi Hel Sol Mom Ter ");
-    Put(lines, Fmt("(6I4)", ph.Jvi, ph.Jdi, ph.Hel, ph.Sol, ph.MomOut, ph.Ter));
+    Put(lines, FmtReadBack("(6I4)", ph.Jvi, ph.Jdi, ph.Hel, ph.Sol, ph.MomOut, ph.Ter));
   }
   Head(job, lines,
-       Fmt("(A,I2,A)", "!Contributions (0/1) of this phase to the", patterns, " patterns"));
+       FmtReadBack("(A,I2,A)", "!Contributions (0/1) of this phase to the", patterns, " patterns"));
   std::vector<FormatValue> contributions;
   for (int ip = 1; ip <= patterns; ++ip) contributions.emplace_back(ph.pat[ip].Contribution);
-  Put(lines, FormatText("(40I2)", contributions));
+  Put(lines, FormatText("(40I2)", contributions, FieldFit::kReadBack));
   for (int ip = 1; ip <= patterns; ++ip) {
     const PhasePattern& c = ph.pat[ip];
     if (c.Contribution == 0) continue;
-    Head(job, lines, Fmt("(A,I0)", "!Irf Npr Jtyp  for Pattern#", ip));
-    Put(lines, Fmt("(3I4)", c.Irf, TypedNumber(ProfileOf(c)), c.Jtyp));
+    Head(job, lines, FmtReadBack("(A,I0)", "!Irf Npr Jtyp  for Pattern#", ip));
+    Put(lines, FmtReadBack("(3I4)", c.Irf, TypedNumber(ProfileOf(c)), c.Jtyp));
     Head(job, lines,
-         Fmt("(A,I0)", "! Pr1    Pr2    Pr3   Brind.   Rmua   Rmub   Rmuc     for Pattern#", ip));
-    Put(lines, Fmt("(7F7.3)", c.PREF[1], c.PREF[2], c.PREF[3], c.Brind, c.Rmua, c.Rmub, c.Rmuc));
+         FmtReadBack("(A,I0)", "! Pr1    Pr2    Pr3   Brind.   Rmua   Rmub   Rmuc     for Pattern#",
+                     ip));
+    Put(lines,
+        FmtReadBack("(7F7.3)", c.PREF[1], c.PREF[2], c.PREF[3], c.Brind, c.Rmua, c.Rmub, c.Rmuc));
   }
 }
 
 void AppendSpaceGroupLine(const Phase& ph, ControlLines& lines) {
   const char* remark =
       ph.magneticSymmetry == 1 ? " Magnetic symmetry below" : "     <--Space group symbol";
-  Put(lines, Fmt("(A20,A)", FixedText(ph.SpaceGroupSymbol, 20), remark));
+  Put(lines, FmtReadBack("(A20,A)", FixedText(ph.SpaceGroupSymbol, 20), remark));
 }
 
 // A signed index of the rotation table as its matrix; 0 is the zero matrix.
@@ -105,14 +107,14 @@ void AppendNumericOperators(const Job& job, const SpaceGroup& g, ControlLines& l
   Head(job, lines, "!S11 S12 S13     T1        S21 S22 S23     T2    S31 S32 S33       T3");
   for (int n = 1; n <= g.NSYM; ++n) {
     const IntMatrix3 r = SignedRotation(g.isl[n]);
-    Put(lines,
-        Fmt("(3(3I4,F12.6))", r(1, 1), r(1, 2), r(1, 3), g.translation(1, n), r(2, 1), r(2, 2),
-            r(2, 3), g.translation(2, n), r(3, 1), r(3, 2), r(3, 3), g.translation(3, n)));
+    Put(lines, FmtReadBack("(3(3I4,F12.6))", r(1, 1), r(1, 2), r(1, 3), g.translation(1, n),
+                           r(2, 1), r(2, 2), r(2, 3), g.translation(2, n), r(3, 1), r(3, 2),
+                           r(3, 3), g.translation(3, n)));
     if (g.NMAGM > 0) Head(job, lines, "!M11 M12 M13  M21 M22 M23  M31 M32 M33     Ph");
     for (int m = 1; m <= g.NMAGM; ++m) {
       const IntMatrix3 mr = SignedRotation(g.magneticRotation(m, n));
-      Put(lines, Fmt("(9I4,F12.6)", mr(1, 1), mr(1, 2), mr(1, 3), mr(2, 1), mr(2, 2), mr(2, 3),
-                     mr(3, 1), mr(3, 2), mr(3, 3), g.magneticPhase(m, n)));
+      Put(lines, FmtReadBack("(9I4,F12.6)", mr(1, 1), mr(1, 2), mr(1, 3), mr(2, 1), mr(2, 2),
+                             mr(2, 3), mr(3, 1), mr(3, 2), mr(3, 3), g.magneticPhase(m, n)));
     }
   }
 }
@@ -137,7 +139,7 @@ void AppendTimeReversal(const Job& job, const SpaceGroup& g, ControlLines& lines
   const int count = g.ICENT == 1 ? g.NSYM : g.NSYM + 1;
   std::vector<FormatValue> signs;
   for (int n = 1; n <= count; ++n) signs.emplace_back(g.magneticSign[n]);
-  Put(lines, FormatText("(24I3)", signs));
+  Put(lines, FormatText("(24I3)", signs, FieldFit::kReadBack));
 }
 
 void AppendSymmetryLines(const Job& job, const Phase& ph, ControlLines& lines) {
@@ -149,7 +151,7 @@ void AppendSymmetryLines(const Job& job, const Phase& ph, ControlLines& lines) {
     return;
   }
   Head(job, lines, "!Nsym Cen Laue MagMat");
-  Put(lines, Fmt("(4I4)", g.NSYM, g.ICENT, g.LAUE, g.NMAGM));
+  Put(lines, FmtReadBack("(4I4)", g.NSYM, g.ICENT, g.LAUE, g.NMAGM));
   if (ph.Isy > 0) {
     AppendNumericOperators(job, g, lines);
   } else {

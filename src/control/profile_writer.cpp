@@ -31,11 +31,11 @@ std::string SlotLines(const PhasePattern& c, std::span<const int> slots, const c
   for (int s : slots) all.emplace_back(c.PAR[s]);
   all.insert(all.end(), trailing);
   for (int s : slots) all.emplace_back(SlotCode(c, s));
-  return FormatText(format, all);
+  return FormatText(format, all, FieldFit::kReadBack);
 }
 
 std::string AxisLine(const Table1<float, 3>& axis, const char* remark) {
-  return Fmt("(3F8.4,12X,A)", axis[1], axis[2], axis[3], remark);
+  return FmtReadBack("(3F8.4,12X,A)", axis[1], axis[2], axis[3], remark);
 }
 
 void AppendTimeOfFlightWidths(const Job& job, const PhasePattern& c, ControlLines& lines) {
@@ -85,7 +85,7 @@ void AppendCell(const Job& job, const PhasePattern& c, ControlLines& lines) {
   std::vector<FormatValue> all;
   for (int i = 1; i <= 6; ++i) all.emplace_back(c.CellConstants[i]);
   for (int s : kCellLine) all.emplace_back(SlotCode(c, s));
-  Put(lines, FormatText("(6F11.6/6F11.5)", all));
+  Put(lines, FormatText("(6F11.6/6F11.5)", all, FieldFit::kReadBack));
 }
 
 void AppendWidthLines(const Job& job, const PhasePattern& c, const Pattern& p,
@@ -130,16 +130,16 @@ void AppendShapeLines(const Job& job, const Phase& ph, const PhasePattern& c, co
     Head(job, lines, tof ? "!Absorption correction parameters" : "!Additional Shape parameters");
     const char* format = tof ? "(2(F10.5,F8.2),'            ABS: ABSCOR1  ABSCOR2')"
                              : "(2(F10.5,F8.2),'            SHAPE: SHP1 CSHP1 & SHP2 CSHP2')";
-    Put(lines, Fmt(format, c.PAR[Slot::Shp1], SlotCode(c, Slot::Shp1), c.PAR[Slot::Shp2],
-                   SlotCode(c, Slot::Shp2)));
+    Put(lines, FmtReadBack(format, c.PAR[Slot::Shp1], SlotCode(c, Slot::Shp1), c.PAR[Slot::Shp2],
+                           SlotCode(c, Slot::Shp2)));
   }
   if (ph.Sol == 1) {
     Head(job, lines, "!     AsyP    Shift1    Shift2  ModA ModS");
     const char* format =
         Commented(job) ? "(3F10.5,2i5/3F10.2)" : "(3F10.5,2i5,20X,'ASYM, SHIFTS'/3F10.2)";
-    Put(lines,
-        Fmt(format, c.PAR[Slot::AsyP], c.PAR[Slot::Shift1], c.PAR[Slot::Shift2], ph.ModA, ph.ModS,
-            SlotCode(c, Slot::AsyP), SlotCode(c, Slot::Shift1), SlotCode(c, Slot::Shift2)));
+    Put(lines, FmtReadBack(format, c.PAR[Slot::AsyP], c.PAR[Slot::Shift1], c.PAR[Slot::Shift2],
+                           ph.ModA, ph.ModS, SlotCode(c, Slot::AsyP), SlotCode(c, Slot::Shift1),
+                           SlotCode(c, Slot::Shift2)));
     if (std::abs(ph.ModS) == 1) {
       Put(lines, AxisLine(ph.ShiftAxis, " Shift-cos(1) or Shift-sin(-1) axis"));
     }
@@ -172,9 +172,9 @@ void AppendPropagationVectors(const Job& job, const Phase& ph, ControlLines& lin
   Head(job, lines, "! Propagation vectors: ");
   for (int n = 1; n <= ph.Nvk; ++n) {
     const PropagationVector& v = ph.vectors[n];
-    Put(lines,
-        Fmt("(3F12.7,10X,A,I2/3F12.6)", v.KVEC[1], v.KVEC[2], v.KVEC[3], "Propagation Vector ", n,
-            ComposeCode(v.KCODE[1]), ComposeCode(v.KCODE[2]), ComposeCode(v.KCODE[3])));
+    Put(lines, FmtReadBack("(3F12.7,10X,A,I2/3F12.6)", v.KVEC[1], v.KVEC[2], v.KVEC[3],
+                           "Propagation Vector ", n, ComposeCode(v.KCODE[1]),
+                           ComposeCode(v.KCODE[2]), ComposeCode(v.KCODE[3])));
   }
 }
 
@@ -184,7 +184,8 @@ void AppendFurtherParameters(const Job& job, const Phase& ph, const PhasePattern
   Head(job, lines, "! Further parameters: ");
   for (int n = 1; n <= ph.Furth; ++n) {
     const int s = job.run.firstFurtherParameter + n;
-    Put(lines, Fmt("(A4,F14.6,F14.6)", FixedText(ph.FurtherName[n], 4), c.PAR[s], SlotCode(c, s)));
+    Put(lines,
+        FmtReadBack("(A4,F14.6,F14.6)", FixedText(ph.FurtherName[n], 4), c.PAR[s], SlotCode(c, s)));
   }
 }
 
@@ -214,7 +215,7 @@ void AppendProfileLines(const Job& job, int k, int ip, ControlLines& lines) {
   const Phase& ph = job.phases[k];
   const PhasePattern& c = ph.pat[ip];
   const Pattern& p = job.patterns[ip];
-  Head(job, lines, Fmt("(A,I3)", "!-------> Profile Parameters for Pattern #", ip));
+  Head(job, lines, FmtReadBack("(A,I3)", "!-------> Profile Parameters for Pattern #", ip));
   AppendWidthLines(job, c, p, lines);
   AppendCell(job, c, lines);
   AppendOrientationAndAsymmetry(job, c, p, lines);

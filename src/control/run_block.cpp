@@ -2,6 +2,7 @@
 // options.
 #include "control/run_block.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <vector>
 
@@ -47,6 +48,14 @@ void ReadFromColumnSix(Job& job, const std::string& record, std::span<const Read
     ReportFieldError(job, FieldError::ReadError, record, 6);
     StopAtLine(job, job.LINE);
   }
+  for (const ReadTarget& target : targets) {
+    if (target.kind != ReadTarget::Kind::Float) continue;
+    const float value = *static_cast<const float*>(target.target);
+    if (std::isfinite(value) && value >= 0.0f) continue;
+    ConsoleLine(job, " => The weights W_PAT must be finite numbers, 0 or above");
+    ShowLineWithCaret(job, record, 6);
+    StopAtLine(job, job.LINE);
+  }
 }
 
 // Decides the form of the head. In the multi-pattern form reads NPATT and the weights.
@@ -89,6 +98,9 @@ void ReadForm(Job& job, const HeadSteps& steps) {
 void NormaliseWeights(Job& job) {
   float sum = 0.0f;
   for (int ip = 1; ip <= job.run.NPATT; ++ip) sum += job.patterns[ip].W_PAT;
+  if (!(sum > 0.0f) || !std::isfinite(sum)) {
+    StopBox(job, " => The weights W_PAT of the patterns add up to no weight at all");
+  }
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
     job.patterns[ip].W_PAT = (1.0f / sum) * job.patterns[ip].W_PAT;
   }

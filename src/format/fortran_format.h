@@ -62,6 +62,17 @@ struct FormatValue {
   FormatValue(const std::string& v) : kind(Kind::Text), t(v) {}
 };
 
+// How numbers are fitted to their fields.
+enum class FieldFit : std::uint8_t {
+  kFortran,   // as Fortran writes them: a value too wide for its field comes out as stars
+  kReadBack,  // as a file that is read again needs them (below)
+};
+
+// A number that is not finite, given to a kReadBack write.
+struct NonFiniteValue : std::domain_error {
+  using std::domain_error::domain_error;
+};
+
 // Writes the values under the format. '/' and format reversion (values left
 // over at the end of the format) start new records. Output stops at the first
 // data descriptor for which no value is left. A value too wide for its field
@@ -75,16 +86,33 @@ struct FormatValue {
 // infinite, NaN or beyond the integer range). Text under I, F, E or G, a
 // number under A, or values left over for a format without data descriptors
 // throw std::invalid_argument; a real under Ew.0 or Gw.0 throws FormatTextError.
+// With FieldFit::kReadBack every number is written so that a free-format
+// reader gets it back to six significant digits: a real keeps its field when
+// the field's decimals (or more, or fewer) hold six significant digits, and is
+// otherwise written in exponent form, as wide as that needs; a number that
+// would run into the number before it, or fill its field with stars, gets a
+// blank in front and as many columns as it needs. A non-finite real throws
+// NonFiniteValue.
 std::vector<std::string> FormatRecords(const CompiledFormat& format,
-                                       std::span<const FormatValue> values);
+                                       std::span<const FormatValue> values,
+                                       FieldFit fit = FieldFit::kFortran);
 
 // Compiles `format` and writes the values; records are joined with '\n'.
-std::string FormatText(std::string_view format, std::span<const FormatValue> values);
+std::string FormatText(std::string_view format, std::span<const FormatValue> values,
+                       FieldFit fit = FieldFit::kFortran);
 
 template <typename... Args>
 std::string Fmt(std::string_view format, const Args&... args) {
   const FormatValue values[] = {FormatValue(args)..., FormatValue(0)};
   return FormatText(format, std::span<const FormatValue>(values, sizeof...(Args)));
+}
+
+// Fmt for a file that is read again: every number reads back (FieldFit::kReadBack).
+template <typename... Args>
+std::string FmtReadBack(std::string_view format, const Args&... args) {
+  const FormatValue values[] = {FormatValue(args)..., FormatValue(0)};
+  return FormatText(format, std::span<const FormatValue>(values, sizeof...(Args)),
+                    FieldFit::kReadBack);
 }
 
 // One place a read value goes to.

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -326,6 +327,103 @@ void AppendValue(std::string& out, const FormatItem& item, const FormatValue& va
   }
 }
 
+// Six significant digits: the text, read back, differs from the value by at
+// most half a unit of the sixth digit.
+bool ReadsBack(std::string_view text, double value) {
+  std::string number(text);
+  std::replace(number.begin(), number.end(), 'D', 'E');
+  char* end = nullptr;
+  const double read = std::strtod(number.c_str(), &end);
+  if (end == number.c_str()) return false;
+  return std::fabs(read - value) <= 5.0e-6 * std::fabs(value);
+}
+
+// A number's text fits when it has no stars and, written right behind another
+// number, starts with a blank or a minus sign (a sign ends the number before
+// it for the free-format reader: "0.5-0.2" are two numbers).
+bool FitsField(std::string_view text, bool touching) {
+  return !text.empty() && text.find('*') == std::string_view::npos &&
+         (!touching || text.front() == ' ' || text.front() == '-');
+}
+
+// The width of the exponent form of six significant digits ("0.123457E-04")
+// with one blank in front; a minus sign takes one column more.
+constexpr int kReadBackExponentWidth = 14;
+
+// Fw.d of a value that must read back: the field's decimals, then more, then fewer.
+bool AppendFixedReadBack(std::string& out, int width, int decimals, double value, bool touching) {
+  std::string text;
+  const auto tryDecimals = [&](int d) {
+    text.clear();
+    AppendFixed(text, width, d, value);
+    if (!FitsField(text, touching) || !ReadsBack(text, value)) return false;
+    out += text;
+    return true;
+  };
+  if (tryDecimals(decimals)) return true;
+  for (int d = decimals + 1; d <= width - 2; ++d) {
+    if (tryDecimals(d)) return true;
+  }
+  for (int d = decimals - 1; d >= 0; --d) {
+    if (tryDecimals(d)) return true;
+  }
+  return false;
+}
+
+// Ew.d of a value that must read back: the field's digits, then more.
+bool AppendExponentialReadBack(std::string& out, const FormatItem& item, double value,
+                               bool touching) {
+  std::string text;
+  for (int d = std::max(item.digits, 1); d <= item.width - 5; ++d) {
+    text.clear();
+    AppendExponential(text, item.width, d, item.exponent, value, item.dLetter ? 'D' : 'E');
+    if (FitsField(text, touching) && ReadsBack(text, value)) {
+      out += text;
+      return true;
+    }
+  }
+  return false;
+}
+
+// One number of a file that is read again (FieldFit::kReadBack).
+void AppendReadBackValue(std::string& out, const FormatItem& item, const FormatValue& value,
+                         bool touching) {
+  if (value.kind == FormatValue::Kind::Real && !std::isfinite(value.r)) {
+    throw NonFiniteValue("a number that is not finite cannot be written to be read again");
+  }
+  const bool integer = item.kind == FormatItem::Kind::I ||
+                       (item.kind == FormatItem::Kind::G && value.kind == FormatValue::Kind::Int);
+  if (integer) {
+    std::string text;
+    AppendValue(text, item, value);
+    if (!FitsField(text, touching)) {
+      const long long whole =
+          value.kind == FormatValue::Kind::Int ? value.i : std::llround(value.r);
+      text = " " + std::to_string(whole);
+    }
+    out += text;
+    return;
+  }
+  const double real = RealOf(value);
+  if (item.kind == FormatItem::Kind::F &&
+      AppendFixedReadBack(out, item.width, item.digits, real, touching)) {
+    return;
+  }
+  if (item.kind == FormatItem::Kind::E && AppendExponentialReadBack(out, item, real, touching)) {
+    return;
+  }
+  if (item.kind == FormatItem::Kind::G) {
+    std::string text;
+    AppendGeneral(text, item.width, item.digits, item.exponent, real);
+    if (FitsField(text, touching) && ReadsBack(text, real)) {
+      out += text;
+      return;
+    }
+  }
+  const int width = kReadBackExponentWidth + (std::signbit(real) ? 1 : 0);
+  AppendExponential(out, std::max(item.width, width), 6, 0, real, 'E');
+}
+
 bool IsData(FormatItem::Kind kind) {
   return kind == FormatItem::Kind::I || kind == FormatItem::Kind::F ||
          kind == FormatItem::Kind::E || kind == FormatItem::Kind::G || kind == FormatItem::Kind::A;
@@ -334,7 +432,7 @@ bool IsData(FormatItem::Kind kind) {
 }  // namespace
 
 std::vector<std::string> FormatRecords(const CompiledFormat& format,
-                                       std::span<const FormatValue> values) {
+                                       std::span<const FormatValue> values, FieldFit fit) {
   std::vector<std::string> records;
   std::string record;
   // Positions skipped by nX: they become blanks only if something is written
@@ -342,10 +440,13 @@ std::vector<std::string> FormatRecords(const CompiledFormat& format,
   std::size_t pendingBlanks = 0;
   std::size_t next = 0;
   bool wroteValueThisPass = false;
+  // The last thing written is a number: the next one must not run into it.
+  bool afterNumber = false;
   const auto endRecord = [&] {
     records.push_back(std::move(record));
     record.clear();
     pendingBlanks = 0;
+    afterNumber = false;
   };
   const auto startField = [&] {
     record.append(pendingBlanks, ' ');
@@ -373,7 +474,13 @@ std::vector<std::string> FormatRecords(const CompiledFormat& format,
           return records;
         }
         startField();
-        AppendValue(record, *item, values[next++]);
+        if (fit == FieldFit::kReadBack && item->kind != FormatItem::Kind::A) {
+          const bool touching = afterNumber && !record.empty() && record.back() != ' ';
+          AppendReadBackValue(record, *item, values[next++], touching);
+        } else {
+          AppendValue(record, *item, values[next++]);
+        }
+        afterNumber = item->kind != FormatItem::Kind::A;
         wroteValueThisPass = true;
       }
       continue;
@@ -389,6 +496,7 @@ std::vector<std::string> FormatRecords(const CompiledFormat& format,
       case FormatItem::Kind::Literal:
         startField();
         record += item->text;
+        afterNumber = false;
         break;
       default:
         break;
@@ -398,8 +506,8 @@ std::vector<std::string> FormatRecords(const CompiledFormat& format,
   return records;
 }
 
-std::string FormatText(std::string_view format, std::span<const FormatValue> values) {
-  const std::vector<std::string> records = FormatRecords(CompileFormat(format), values);
+std::string FormatText(std::string_view format, std::span<const FormatValue> values, FieldFit fit) {
+  const std::vector<std::string> records = FormatRecords(CompileFormat(format), values, fit);
   if (records.size() == 1) return records.front();
   std::string text;
   for (std::size_t k = 0; k < records.size(); ++k) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "io/field_range.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -284,9 +285,7 @@ std::string FieldErrorText(int error) {
   return Fmt("(A,I0)", "FMT decode error number:", error);
 }
 
-void ReportFieldError(Job& job, int error, std::string_view line, int position) {
-  if (error == 0 || error == -1) return;
-  ConsoleLine(job, FieldErrorText(error));
+void ShowLineWithCaret(Job& job, std::string_view line, int position) {
   std::string_view text = TrimRight(line);
   // The caret stands under column `position` of the line as shown.
   if (text.size() <= 129) {
@@ -304,6 +303,12 @@ void ReportFieldError(Job& job, int error, std::string_view line, int position) 
                          ? std::string("^")
                          : " " + std::string(static_cast<std::size_t>(position - 2), '-') + "^");
   }
+}
+
+void ReportFieldError(Job& job, int error, std::string_view line, int position) {
+  if (error == 0 || error == -1) return;
+  ConsoleLine(job, FieldErrorText(error));
+  ShowLineWithCaret(job, line, position);
 }
 
 void StopAtLine(Job& job, int lineNumber) {
@@ -377,23 +382,29 @@ int ReadMaskedLine(Job& job, int unit, std::string_view mask, int& lineNumber,
 
 int ReadMaskedLineList(Job& job, int unit, std::string_view mask, int& lineNumber,
                        std::span<const ReadTarget> targets, std::string* lineOut) {
-  std::string line;
+  FieldLine read = ReadFieldLine(job, unit, mask, lineNumber, targets);
+  if (lineOut != nullptr) *lineOut = std::move(read.text);
+  return read.error;
+}
+
+FieldLine ReadFieldLine(Job& job, int unit, std::string_view mask, int& lineNumber,
+                        std::span<const ReadTarget> targets) {
+  FieldLine read;
   std::string maskText(mask);
-  std::string format;
   int position = 0;
-  int error = 0;
   ++lineNumber;
-  FindFMT(job, unit, line, maskText, format, position, lineNumber, error);
-  if (lineOut != nullptr) *lineOut = line;
-  if (error == FieldError::EndOfFile) return error;
-  if (format.back() == ',') format.back() = ')';
-  if (format == "(") return error;
-  ReadStatus status = ReadFormattedLine(format, line, targets);
+  FindFMT(job, unit, read.text, maskText, read.format, position, lineNumber, read.error);
+  read.lineNumber = lineNumber;
+  if (read.error == FieldError::EndOfFile) return read;
+  if (read.format.back() == ',') read.format.back() = ')';
+  if (read.format == "(") return read;
+  ReadStatus status = ReadFormattedLine(read.format, read.text, targets);
   if (status == ReadStatus::BadValue) {
-    ReportFieldError(job, FieldError::ReadError, line, position);
+    ReportFieldError(job, FieldError::ReadError, read.text, position);
     StopAtLine(job, lineNumber);
   }
-  return error;
+  CheckReadValues(job, read, targets);
+  return read;
 }
 
 }  // namespace corvinet

@@ -57,6 +57,9 @@ void AppendDescriptor(int kind, int width, int skip, std::string& format, int& e
 // Writes the message of `error`, the line and a caret under column `position`.
 void ReportFieldError(Job& job, int error, std::string_view line, int position);
 
+// Writes the line (quoted when it is short enough) and a caret under column `position`.
+void ShowLineWithCaret(Job& job, std::string_view line, int position);
+
 // The text of an error code.
 std::string FieldErrorText(int error);
 
@@ -73,6 +76,23 @@ int ReadMaskedLine(Job& job, int unit, std::string_view mask, int& lineNumber,
 // The same with a list of targets built at run time.
 int ReadMaskedLineList(Job& job, int unit, std::string_view mask, int& lineNumber,
                        std::span<const ReadTarget> targets, std::string* lineOut = nullptr);
+
+// A line read under a mask, kept for the range checks of its values (io/field_range.h).
+struct FieldLine {
+  std::string text;    // the line as read
+  std::string format;  // its field list, as FindFMT builds it
+  int lineNumber = 0;  // its number in the file
+  int error = 0;       // the field reader's code: 0, 8, or -1 at the end of the data unit
+};
+
+// ReadMaskedLineList that keeps the line for the range checks of its values.
+FieldLine ReadFieldLine(Job& job, int unit, std::string_view mask, int& lineNumber,
+                        std::span<const ReadTarget> targets);
+inline FieldLine ReadFieldLine(Job& job, int unit, std::string_view mask, int& lineNumber,
+                               std::initializer_list<ReadTarget> targets) {
+  return ReadFieldLine(job, unit, mask, lineNumber,
+                       std::span<const ReadTarget>(targets.begin(), targets.size()));
+}
 
 // The stop that closes every report of a bad line.
 [[noreturn]] void StopAtLine(Job& job, int lineNumber);

@@ -22,8 +22,8 @@ std::string TemporaryNameOf(const std::string& path) {
   return path + ".tmp";
 }
 
-ReplaceResult ReplaceFile(const std::string& path,
-                          const std::function<bool(std::FILE*)>& writeBody) {
+ReplaceResult ReplaceFile(const std::string& path, const std::function<bool(std::FILE*)>& writeBody,
+                          const ReplacementCheck& check) {
   struct stat old {};
   const bool exists = ::stat(path.c_str(), &old) == 0;
   if (exists && !S_ISREG(old.st_mode)) return ReplaceResult::kNotARegularFile;
@@ -37,6 +37,10 @@ ReplaceResult ReplaceFile(const std::string& path,
     std::remove(temporary.c_str());
     return ReplaceResult::kWriteFailed;
   }
+  if (check && !check(temporary)) {
+    std::remove(temporary.c_str());
+    return ReplaceResult::kRefused;
+  }
   if (std::rename(temporary.c_str(), path.c_str()) != 0) {
     std::remove(temporary.c_str());
     return ReplaceResult::kCannotRename;
@@ -44,14 +48,18 @@ ReplaceResult ReplaceFile(const std::string& path,
   return ReplaceResult::kReplaced;
 }
 
-ReplaceResult ReplaceFileLines(const std::string& path, std::span<const std::string> lines) {
-  return ReplaceFile(path, [lines](std::FILE* file) {
-    for (const std::string& line : lines) {
-      if (std::fwrite(line.data(), 1, line.size(), file) != line.size()) return false;
-      if (std::fputc('\n', file) == EOF) return false;
-    }
-    return true;
-  });
+ReplaceResult ReplaceFileLines(const std::string& path, std::span<const std::string> lines,
+                               const ReplacementCheck& check) {
+  return ReplaceFile(
+      path,
+      [lines](std::FILE* file) {
+        for (const std::string& line : lines) {
+          if (std::fwrite(line.data(), 1, line.size(), file) != line.size()) return false;
+          if (std::fputc('\n', file) == EOF) return false;
+        }
+        return true;
+      },
+      check);
 }
 
 }  // namespace corvinet

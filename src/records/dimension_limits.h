@@ -26,6 +26,7 @@ struct DimensionLimits {
   static constexpr int INPR = 4;      // different numerical peak shapes
   static constexpr int NPRC = 150;    // terms in the table for correcting intensities
   static constexpr int NSOL = 10;     // solutions stored in Monte Carlo searches
+  static constexpr int MAXCYC = 999;  // refinement cycles of one run (three columns when written)
 };
 
 }  // namespace corvinet

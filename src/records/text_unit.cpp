@@ -73,7 +73,8 @@ void WriteRecord(TextUnit& unit, std::string_view record) {
     if (at >= 0 && ::ftruncate(::fileno(unit.file), at) == 0) std::fseek(unit.file, at, SEEK_SET);
     unit.written = true;
   }
-  std::fwrite(record.data(), 1, record.size(), unit.file);
+  // An empty view may hold no pointer at all, which fwrite must not be given.
+  if (!record.empty()) std::fwrite(record.data(), 1, record.size(), unit.file);
   std::fputc('\n', unit.file);
 }
 

@@ -13,6 +13,7 @@
 #include "refine/cycle_report.h"
 #include "refine/cycle_stop_tests.h"
 #include "refine/cycle_work.h"
+#include "refine/finite_parameters.h"
 #include "refine/intensity_evaluation.h"
 #include "refine/live_plot.h"
 #include "refine/order_reflections.h"
@@ -224,6 +225,7 @@ void RunCycles(Job& job, CycleWork& work) {
       damping.Keep(job, work, cycle);
     }
     SolveAndReport(job, work, damping, cycle, profile);
+    StopOnNonFiniteParameters(job, cycle);
     if (job.patterns[1].LST2 == kLivePlot) PlotCycle(job, s.DisplayedCycle);
     if (job.run.IDUM == 2) {
       StopOnDivergence(job, cycle);

@@ -1,6 +1,8 @@
 // Offsets, ticks, plotted positions and header pieces shared by the profile-file layouts.
 #include "results/plot_geometry.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 #include "format/text.h"
@@ -10,11 +12,28 @@
 
 namespace corvinet {
 
+long long PlotCount(double value, bool nearest) {
+  constexpr double kLargest = 1.0e15;
+  if (!(value > -kLargest)) value = -kLargest;
+  if (!(value < kLargest)) value = kLargest;
+  return nearest ? std::llround(value) : static_cast<long long>(value);
+}
+
+namespace {
+
+// An offset of the plots; those of a diverged fit are held within the range of int.
+int PlotOffset(double value) {
+  constexpr double kLargest = 1.0e9;
+  return static_cast<int>(PlotCount(std::max(-kLargest, std::min(kLargest, value)), false));
+}
+
+}  // namespace
+
 PlotOffsets OffsetsOf(const PlotExtremes& extremes) {
   PlotOffsets o;
-  o.DiffOffset = static_cast<int>(0.25f * extremes.Ymax);
-  o.BackOffset = static_cast<int>(0.25f * extremes.BackMin);
-  o.TickStep = static_cast<int>(0.0625f * extremes.Ymax);
+  o.DiffOffset = PlotOffset(0.25f * extremes.Ymax);
+  o.BackOffset = PlotOffset(0.25f * extremes.BackMin);
+  o.TickStep = PlotOffset(0.0625f * extremes.Ymax);
   return o;
 }
 

@@ -19,6 +19,11 @@ struct PlotOffsets {
 };
 PlotOffsets OffsetsOf(const PlotExtremes& extremes);
 
+// A count of the plot columns, to the nearest integer or truncated. The counts
+// of a diverged fit may pass the range of int: they are held in 64 bits
+// (within 1e15; too wide for their columns, they come out as stars).
+long long PlotCount(double value, bool nearest);
+
 // Plotted position of reflection k of pattern ip: the corrected position that
 // the order table computes (Zero, the position and its cos/sin shift for
 // 2theta, or its d-squared term for the other units).

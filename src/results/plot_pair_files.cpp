@@ -102,11 +102,12 @@ void WriteOffsetPlotFiles(Job& job, int ip, const PlotExtremes& extremes) {
   OpenPlotFile(job, PlotFileName(job, ip, ".pl1"));
   for (int i = 1; i <= p.NPTS; ++i) {
     const bool out = excluded[static_cast<std::size_t>(i)];
-    const int difference = out ? 0 : static_cast<int>(p.Ytotal[i] - p.Ycalc[i]);
+    const long long difference =
+        out ? 0 : PlotCount(static_cast<double>(p.Ytotal[i] - p.Ycalc[i]), false);
     WriteLine(
         job, Unit::Profile,
-        Fmt("(F14.4,4(1X,I8))", p.X[i], static_cast<int>(p.Ytotal[i]), static_cast<int>(p.Ycalc[i]),
-            difference - o.DiffOffset, static_cast<int>(p.Backg[i]) - o.BackOffset));
+        Fmt("(F14.4,4(1X,I8))", p.X[i], PlotCount(p.Ytotal[i], false), PlotCount(p.Ycalc[i], false),
+            difference - o.DiffOffset, PlotCount(p.Backg[i], false) - o.BackOffset));
   }
   CloseUnit(job.files.units[Unit::Profile]);
   OpenPlotFile(job, PlotFileName(job, ip, ".pl2"));

@@ -53,12 +53,13 @@ void WriteTabbedHeader(Job& job, int ip) {
 // x, then Yobs and Ycalc to the nearest integer, the difference (0 in an
 // excluded region) less DiffOffset and the background less BackOffset.
 std::string PointColumns(const Pattern& p, int i, bool excluded, const PlotOffsets& o) {
-  const int yobs = static_cast<int>(std::lround(p.Ytotal[i]));
-  const int ycalc = static_cast<int>(std::lround(p.Ycalc[i]));
-  const int difference = excluded ? 0 : static_cast<int>(p.Ytotal[i] - p.Ycalc[i]);
-  const int background = static_cast<int>(p.Backg[i]);
+  const long long yobs = PlotCount(p.Ytotal[i], true);
+  const long long ycalc = PlotCount(p.Ycalc[i], true);
+  const long long difference =
+      excluded ? 0 : PlotCount(static_cast<double>(p.Ytotal[i] - p.Ycalc[i]), false);
+  const long long background = PlotCount(p.Backg[i], false);
   std::string line = Fmt("(F12.4)", p.X[i]);
-  for (int v : {yobs, ycalc, difference - o.DiffOffset, background - o.BackOffset}) {
+  for (long long v : {yobs, ycalc, difference - o.DiffOffset, background - o.BackOffset}) {
     line += kTab + Fmt("(I8)", v);
   }
   return line;

@@ -2,12 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "control/control_writer.h"
 #include "format/fortran_format.h"
+#include "records/profile_slots.h"
 #include "records/text_unit.h"
 #include "run/defaults.h"
 #include "surface/console.h"
@@ -918,6 +920,19 @@ TEST(ControlWriter, AtomCoordinateFileOfAMagneticPhase) {
   EXPECT_EQ(AtomCoordinateLines(*w, 1).size(), 3u);
 }
 
+// The jobs of these tests are built in memory, without the data files a
+// reading needs: the replacement of the file is tested with a check that
+// accepts every text (the check itself is tested in control_read_back_test).
+ReadBackResult AcceptEveryText(const Job&, const std::string&, const ControlLines&,
+                               const ControlEndValues&) {
+  return {true, ""};
+}
+
+ReadBackResult RefuseEveryText(const Job&, const std::string&, const ControlLines&,
+                               const ControlEndValues&) {
+  return {false, " => Line 7 reads back as:"};
+}
+
 TEST(ControlWriter, NewFileAndAtomFileAreWritten) {
   ScratchDir dir;
   WriterJob w;
@@ -925,7 +940,7 @@ TEST(ControlWriter, NewFileAndAtomFileAreWritten) {
   FillPhase(*w);
   w->phases[1].Jdi = 1;
   w->run.NXT = 2;
-  WriteControlFile(*w, 0, 0, 0.0f, 0.0f);
+  WriteControlFile(*w, {}, AcceptEveryText);
   const ControlLines lines = ControlFileLines(*w, {});
   EXPECT_EQ(dir.Read("x.new"), Joined(lines));
   EXPECT_EQ(dir.Read("x1.atm"), Joined(AtomCoordinateLines(*w, 1)));
@@ -939,7 +954,7 @@ TEST(ControlWriter, OverwrittenControlFileEndsWithTheNewText) {
   dir.Write("x.pcr", std::string(20000, '!') + "\n");
   ASSERT_TRUE(OpenUnit(w->files.units[Unit::Control], "x.pcr", OpenStatus::Old));
   w->run.NXT = 1;
-  WriteControlFile(*w, 0, 0, 0.0f, 0.0f);
+  WriteControlFile(*w, {}, AcceptEveryText);
   EXPECT_EQ(dir.Read("x.pcr"), Joined(ControlFileLines(*w, {})));
 }
 
@@ -951,10 +966,46 @@ TEST(ControlWriter, OverwrittenControlFileLeavesNoTemporaryFileAndClosesItsUnit)
   dir.Write("x.pcr", "old\n");
   ASSERT_TRUE(OpenUnit(w->files.units[Unit::Control], "x.pcr", OpenStatus::Old));
   w->run.NXT = 1;
-  WriteControlFile(*w, 0, 0, 0.0f, 0.0f);
+  WriteControlFile(*w, {}, AcceptEveryText);
   EXPECT_EQ(dir.Read("x.pcr"), Joined(ControlFileLines(*w, {})));
   EXPECT_FALSE(dir.Exists("x.pcr.tmp"));
   EXPECT_FALSE(IsOpen(w->files.units[Unit::Control]));
+}
+
+TEST(ControlWriter, TextThatDoesNotReadBackLeavesTheOldFileWithAWarning) {
+  ScratchDir dir;
+  WriterJob w;
+  w->driver.PcrCode = "x";
+  FillPhase(*w);
+  dir.Write("x.pcr", "old\n");
+  ASSERT_TRUE(OpenUnit(w->files.units[Unit::Control], "x.pcr", OpenStatus::Old));
+  w->run.NXT = 1;
+  EXPECT_TRUE(
+      testing::RunsWithoutStop(*w, [](Job& j) { WriteControlFile(j, {}, RefuseEveryText); }));
+  EXPECT_EQ(dir.Read("x.pcr"), "old\n");
+  EXPECT_FALSE(dir.Exists("x.pcr.tmp"));
+  const std::string console = w.job.Console();
+  EXPECT_NE(console.find(" => The new control file does not read back:"), std::string::npos);
+  EXPECT_NE(console.find(" => Line 7 reads back as:"), std::string::npos);
+  EXPECT_NE(console.find(" => The old control file is kept"), std::string::npos);
+}
+
+TEST(ControlWriter, NonFiniteValueStopsAsDivergedAndLeavesTheOldFile) {
+  ScratchDir dir;
+  WriterJob w;
+  w->driver.PcrCode = "x";
+  FillPhase(*w);
+  w->phases[1].pat[1].PAR[ProfileSlot::W] = std::nanf("");
+  dir.Write("x.pcr", "old\n");
+  ASSERT_TRUE(OpenUnit(w->files.units[Unit::Control], "x.pcr", OpenStatus::Old));
+  w->run.NXT = 1;
+  EXPECT_FALSE(
+      testing::RunsWithoutStop(*w, [](Job& j) { WriteControlFile(j, {}, AcceptEveryText); }));
+  EXPECT_EQ(dir.Read("x.pcr"), "old\n");
+  EXPECT_NE(w.job.Console().find(" => A value of the new control file is not a finite number"),
+            std::string::npos);
+  EXPECT_NE(w.job.Console().find(" => The refinement diverged: the old control file is kept"),
+            std::string::npos);
 }
 
 TEST(ControlWriter, WriteFailureStopsTheRunAndLeavesTheOldFile) {

@@ -44,6 +44,31 @@ TEST(RunBlock, FileWithoutNpattHasOnePatternOfWeightOne) {
   EXPECT_TRUE(Has(dir.Read("x.out"), " => DAT file code: x -> Relative contribution:   1.00000"));
 }
 
+TEST(RunBlock, WeightThatIsNotAFiniteNumberOrNegativeIsRefused) {
+  for (const std::string weights : {"W_PAT 1 nan", "W_PAT 1 inf", "W_PAT 1 1e39", "W_PAT 1 -3"}) {
+    ScratchDir dir;
+    CapturedJob job;
+    EXPECT_FALSE(ReadHead(dir, job, "T\nNPATT 2\n" + weights + "\n1 0 0 0 0\n")) << weights;
+    const std::string console = job.Console();
+    EXPECT_NE(console.find(" => Please check your input file at line: 3 !"), std::string::npos)
+        << console;
+  }
+  ScratchDir dir;
+  CapturedJob job;
+  EXPECT_FALSE(ReadHead(dir, job, "T\nNPATT 2\nW_PAT 1 -3\n1 0 0 0 0\n"));
+  EXPECT_NE(job.Console().find(" => The weights W_PAT must be finite numbers, 0 or above"),
+            std::string::npos)
+      << job.Console();
+}
+
+TEST(RunBlock, WeightsThatAddUpToNothingAreRefused) {
+  ScratchDir dir;
+  CapturedJob job;
+  EXPECT_FALSE(ReadHead(dir, job, "T\nNPATT 2\nW_PAT 0 0\n1 0 0 0 0\n"));
+  EXPECT_NE(job.Console().find(" => The weights W_PAT of the patterns add up to no weight at all"),
+            std::string::npos);
+}
+
 TEST(RunBlock, WeightsAreNormalised) {
   ScratchDir dir;
   CapturedJob job;
