@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "bench_job.h"
 #include "control/control_reading.h"
 #include "io/file_set.h"
 #include "records/profile_slots.h"
@@ -45,18 +46,7 @@ std::unique_ptr<Job> MakeJob(const std::filesystem::path& dir, int str) {
   // peaks span as many points.
   if (str == 3) pcr << "0.00001 0.000008 0.000012 0.000002 -0.000002 0.000001\n0 0 0 0 0 0\n";
   pcr.close();
-  std::ofstream dat("bench.dat");
-  dat << "5.0 0.008 85.0\n";
-  for (int i = 1; i <= 10001; ++i) dat << (i % 10 == 0 ? "100\n" : "100 ");
-  dat.close();
-  auto job = std::make_unique<Job>();
-  job->console.out = std::fopen("bench.console", "w");
-  job->driver.PcrCode = "bench";
-  job->driver.DatCode = "bench";
-  OpenFiles(*job, FileKind::kControl, 0, 0);
-  OpenFiles(*job, FileKind::kOutput, 0, 0);
-  ResetDefaults(*job);
-  ReadControlFile(*job);
+  auto job = ReadBenchJob("5.0 0.008 85.0", 10001);
   return job;
 }
 

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "bench_job.h"
 #include "control/control_reading.h"
 #include "format/fortran_format.h"
 #include "io/file_set.h"
@@ -25,24 +26,6 @@ namespace {
 
 using namespace corvinet;
 
-// Writes flat data over 17000 points and reads the control file bench.pcr
-// of the current directory.
-std::unique_ptr<Job> ReadBenchJob() {
-  std::ofstream dat("bench.dat");
-  dat << "5.0 0.00475 85.74525\n";
-  for (int i = 1; i <= 17000; ++i) dat << (i % 10 == 0 ? "100\n" : "100 ");
-  dat.close();
-  auto job = std::make_unique<Job>();
-  job->console.out = std::fopen("bench.console", "w");
-  job->driver.PcrCode = "bench";
-  job->driver.DatCode = "bench";
-  OpenFiles(*job, FileKind::kControl, 0, 0);
-  OpenFiles(*job, FileKind::kOutput, 0, 0);
-  ResetDefaults(*job);
-  ReadControlFile(*job);
-  return job;
-}
-
 // A triclinic phase in profile matching over 17000 points of 2theta.
 std::unique_ptr<Job> MakeJob(const std::filesystem::path& dir) {
   std::filesystem::create_directories(dir);
@@ -57,7 +40,7 @@ std::unique_ptr<Job> MakeJob(const std::filesystem::path& dir) {
          "0.01 -0.005 0.008 0.01 0.0 0.0 0.0 0\n0 0 0 0 0 0 0\n"
          "7.1 8.2 9.3 91 95 98\n0 0 0 0 0 0\n0 0 0 0 0 0\n0 0 0 0 0 0\n";
   pcr.close();
-  auto job = ReadBenchJob();
+  auto job = ReadBenchJob("5.0 0.00475 85.74525", 17000);
   return job;
 }
 
@@ -115,7 +98,7 @@ std::unique_ptr<Job> MakeStructureJob(const std::filesystem::path& dir) {
          "0.01 -0.005 0.008 0.01 0.0 0.0 0.0 0\n821.0 831.0 841.0 851.0 0 0 0\n"
          "8.1 9.2 10.3 90 97 90\n861.0 871.0 881.0 0 0 0\n0 0 0 0 0 0\n0 0 0 0 0 0\n";
   pcr.close();
-  auto job = ReadBenchJob();
+  auto job = ReadBenchJob("5.0 0.00475 85.74525", 17000);
   BuildParameterFamilies(*job);
   return job;
 }

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "bench_job.h"
 #include "control/control_reading.h"
 #include "format/fortran_format.h"
 #include "io/file_set.h"
@@ -92,18 +93,7 @@ std::unique_ptr<Job> ReadJob(const std::filesystem::path& dir, bool magnetic) {
       << kHead << refined << "\n0.0 661.0 0.0 0 0.0 0 0 0 0\n100 0 0 0 0 0\n671.0 0 0 0 0 0\n"
       << (magnetic ? MagneticPhase() : CrystalPhase());
   pcr.close();
-  std::ofstream dat("bench.dat");
-  dat << "5.0 0.008 84.992\n";
-  for (int i = 1; i <= 10000; ++i) dat << (i % 10 == 0 ? "100\n" : "100 ");
-  dat.close();
-  auto job = std::make_unique<Job>();
-  job->console.out = std::fopen("bench.console", "w");
-  job->driver.PcrCode = "bench";
-  job->driver.DatCode = "bench";
-  OpenFiles(*job, FileKind::kControl, 0, 0);
-  OpenFiles(*job, FileKind::kOutput, 0, 0);
-  ResetDefaults(*job);
-  ReadControlFile(*job);
+  auto job = ReadBenchJob("5.0 0.008 84.992", 10000);
   BuildParameterFamilies(*job);
   return job;
 }

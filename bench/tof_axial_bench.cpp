@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "bench_job.h"
 #include "control/control_reading.h"
 #include "io/file_set.h"
 #include "records/reflection.h"
@@ -19,22 +20,6 @@
 namespace {
 
 using namespace corvinet;
-
-std::unique_ptr<Job> ReadJob(const std::string& range, int points) {
-  std::ofstream dat("bench.dat");
-  dat << range << "\n";
-  for (int i = 1; i <= points; ++i) dat << (i % 10 == 0 ? "100\n" : "100 ");
-  dat.close();
-  auto job = std::make_unique<Job>();
-  job->console.out = std::fopen("bench.console", "w");
-  job->driver.PcrCode = "bench";
-  job->driver.DatCode = "bench";
-  OpenFiles(*job, FileKind::kControl, 0, 0);
-  OpenFiles(*job, FileKind::kOutput, 0, 0);
-  ResetDefaults(*job);
-  ReadControlFile(*job);
-  return job;
-}
 
 // A triclinic phase in profile matching from 7000 to 25000 us (d 0.7 to 2.5 A).
 std::unique_ptr<Job> MakeTofJob(const std::filesystem::path& dir) {
@@ -52,7 +37,7 @@ std::unique_ptr<Job> MakeTofJob(const std::filesystem::path& dir) {
          "7.1 8.2 9.3 91 95 98\n0 0 0 0 0 0\n0 0 0.0 0.05 0.3 0.01\n0 0 0 0 0 0\n"
          "0.0 0.0 0.0 0.0\n";
   pcr.close();
-  return ReadJob("7000.0 1.8 25000.0", 10001);
+  return ReadBenchJob("7000.0 1.8 25000.0", 10001);
 }
 
 // Profile slots, zero, Dtt1, Dtt2 and the background; the numbers beyond
@@ -97,7 +82,7 @@ std::unique_ptr<Job> MakeAxialJob(const std::filesystem::path& dir) {
          "7.1 8.2 9.3 91 95 98\n0 0 0 0 0 0\n0 0 0 0 0 0\n0 0 0 0 0 0\n"
          "0.03 0.0 0.02 0.0\n";
   pcr.close();
-  return ReadJob("5.0 0.005 79.995", 15000);
+  return ReadBenchJob("5.0 0.005 79.995", 15000);
 }
 
 void BM_AxialDivergenceCyclePass(benchmark::State& state) {

@@ -173,4 +173,14 @@ std::string TestData(const std::string& relative) {
   return all.str();
 }
 
+int SimulateThenRefine(const ScratchDir& dir, const std::string& simulation,
+                       const std::string& refinement, const std::string& name) {
+  dir.Write("sim.pcr", TestData(simulation));
+  dir.Write("sim.dat", "");
+  if (RunBinary(dir.path, "sim").exitCode != 0 || !dir.Exists("sim.sim")) return -1;
+  dir.Write(name + ".dat", dir.Read("sim.sim"));
+  dir.Write(name + ".pcr", TestData(refinement));
+  return RunBinary(dir.path, name).exitCode;
+}
+
 }  // namespace corvinet::testing

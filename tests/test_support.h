@@ -91,4 +91,10 @@ std::string FlushedReport(const ScratchDir& dir, Job& job, const std::string& na
 // Text of a file of the test data directory.
 std::string TestData(const std::string& relative);
 
+// Runs the calculation job of test data file `simulation` as job "sim" in `dir` and the
+// refinement job of `refinement` as job `name` on its simulated pattern; the exit status of the
+// refinement, or -1 when the calculation failed.
+int SimulateThenRefine(const ScratchDir& dir, const std::string& simulation,
+                       const std::string& refinement, const std::string& name);
+
 }  // namespace corvinet::testing

@@ -54,12 +54,9 @@ std::vector<double> WrittenAtz(const std::string& pcr) {
 
 TEST(PhaseFractionEndToEnd, AtzLeftZeroIsComputedFromTheAtomsAndGivesTheFractions) {
   ScratchDir dir;
-  dir.Write("two_phase_sim.pcr", TestData("report/two_phase_sim.pcr"));
-  dir.Write("two_phase_sim.dat", "");
-  ASSERT_EQ(RunBinary(dir.path, "two_phase_sim").exitCode, 0);
-  dir.Write("two_phase_fractions.dat", dir.Read("two_phase_sim.sim"));
-  dir.Write("two_phase_fractions.pcr", TestData("report/two_phase_fractions.pcr"));
-  ASSERT_EQ(RunBinary(dir.path, "two_phase_fractions").exitCode, 0);
+  ASSERT_EQ(testing::SimulateThenRefine(dir, "report/two_phase_sim.pcr",
+                                        "report/two_phase_fractions.pcr", "two_phase_fractions"),
+            0);
 
   const std::string out = dir.Read("two_phase_fractions.out");
   EXPECT_TRUE(testing::HasLine(out,

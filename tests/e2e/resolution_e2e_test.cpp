@@ -34,15 +34,11 @@ std::vector<double> LineAfter(const std::string& text, const std::string& head) 
 TEST(ResolutionEndToEnd, SampleWidthsOnTopOfTheInstrumentRefineBack) {
   ScratchDir dir;
   dir.Write("inst.irf", TestData("results/inst.irf"));
-  dir.Write("sim.pcr", TestData("results/zno_resolution_sim.pcr"));
-  dir.Write("sim.dat", "");
-  ASSERT_EQ(RunBinary(dir.path, "sim").exitCode, 0);
+  ASSERT_EQ(testing::SimulateThenRefine(dir, "results/zno_resolution_sim.pcr",
+                                        "results/zno_resolution_fit.pcr", "fit"),
+            0);
   EXPECT_NE(dir.Read("sim.out").find(", => Instrumental Resolution read from file: inst.irf"),
             std::string::npos);
-  dir.Write("fit.dat", dir.Read("sim.sim"));
-  dir.Write("fit.pcr", TestData("results/zno_resolution_fit.pcr"));
-  const auto run = RunBinary(dir.path, "fit");
-  ASSERT_EQ(run.exitCode, 0) << run.output;
   const std::string pcr = dir.Read("fit.pcr");
   const std::vector<double> widths = LineAfter(pcr, "!      U        V         W");
   ASSERT_GE(widths.size(), 5u);

@@ -62,12 +62,9 @@ bool ReadJson(const ScratchDir& dir, const std::string& name, JsonReading& r) {
 
 TEST(RunJsonEndToEnd, JsonOfARefinementAgreesWithTheSummaryAndTheControlFile) {
   ScratchDir dir;
-  dir.Write("two_phase_sim.pcr", TestData("report/two_phase_sim.pcr"));
-  dir.Write("two_phase_sim.dat", "");
-  ASSERT_EQ(RunBinary(dir.path, "two_phase_sim").exitCode, 0);
-  dir.Write("two_phase_fractions.dat", dir.Read("two_phase_sim.sim"));
-  dir.Write("two_phase_fractions.pcr", TestData("report/two_phase_fractions.pcr"));
-  ASSERT_EQ(RunBinary(dir.path, "two_phase_fractions").exitCode, 0);
+  ASSERT_EQ(testing::SimulateThenRefine(dir, "report/two_phase_sim.pcr",
+                                        "report/two_phase_fractions.pcr", "two_phase_fractions"),
+            0);
   JsonReading r;
   ASSERT_TRUE(ReadJson(dir, "two_phase_fractions.json", r));
   EXPECT_EQ(r.first["exit_status"], "0");
