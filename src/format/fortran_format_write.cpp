@@ -339,11 +339,11 @@ bool ReadsBack(std::string_view text, double value) {
 }
 
 // A number's text fits when it has no stars and, written right behind another
-// number, starts with a blank or a minus sign (a sign ends the number before
-// it for the free-format reader: "0.5-0.2" are two numbers).
+// number, starts with a blank: the free-format reader would part "0.5-0.2" at the
+// sign, but a reader of the file should see two numbers too.
 bool FitsField(std::string_view text, bool touching) {
   return !text.empty() && text.find('*') == std::string_view::npos &&
-         (!touching || text.front() == ' ' || text.front() == '-');
+         (!touching || text.front() == ' ');
 }
 
 // The width of the exponent form of six significant digits ("0.123457E-04")

@@ -715,7 +715,7 @@ TEST(ControlWriter, PlainProfileLinesCarryTheirRemarks) {
   const std::vector<std::string> expected = {
       " 0.10000E+01  0.0000  0.0000  0.0000  0.0000  0.0000   0   Scale ETA Bov Strain",
       "    11.00000" + c8 + c8 + c8 + c8 + c8,
-      " 0.01000-0.01000 0.01000  0.0000  0.0000  0.0000  0.0000   0   U V W X Y Siz12",
+      " 0.01000 -0.0100 0.01000  0.0000  0.0000  0.0000  0.0000   0   U V W X Y Siz12",
       c8 + c8 + c8 + c8 + c8 + c8 + c8,
       "   4.000000   4.000000   4.000000  90.000000  90.000000  90.000000",
       "   31.00000    0.00000    0.00000    0.00000    0.00000    0.00000",
@@ -738,7 +738,7 @@ TEST(ControlWriter, IntegratedIntensityProfileLines) {
   EXPECT_TRUE(HasRun(
       lines,
       {"!  Scale Factors ", "!  Sc1       Sc2        Sc3        Sc4        Sc5        Sc6",
-       " 0.1000E+01 0.0000E+00 0.1000E-01-0.1000E-01 0.1000E-01 0.2000E+01",
+       " 0.1000E+01 0.0000E+00 0.1000E-01  -0.100000E-01 0.1000E-01 0.2000E+01",
        "     11.00      0.00      0.00      0.00      0.00      0.00", "!  Extinction Parameters ",
        "!    Ext1      Ext2      Ext3      Ext4      Ext5      Ext6      Ext7",
        "    0.5000    0.0000    0.0000    0.0000    0.0000    0.0000    0.0000"}))

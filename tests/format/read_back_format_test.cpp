@@ -48,7 +48,13 @@ TEST(ReadBackFormat, SynchrotronWidthIsWrittenInExponentForm) {
 
 TEST(ReadBackFormat, MoreDecimalsInTheSameColumnsWhenTheyHoldSixDigits) {
   EXPECT_EQ(FmtReadBack("(F9.5)", 0.1875432f), " 0.187543");
-  EXPECT_EQ(FmtReadBack("(2F10.5)", 0.0115931f, -0.0085211f), " 0.0115931-0.0085211");
+  EXPECT_EQ(FmtReadBack("(2F10.5)", 0.0115931f, 0.0085211f), " 0.0115931 0.0085211");
+}
+
+// A negative number right behind another would read back, but the eye takes the two for one:
+// it is parted by a blank, in exponent form when its columns cannot hold both.
+TEST(ReadBackFormat, NegativeNumberBehindAnotherIsPartedByABlank) {
+  EXPECT_EQ(FmtReadBack("(2F10.5)", 0.0115931f, -0.0085211f), " 0.0115931  -0.852110E-02");
 }
 
 TEST(ReadBackFormat, FewerDecimalsWhenTheIntegerPartFillsTheField) {
