@@ -26,6 +26,9 @@ constexpr SlotRange kStrain[] = {{Str1, Str10}};
 constexpr SlotRange kSize[] = {{LorSiz, Size6}, {SizeSH1, SizeSH9}};
 constexpr SlotRange kShift[] = {{Shift1, Shift2}};
 constexpr SlotRange kAsymmetryModel[] = {{AsyP, AsyP}};
+// Time of flight: Xt, Yt in the X, Y slots; Z0 and LSiz in LorSiz and Xr.
+constexpr SlotRange kTofShape[] = {{X, Y}};
+constexpr SlotRange kTofLorentzianSize[] = {{LorSiz, LorSiz}, {Xr, Xr}};
 
 // A slot holds something: a non-zero value, or a code that refines it.
 bool SlotUsed(const PhasePattern& c, int s) {
@@ -62,10 +65,27 @@ bool FurtherUsed(const Job& job, const Phase& ph, const PhasePattern& c) {
   return false;
 }
 
+// What a phase on a time-of-flight pattern holds that its peak does not read:
+// the widths take Z1 and LStr, but not Xt, Yt, Z0, LSiz nor the size, strain
+// and shift models.
+std::string UnmodelledTofWords(const Phase& ph, const PhasePattern& c) {
+  if (AnyUsed(c, kTofShape)) return "Xt and Yt have no time-of-flight model in this version";
+  if (AnyUsed(c, kTofLorentzianSize))
+    return "Z0 and LSiz have no time-of-flight model in this version";
+  if (ph.Str != 0 || c.StrainModel != 0 || c.SizeModel != 0 || ph.ModS != 0 ||
+      AnyUsed(c, kStrain) || AnyUsed(c, kSize) || AnyUsed(c, kShift))
+    return "size, strain and shift models do not act on time-of-flight peaks in this version";
+  return {};
+}
+
 // What phase k holds in pattern ip that no model uses; empty when nothing.
 std::string UnmodelledWords(const Job& job, int k, int ip) {
   const Phase& ph = job.phases[k];
   const PhasePattern& c = ph.pat[ip];
+  if (job.patterns[ip].IXUNIT == AbscissaUnit::kTimeOfFlight) {
+    std::string words = UnmodelledTofWords(ph, c);
+    if (!words.empty()) return words;
+  }
   const BroadeningModel m = BroadeningModelOf(ph, c, job.patterns[ip], 1);
   if (AnyUnread(m, c, kStrain) || AnyUnread(m, c, kSize))
     return "size and strain parameters are not read by the size and strain models of the phase";

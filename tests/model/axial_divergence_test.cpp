@@ -133,5 +133,16 @@ TEST(AxialDivergence, DerivativesMatchCentralDifferences) {
   }
 }
 
+// The weight function reads S_L + D_L, |S_L - D_L| and the smaller ratio: the
+// profile is the same with the two exchanged, so a pattern fixes only the pair.
+TEST(AxialDivergence, ExchangingSLAndDLLeavesTheProfileUnchanged) {
+  for (double x : {17.9, 18.1, 18.2, 18.3, 18.34, 18.4}) {
+    const AxialDivergenceValue a = AxialDivergenceProfile(0.3, 0.02, 0.03, 0.02, x, 18.35);
+    const AxialDivergenceValue b = AxialDivergenceProfile(0.3, 0.02, 0.02, 0.03, x, 18.35);
+    EXPECT_NEAR(a.value, b.value, 1e-12 * std::fabs(a.value) + 1e-15) << x;
+    EXPECT_NEAR(a.dSL, b.dDL, 1e-9 * std::fabs(a.dSL) + 1e-12) << x;
+  }
+}
+
 }  // namespace
 }  // namespace corvinet
