@@ -48,19 +48,25 @@ void ReportBest(Job& job, int k, int count, const TrialsOutcome& outcome) {
 }
 
 // The control file of the solution as it stands in the job, refined on the
-// intensities (ICRYG 1), with the lines that name it before the phase.
+// intensities (ICRYG 1); the line that names the phase carries the solution's
+// RF2 in place of the Bragg factors of the patterns.
 std::vector<std::string> SolutionLines(Job& job, int k, float rf2) {
   const int searched = job.run.ICRYG;
   job.run.ICRYG = 1;
   std::vector<std::string> lines = ControlFileLines(job, ControlEndValues{});
   job.run.ICRYG = searched;
-  const std::string title(TrimRight(job.phases[k].PhaseTitle));
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    if (TrimRight(lines[i]) != title) continue;
-    lines.insert(
-        lines.begin() + static_cast<std::ptrdiff_t>(i),
-        Fmt("(A,I3,A,F9.3)", "!  Data for PHASE number: ", k, "  ==> Current R_Bragg: ", rf2));
-    break;
+  const std::string named = Fmt("(A,I3)", "!  Data for PHASE number: ", k);
+  const std::string solution = named + Fmt("(A,F9.3)", "  ==> Current R_Bragg: ", rf2);
+  bool replaced = false;
+  for (auto line = lines.begin(); line != lines.end();) {
+    if (line->rfind(named, 0) != 0) {
+      ++line;
+    } else if (!replaced) {
+      *line++ = solution;
+      replaced = true;
+    } else {
+      line = lines.erase(line);
+    }
   }
   return lines;
 }

@@ -138,6 +138,13 @@ std::vector<double> Position(const std::string& text, const std::string& label) 
   return {};
 }
 
+int CountLinesContaining(const std::string& text, const std::string& words) {
+  int n = 0;
+  for (const std::string& line : testing::SplitLines(text))
+    n += line.find(words) != std::string::npos;
+  return n;
+}
+
 TEST(SearchRun, TheFirstSolutionLiesNearTheKnownStructureAndRefinesAsItIs) {
   ScratchDir dir;
   dir.Write("pbmc.pcr", testing::TestData("intensities/pbmc.pcr"));
@@ -157,6 +164,9 @@ TEST(SearchRun, TheFirstSolutionLiesNearTheKnownStructureAndRefinesAsItIs) {
   EXPECT_NEAR(S[2], 0.6841, 0.02);
   EXPECT_NEAR(O2[0], 0.1935, 0.02);
   EXPECT_NEAR(O2[2], 0.5433, 0.02);
+  // One line names the phase, with the RF2 of the solution.
+  EXPECT_EQ(CountLinesContaining(first, "Current R_Bragg"), 1);
+  EXPECT_NE(first.find("!  Data for PHASE number:   1  ==> Current R_Bragg: "), std::string::npos);
   // The solution file is a control file: it refines on the intensities as it is.
   dir.Write("sol.pcr", first);
   dir.Write("sol1.hkl", testing::TestData("intensities/pbsc1.hkl"));
