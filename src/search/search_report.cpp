@@ -81,13 +81,14 @@ void WriteSolutionFile(Job& job, int k, int n, float rf2) {
 void SearchPhase(Job& job, int ip, int k, const SearchOptions& options) {
   const RunOptions& r = job.run;
   SearchSetup s = MakeSearchSetup(job, ip, k, options.seed);
-  ConsoleLine(job, Fmt("(A,I3,A,I6,A)", " => Phase:", k, " searched on ", s.kernel.reflections,
-                       " reflections"));
+  SearchProgressLines shown;
+  shown.head =
+      Fmt("(A,I3,A,I6,A)", " => Phase:", k, " searched on ", s.kernel.reflections, " reflections");
+  ConsoleLine(job, shown.head);
   auto clockStart = std::chrono::steady_clock::now();
   const int keep = std::max(1, std::min(r.Nsolu, DimensionLimits::NSOL));
-  auto progress = [&job](std::int64_t done, float best) {
-    ConsoleLine(job, Fmt("(A,I12,A,F10.3)", " => Trials done:", static_cast<int>(done),
-                         "   best RF2 so far:", best));
+  auto progress = [&job, &shown](std::int64_t done, float best) {
+    for (const std::string& line : shown.Next(done, best)) ConsoleLine(job, line);
   };
   const TrialsOutcome outcome = RunTrials(s, r.Nconfg, keep, options.threads, job.driver.interrupt,
                                           options.watchInterrupt, progress);
@@ -116,6 +117,16 @@ void SearchPhase(Job& job, int ip, int k, const SearchOptions& options) {
 }
 
 }  // namespace
+
+std::vector<std::string> SearchProgressLines::Next(std::int64_t done, float newBest) {
+  std::vector<std::string> lines = {Fmt("(A,I12,A,F10.3)", " => Trials done:",
+                                        static_cast<int>(done), "   best RF2 so far:", newBest)};
+  if (!(newBest < best)) return lines;
+  best = newBest;
+  if (++improvements % 4 == 0) lines.push_back(head);
+  lines.push_back(Fmt("(A,I3,A,F10.4)", " => RF2-Factor for the best", 1, "th solution: ", best));
+  return lines;
+}
 
 void SearchRun(Job& job, const SearchOptions& options) {
   WriteTitle(job);
