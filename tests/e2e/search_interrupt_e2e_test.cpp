@@ -22,7 +22,7 @@ std::string EndlessSearch() {
   const std::string trials = "   20000       3        0        1";
   const std::size_t at = pcr.find(trials);
   if (at == std::string::npos) return "";
-  return pcr.replace(at, trials.size(), "2000000000       3        0        1");
+  return pcr.replace(at, trials.size(), "99999999       3        0        1");
 }
 
 // Starts the binary in `dir` on `code` with stdin and stdout redirected.
@@ -53,8 +53,11 @@ TEST(SearchInterrupt, ASigintEndsTheRunningSearchWithStatusZeroAndTheSolutionsWr
   // least a second after the start.
   const auto start = std::chrono::steady_clock::now();
   bool running = false;
+  int status = 0;
   while (std::chrono::steady_clock::now() - start < std::chrono::seconds(60)) {
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    ASSERT_EQ(waitpid(pid, &status, WNOHANG), 0) << "ended before the signal\n"
+                                                 << dir.Read(".stdout");
     if (dir.Exists(".stdout") &&
         dir.Read(".stdout").find(" => Trials done:") != std::string::npos &&
         std::chrono::steady_clock::now() - start > std::chrono::seconds(1)) {
@@ -63,7 +66,6 @@ TEST(SearchInterrupt, ASigintEndsTheRunningSearchWithStatusZeroAndTheSolutionsWr
     }
   }
   ASSERT_EQ(kill(pid, SIGINT), 0);
-  int status = 0;
   ASSERT_EQ(waitpid(pid, &status, 0), pid);
   ASSERT_TRUE(running) << dir.Read(".stdout");
   ASSERT_TRUE(WIFEXITED(status)) << "ended by signal " << WTERMSIG(status);
