@@ -137,6 +137,11 @@ const FileRow kFiles[] = {
        return Names{n.index > 1 ? n.pcr + n.phase + n.suffix + ".int" : n.pcr + n.phase + ".int"};
      },
      Mode::kUnknown},
+    // The regrouped clusters: a following run with Irf 4 reads them as the
+    // data code <pcr><phase>_grp (CODFILn of its .int file).
+    {FileKind::kRegrouped, Unit::IntensitiesOut,
+     [](const NameParts& n) { return Names{n.pcr + n.phase + n.suffix + "_grp.int"}; },
+     Mode::kUnknown},
     // The curves of the final report carry the control code: they never
     // replace the background file (.bac of the data code) that a run reads.
     {FileKind::kBackgroundCurve, Unit::Background,

@@ -36,6 +36,7 @@ enum class FileKind : int {
   kZeroDifference = 25,   // _zdif.xy: the zero-corrected difference with the background in
   kCif = 26,              // _<phase>.cif: the refined structure and its powder data
   kJson = 27,             // .json: the end and the results of the run, for scripts
+  kRegrouped = 30,        // _grp.int: clusters of overlapped peaks of a matching phase
   kMultiPattern = 1000,   // no file: switches on the pattern suffix
 };
 

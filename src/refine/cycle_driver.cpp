@@ -114,6 +114,8 @@ void FinalPass(Job& job, int cycle, const BraggProfile& profile) {
     s.GlobalChi2 = 0.0f;
     s.globalResidualSum = 0.0f;
     SumPatterns(job, cycle, s.EndMarker);
+    // Lists of intensities refined beside the patterns count as in a cycle.
+    if (HasIntensityObservations(job)) s.GlobalChi2 = GlobalChi2WithIntensities(job, s.GlobalChi2);
   }
   WriteCycleResults(job, cycle, s.EndMarker, profile);
 }

@@ -263,6 +263,23 @@ void ReportIntensityList(Job& job, StructureFactorScratch& scratch, int ip, int 
   }
 }
 
+float GlobalChi2WithIntensities(const Job& job, float profiles) {
+  float sum = profiles;
+  int counted = job.run.ICRYG == 0 ? 1 : 0;
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) {
+    bool any = false;
+    for (int k = 1; k <= job.run.NPHASE; ++k) {
+      const PhasePattern& c = job.phases[k].pat[ip];
+      if (c.Contribution == 0 || std::abs(c.Irf) != 4) continue;
+      any = true;
+      sum += job.patterns[ip].intensities.phase[k].CHI2;
+      ++counted;
+    }
+    if (any && job.patterns[ip].IWGT == 2) return 1.0f;
+  }
+  return counted > 0 ? sum / static_cast<float>(counted) : sum;
+}
+
 bool HasIntensityObservations(const Job& job) {
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
     for (int k = 1; k <= job.run.NPHASE; ++k) {

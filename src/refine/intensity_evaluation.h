@@ -45,6 +45,11 @@ std::vector<std::string> IntensityFactorLines(int k, int datatype, const Intensi
 // cycle forms it from `previous` (the chi-square of the profiles).
 float AccumulateIntensityObservations(Job& job, StructureFactorScratch& scratch, float previous);
 
+// The global chi-square of the final pass: `profiles` (that of the patterns)
+// and the chi-square of the last evaluation of every |Irf| 4 phase, averaged
+// as a cycle averages them.
+float GlobalChi2WithIntensities(const Job& job, float profiles);
+
 // The list of observed and calculated values of phase k in pattern ip for the
 // .out file, with the factor lines on .out, .sum and the console.
 void ReportIntensityList(Job& job, StructureFactorScratch& scratch, int ip, int k);

@@ -15,6 +15,7 @@
 #include "format/text.h"
 #include "io/file_set.h"
 #include "observations/background.h"
+#include "records/profile_slots.h"
 #include "records/reflection.h"
 #include "refine/bragg_profile.h"
 #include "refine/cycle_work.h"
@@ -23,6 +24,7 @@
 #include "results/cif_export.h"
 #include "results/correlation_matrix.h"
 #include "results/dimension_report.h"
+#include "results/extracted_intensities.h"
 #include "results/fit_picture.h"
 #include "results/magnetic_comments.h"
 #include "results/pattern_exports.h"
@@ -136,10 +138,57 @@ CifReflection CifRowOf(const Job& job, int ip, int f, int k, const ReflectionRow
   return c;
 }
 
+// A reflection of a matching phase on the scale of its intensity list.
+ExtractedReflection ExtractedOf(const Job& job, int ip, int f, const ReflectionRowValues& row,
+                                const ReflectionShare& share) {
+  const float scale = job.phases[f].pat[ip].PAR[ProfileSlot::Scale];
+  const float perScale = scale != 0.0f ? 1.0f / scale : 1.0f;
+  ExtractedReflection e;
+  e.h = row.h;
+  e.k = row.k;
+  e.l = row.l;
+  e.vector = row.vector;
+  e.multiplicity = row.multiplicity;
+  e.twoTheta = row.twoTheta;
+  e.fwhm = row.fwhm;
+  e.intensity = row.Iobs * perScale;
+  e.sigma = std::sqrt(share.IobsVariance) * perScale;
+  return e;
+}
+
+// The extracted list of a matching phase, then its clusters of overlapped
+// peaks in the regrouped file, with the rules on the .out file.
+void WriteExtractedIntensities(Job& job, int ip, int f,
+                               const std::vector<ExtractedReflection>& extracted) {
+  const Phase& ph = job.phases[f];
+  const int u = Unit::IntensitiesOut;
+  for (const ExtractedReflection& e : extracted) {
+    WriteLine(job, u, ExtractedIntensityRow(e, ph.Nvk > 0));
+  }
+  CloseUnit(job.files.units[u]);
+  const RegroupRules rules = RegroupRulesOf(ph.pat[ip].Rmub, ph.pat[ip].Rmuc);
+  const std::vector<ClusterRecord> clusters = RegroupOverlaps(extracted, rules);
+  RegroupedFileHead head;
+  head.phase = f;
+  head.wavelength = job.patterns[ip].LAMBDA[1];
+  head.xray = ph.pat[ip].Jtyp == 0 || ph.pat[ip].Jtyp == 2;
+  head.cosMono = job.patterns[ip].Cthm;
+  for (int n = 1; n <= ph.Nvk; ++n) {
+    const Table1<float, 3>& K = ph.vectors[n].KVEC;
+    head.vectors.push_back({K[1], K[2], K[3]});
+  }
+  OpenFiles(job, FileKind::kRegrouped, ip, f);
+  for (const std::string& line : RegroupedFileLines(head, clusters)) WriteLine(job, u, line);
+  CloseUnit(job.files.units[u]);
+  WriteOut(job, RegroupRuleLines(f, rules));
+}
+
 // One row per reflection of the phase and the sums; the rows of a CIF go to
-// `cif`, and the weighted squares of Iobs - Icalc into `chi2Sum`.
+// `cif`, and the weighted squares of Iobs - Icalc into `chi2Sum`. The
+// extracted reflections of a matching phase go to `extracted` when it is given.
 PhaseReportSums WriteReflectionRows(Job& job, int ip, int f, const BraggProfile& profile,
-                                    std::vector<CifReflection>& cif, float& chi2Sum) {
+                                    std::vector<CifReflection>& cif, float& chi2Sum,
+                                    std::vector<ExtractedReflection>* extracted) {
   const Pattern& p = job.patterns[ip];
   const bool toFile = p.JLKH != 0;
   if (toFile) {
@@ -161,6 +210,9 @@ PhaseReportSums WriteReflectionRows(Job& job, int ip, int f, const BraggProfile&
           WriteLine(job, Unit::Fourier, FourierFileRow(p.JFOU, FourierRowOf(p, k, row)));
         WriteLine(job, Unit::Out, ReportReflectionRow(row));
         if (toFile) WriteLine(job, Unit::HklOut, ReflectionFileRow(job, ip, f, row));
+        if (extracted && share.counted && KeyWavelength(p.reflections.slot[k].key) == 1) {
+          extracted->push_back(ExtractedOf(job, ip, f, row, share));
+        }
       });
   PhaseReportSums sums;
   sums.SumIobs = bragg.SumIobs;
@@ -183,12 +235,14 @@ PhaseAnalysisInput ReportPhase(Job& job, int ip, int f, const PhaseFractions& fr
   const bool matching = std::abs(ph.Jbt) == 2;
   WritePhaseHeader(job, ip, f);
   if (matching) OpenExtractedIntensityFile(job, ip, f);
+  std::vector<ExtractedReflection> extracted;
   if (std::abs(ph.pat[ip].Irf) == 4) {
     auto scratch = std::make_unique<StructureFactorScratch>();
     ReportIntensityList(job, *scratch, ip, f);
   } else {
     std::vector<CifReflection> cif;
-    const PhaseReportSums sums = WriteReflectionRows(job, ip, f, profile, cif, result.IntChi2Sum);
+    const PhaseReportSums sums = WriteReflectionRows(job, ip, f, profile, cif, result.IntChi2Sum,
+                                                     matching ? &extracted : nullptr);
     result.SumIobs = sums.SumIobs;
     result.FinalRB = sums.FinalRB;
     result.FinalRF = sums.FinalRF;
@@ -203,10 +257,7 @@ PhaseAnalysisInput ReportPhase(Job& job, int ip, int f, const PhaseFractions& fr
     WriteOut(job, ApparentSizeStrainLines(job, ip, f));
   }
   WriteOut(job, ConicalComments(f, ph.Jbt));
-  if (matching) {
-    CloseUnit(job.files.units[Unit::IntensitiesOut]);
-    NotWrittenLine(job, "the regrouped list of extracted intensities");
-  }
+  if (matching) WriteExtractedIntensities(job, ip, f, extracted);
   return result;
 }
 

@@ -22,6 +22,7 @@
 #include "run/defaults.h"
 #include "run/directory_memory.h"
 #include "run/job_choice.h"
+#include "run/search_settings.h"
 #include "search/search_run.h"
 #include "surface/console.h"
 
@@ -38,7 +39,7 @@ void CloseAllUnits(Job& job) {
 void RunEngine(Job& job) {
   if (!job.run.controlFileComplete) return;
   if (std::abs(job.run.ICRYG) == 2) {
-    SearchRun(job);
+    SearchRun(job, SearchOptionsFromEnvironment(job));
     return;
   }
   StopOnUnmodelledInputs(job);

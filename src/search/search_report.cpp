@@ -48,19 +48,25 @@ void ReportBest(Job& job, int k, int count, const TrialsOutcome& outcome) {
 }
 
 // The control file of the solution as it stands in the job, refined on the
-// intensities (ICRYG 1), with the lines that name it before the phase.
+// intensities (ICRYG 1); the line that names the phase carries the solution's
+// RF2 in place of the Bragg factors of the patterns.
 std::vector<std::string> SolutionLines(Job& job, int k, float rf2) {
   const int searched = job.run.ICRYG;
   job.run.ICRYG = 1;
   std::vector<std::string> lines = ControlFileLines(job, ControlEndValues{});
   job.run.ICRYG = searched;
-  const std::string title(TrimRight(job.phases[k].PhaseTitle));
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    if (TrimRight(lines[i]) != title) continue;
-    lines.insert(
-        lines.begin() + static_cast<std::ptrdiff_t>(i),
-        Fmt("(A,I3,A,F9.3)", "!  Data for PHASE number: ", k, "  ==> Current R_Bragg: ", rf2));
-    break;
+  const std::string named = Fmt("(A,I3)", "!  Data for PHASE number: ", k);
+  const std::string solution = named + Fmt("(A,F9.3)", "  ==> Current R_Bragg: ", rf2);
+  bool replaced = false;
+  for (auto line = lines.begin(); line != lines.end();) {
+    if (line->rfind(named, 0) != 0) {
+      ++line;
+    } else if (!replaced) {
+      *line++ = solution;
+      replaced = true;
+    } else {
+      line = lines.erase(line);
+    }
   }
   return lines;
 }
@@ -75,13 +81,14 @@ void WriteSolutionFile(Job& job, int k, int n, float rf2) {
 void SearchPhase(Job& job, int ip, int k, const SearchOptions& options) {
   const RunOptions& r = job.run;
   SearchSetup s = MakeSearchSetup(job, ip, k, options.seed);
-  ConsoleLine(job, Fmt("(A,I3,A,I6,A)", " => Phase:", k, " searched on ", s.kernel.reflections,
-                       " reflections"));
+  SearchProgressLines shown;
+  shown.head =
+      Fmt("(A,I3,A,I6,A)", " => Phase:", k, " searched on ", s.kernel.reflections, " reflections");
+  ConsoleLine(job, shown.head);
   auto clockStart = std::chrono::steady_clock::now();
   const int keep = std::max(1, std::min(r.Nsolu, DimensionLimits::NSOL));
-  auto progress = [&job](std::int64_t done, float best) {
-    ConsoleLine(job, Fmt("(A,I12,A,F10.3)", " => Trials done:", static_cast<int>(done),
-                         "   best RF2 so far:", best));
+  auto progress = [&job, &shown](std::int64_t done, float best) {
+    for (const std::string& line : shown.Next(done, best)) ConsoleLine(job, line);
   };
   const TrialsOutcome outcome = RunTrials(s, r.Nconfg, keep, options.threads, job.driver.interrupt,
                                           options.watchInterrupt, progress);
@@ -110,6 +117,16 @@ void SearchPhase(Job& job, int ip, int k, const SearchOptions& options) {
 }
 
 }  // namespace
+
+std::vector<std::string> SearchProgressLines::Next(std::int64_t done, float newBest) {
+  std::vector<std::string> lines = {Fmt("(A,I12,A,F10.3)", " => Trials done:",
+                                        static_cast<int>(done), "   best RF2 so far:", newBest)};
+  if (!(newBest < best)) return lines;
+  best = newBest;
+  if (++improvements % 4 == 0) lines.push_back(head);
+  lines.push_back(Fmt("(A,I3,A,F10.4)", " => RF2-Factor for the best", 1, "th solution: ", best));
+  return lines;
+}
 
 void SearchRun(Job& job, const SearchOptions& options) {
   WriteTitle(job);

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "records/job.h"
@@ -37,6 +38,16 @@ struct TrialsOutcome {
 // Called about twice a second on the calling thread with the trials done and
 // the best RF2 so far.
 using SearchProgress = std::function<void(std::int64_t done, float best)>;
+
+// The console lines of each progress call: the trials done and the best RF2;
+// when the best improves, the RF2 line of the first solution, and every
+// fourth improvement the head line of the phase before it.
+struct SearchProgressLines {
+  std::string head;      // the head line of the phase
+  float best = 1.0e25f;  // best RF2 shown so far
+  int improvements = 0;
+  std::vector<std::string> Next(std::int64_t done, float newBest);
+};
 
 // Runs trials 1..count on `threads` threads (0: all cores); each trial's
 // numbers depend on its number and the seed only, so that any number of

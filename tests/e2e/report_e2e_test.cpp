@@ -152,11 +152,25 @@ TEST(ReportEndToEnd, ProfileMatchingWritesItsFilesAndASecondRunGoesOn) {
   const auto extracted = SplitLines(dir.Read("matching1.int"));
   ASSERT_GE(extracted.size(), 2u);
   EXPECT_EQ(extracted[0], " Pattern#  1 Phase No:   1  Rutile");
-  EXPECT_EQ(LinesStartingWith(first,
-                              " => This version of Corvinet does not write the regrouped "
-                              "list of extracted intensities")
-                .size(),
-            1u);
+  // The regrouped file: the heading of a list of X-ray powder clusters, then
+  // one record per extracted reflection, the clusters summing the same total.
+  const auto regrouped = SplitLines(dir.Read("matching1_grp.int"));
+  ASSERT_GE(regrouped.size(), 5u);
+  EXPECT_EQ(regrouped[0], " Phase No:   1 Overlaped Reflections Re-grouped ");
+  EXPECT_EQ(regrouped[1], "(3i4,2f12.2,i4,3f8.0)");
+  const std::size_t rows = extracted.size() - 2;
+  ASSERT_EQ(regrouped.size() - 4, rows);
+  double extractedSum = 0.0, clusterSum = 0.0;
+  for (std::size_t i = 2; i < extracted.size(); ++i) {
+    extractedSum += std::stod(extracted[i].substr(40, 14));
+  }
+  for (std::size_t i = 4; i < regrouped.size(); ++i) {
+    clusterSum += std::stod(regrouped[i].substr(12, 12));
+  }
+  EXPECT_GT(extractedSum, 0.0);
+  EXPECT_NEAR(clusterSum, extractedSum, 1e-4 * extractedSum + 0.01 * rows);
+  EXPECT_EQ(LinesStartingWith(first, " Phase No:   1 Overlaped Reflections Re-grouped ").size(), 1u);
+  EXPECT_EQ(LinesStartingWith(first, "Cw =   1.0000").size(), 1u);
 
   ASSERT_EQ(RunBinary(dir.path, "matching").exitCode, 0);
   EXPECT_LT(FirstRwp(dir.Read("matching.out")), FirstRwp(first));

@@ -138,6 +138,32 @@ std::vector<double> Position(const std::string& text, const std::string& label) 
   return {};
 }
 
+TEST(SearchProgress, EveryFourthBetterSolutionRepeatsTheHeadLineOfThePhase) {
+  SearchProgressLines shown;
+  shown.head = " => Phase:  1 searched on    100 reflections";
+  const float bests[] = {50.0f, 40.0f, 40.0f, 30.0f, 20.0f, 10.0f, 9.0f, 8.0f, 7.0f};
+  std::vector<int> heads;
+  int rf2Lines = 0;
+  for (int call = 0; call < 9; ++call) {
+    const auto lines = shown.Next(100 * (call + 1), bests[call]);
+    EXPECT_EQ(lines[0].rfind(" => Trials done:", 0), 0u);
+    for (const std::string& line : lines) {
+      if (line == shown.head) heads.push_back(call);
+      rf2Lines += line.rfind(" => RF2-Factor for the best  1th solution: ", 0) == 0;
+    }
+  }
+  // Eight improvements (the repeated 40 is none): the head before the 4th and the 8th.
+  EXPECT_EQ(rf2Lines, 8);
+  EXPECT_EQ(heads, (std::vector<int>{4, 8}));
+}
+
+int CountLinesContaining(const std::string& text, const std::string& words) {
+  int n = 0;
+  for (const std::string& line : testing::SplitLines(text))
+    n += line.find(words) != std::string::npos;
+  return n;
+}
+
 TEST(SearchRun, TheFirstSolutionLiesNearTheKnownStructureAndRefinesAsItIs) {
   ScratchDir dir;
   dir.Write("pbmc.pcr", testing::TestData("intensities/pbmc.pcr"));
@@ -157,6 +183,9 @@ TEST(SearchRun, TheFirstSolutionLiesNearTheKnownStructureAndRefinesAsItIs) {
   EXPECT_NEAR(S[2], 0.6841, 0.02);
   EXPECT_NEAR(O2[0], 0.1935, 0.02);
   EXPECT_NEAR(O2[2], 0.5433, 0.02);
+  // One line names the phase, with the RF2 of the solution.
+  EXPECT_EQ(CountLinesContaining(first, "Current R_Bragg"), 1);
+  EXPECT_NE(first.find("!  Data for PHASE number:   1  ==> Current R_Bragg: "), std::string::npos);
   // The solution file is a control file: it refines on the intensities as it is.
   dir.Write("sol.pcr", first);
   dir.Write("sol1.hkl", testing::TestData("intensities/pbsc1.hkl"));
