@@ -173,6 +173,19 @@ std::string TestData(const std::string& relative) {
   return all.str();
 }
 
+std::vector<double> AtomLineValues(const std::string& control, const std::string& label) {
+  for (const std::string& line : SplitLines(control)) {
+    std::istringstream in(line);
+    std::string name, species;
+    if (!(in >> name >> species) || name != label) continue;
+    std::vector<double> values;
+    double v = 0.0;
+    while (in >> v) values.push_back(v);
+    if (values.size() >= 4) return values;  // x y z B at least: not the symbol line "F m 3 m"
+  }
+  return {};
+}
+
 int SimulateThenRefine(const ScratchDir& dir, const std::string& simulation,
                        const std::string& refinement, const std::string& name) {
   dir.Write("sim.pcr", TestData(simulation));

@@ -91,6 +91,10 @@ std::string FlushedReport(const ScratchDir& dir, Job& job, const std::string& na
 // Text of a file of the test data directory.
 std::string TestData(const std::string& relative);
 
+// The numbers of the atom line of a control file whose label is `label` (after the label and
+// the species: x y z B occ ..., four numbers at least); empty when no line has that label.
+std::vector<double> AtomLineValues(const std::string& control, const std::string& label);
+
 // Runs the calculation job of test data file `simulation` as job "sim" in `dir` and the
 // refinement job of `refinement` as job `name` on its simulated pattern; the exit status of the
 // refinement, or -1 when the calculation failed.

@@ -71,14 +71,9 @@ CifReading ReadScriptOutput(const std::string& text) {
 
 // The atom line of a control file by its label: x y z B Occ.
 std::vector<double> AtomLine(const std::string& control, const std::string& label) {
-  for (const std::string& line : SplitLines(control)) {
-    std::istringstream in(line);
-    std::string name, type;
-    if (!(in >> name >> type) || name != label) continue;
-    std::vector<double> v = Numbers(in);
-    if (v.size() >= 5) return {v.begin(), v.begin() + 5};
-  }
-  return {};
+  std::vector<double> v = testing::AtomLineValues(control, label);
+  if (v.size() > 5) v.resize(5);
+  return v;
 }
 
 // The cell line of a control file: the line after its heading.

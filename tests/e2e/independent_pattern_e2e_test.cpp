@@ -160,13 +160,8 @@ TEST(IndependentPatternEndToEnd, SynchrotronPatternAgreesWithTheIndependentCalcu
 
 // The displacement factor B of an atom line of a control file, by its label.
 double DisplacementOf(const std::string& control, const std::string& label) {
-  for (const std::string& line : SplitLines(control)) {
-    std::istringstream in(line);
-    std::string name, type;
-    double x = 0, y = 0, z = 0, b = -1;
-    if (in >> name >> type >> x >> y >> z >> b && name == label) return b;
-  }
-  return -1.0;
+  const std::vector<double> v = testing::AtomLineValues(control, label);
+  return v.size() >= 4 ? v[3] : -1.0;
 }
 
 // The script's fluorite pattern at 0.4139 A, with counts and their square roots as sigma, is
