@@ -125,9 +125,10 @@ std::string RunJsonText(const Job& job, const RunEnd& end) {
       Field("cycles_run", std::to_string(s.CycleNumber)),
       Field("converged", s.EndMarker == kConvergedEndMarker ? "true" : "false"),
       Field("refined_parameters", std::to_string(FittedCount(job))),
-      Field("patterns", Patterns(job)),
-      Field("phases", Phases(job)),
-      Field("parameters", Parameters(job))};
+      // After a stop on an error the records may hold what the stop refused: no results then.
+      Field("patterns", end.exitStatus == 0 ? Patterns(job) : "[]"),
+      Field("phases", end.exitStatus == 0 ? Phases(job) : "[]"),
+      Field("parameters", end.exitStatus == 0 ? Parameters(job) : "[]")};
   return Object(fields, "") + "\n";
 }
 

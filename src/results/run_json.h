@@ -14,7 +14,8 @@ struct RunEnd {
   std::string reason;  // "normal end", or the text of the stop
 };
 
-// The text of the JSON file of the run as it stands.
+// The text of the JSON file of the run as it stands; after a stop on an error the lists of
+// patterns, phases and parameters are empty, since the records may hold refused values.
 std::string RunJsonText(const Job& job, const RunEnd& end);
 
 // Writes <job>.json beside the summary.

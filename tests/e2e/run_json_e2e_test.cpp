@@ -113,6 +113,8 @@ TEST(RunJsonEndToEnd, RunThatStopsOnAnErrorSaysWhyInItsJson) {
   ASSERT_TRUE(ReadJson(dir, "bad.json", r));
   EXPECT_EQ(r.first["exit_status"], "2");
   EXPECT_EQ(r.first["reason"], "Some scattering coefficients NOT FOUND");
+  EXPECT_TRUE(r.patterns.empty());
+  EXPECT_TRUE(r.parameters.empty());
 }
 
 }  // namespace
