@@ -1,6 +1,7 @@
 // The pseudo-Voigt convoluted with the asymmetry of axial divergence (Finger, Cox and Jephcoat).
 #include "model/axial_divergence.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <vector>
@@ -104,6 +105,12 @@ double AxialDivergenceMinimum(double SL, double DL, double twoTheta0) {
   const double t = std::sqrt(1.0 + apb * apb) * c0;
   if (std::fabs(t) <= 1.0) return std::acos(t) / kDegree;
   return t > 0.0 ? 0.0 : 180.0;
+}
+
+AxialReach AxialDivergenceReach(double SL, double DL, double twoTheta0) {
+  if (SL == 0.0 && DL == 0.0) return {};
+  const double tail = twoTheta0 - AxialDivergenceMinimum(SL, DL, twoTheta0);
+  return {std::max(tail, 0.0), std::max(-tail, 0.0)};
 }
 
 AxialDivergenceValue AxialDivergenceProfile(double eta, double gamma, double SL, double DL,

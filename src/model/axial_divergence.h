@@ -17,6 +17,14 @@ struct AxialDivergenceValue {
 // The smallest angle the axial divergence reaches from a peak at twoTheta0 (degrees), Emin.
 double AxialDivergenceMinimum(double SL, double DL, double twoTheta0);
 
+// How far the tail of a peak at twoTheta0 widens its base (degrees): below the peak under 90
+// degrees, above it beyond; nothing when both ratios are 0.
+struct AxialReach {
+  double below = 0.0;
+  double above = 0.0;
+};
+AxialReach AxialDivergenceReach(double SL, double DL, double twoTheta0);
+
 // The profile at 2theta of a peak at twoTheta0 with FWHM gamma and mixing eta
 // (angles in degrees), S_L = SL, D_L = DL. With both ratios 0 it is the plain
 // pseudo-Voigt of unit area, with zero derivatives for S_L and D_L.

@@ -2,6 +2,7 @@
 // reflection in flight.
 #pragma once
 
+#include "model/axial_divergence.h"
 #include "model/magnetic_structure_factor.h"
 #include "model/peak_shape.h"
 #include "model/structure_factor.h"
@@ -20,6 +21,7 @@ struct RingEntry {
   float dlnLpdT = 0.0f;    // slope of ln(LpM) with the position when the Bragg angle moves
   float invGaussWidth = 0.0f;  // 1/HG of the TCH profile, 1/H of the others
   int phase = 0;
+  AxialReach axialReach;  // how far the axial-divergence tail widens the base (Npr 12)
   // Parameters that move the peak and its intensity too: the components of
   // the propagation vector of a magnetic satellite. Beside its position
   // family, each has d ln(intensity)/dp here.

@@ -45,13 +45,10 @@ PeakInterval PeakIntervalOf(const Job& job, int ip, int k) {
     if (code == ProfileCode::kSplitPseudoVoigt) right = p.Wdt * r.FwhmRight;
     if (code == ProfileCode::kAxialDivergence) {
       // The axial-divergence tail reaches Emin, below the peak under 90 degrees, above it beyond.
-      const double t0 = r.position + shift + p.GLB[1];
-      const double tail =
-          t0 - AxialDivergenceMinimum(par[ProfileSlot::Shp1], par[ProfileSlot::Shp2], t0);
-      if (par[ProfileSlot::Shp1] != 0.0f || par[ProfileSlot::Shp2] != 0.0f) {
-        left += static_cast<float>(std::max(tail, 0.0));
-        right += static_cast<float>(std::max(-tail, 0.0));
-      }
+      const AxialReach reach = AxialDivergenceReach(par[ProfileSlot::Shp1], par[ProfileSlot::Shp2],
+                                                    r.position + shift + p.GLB[1]);
+      left += static_cast<float>(reach.below);
+      right += static_cast<float>(reach.above);
     }
   } else if (p.IXUNIT == AbscissaUnit::kEnergy) {
     // The stored energy is Dtt1/d: the shift is the Dtt2 q term.

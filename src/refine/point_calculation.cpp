@@ -93,10 +93,9 @@ float AxialPeakAtPoint(const Job& job, int ip, const RingEntry& e, float x, floa
   const PhasePattern& c = job.phases[e.phase].pat[ip];
   const double SL = c.PAR[ProfileSlot::Shp1], DL = c.PAR[ProfileSlot::Shp2];
   const double t0 = e.shape.position;
-  const double tail = SL != 0.0 || DL != 0.0 ? t0 - AxialDivergenceMinimum(SL, DL, t0) : 0.0;
   const double delta = x - t0;
   const double base = p.Wdt * e.shape.H;
-  if (delta < -base - std::max(tail, 0.0) || delta > base + std::max(-tail, 0.0)) return 0.0f;
+  if (delta < -base - e.axialReach.below || delta > base + e.axialReach.above) return 0.0f;
   const AxialDivergenceValue v = AxialDivergenceProfile(e.shape.eta, e.shape.H, SL, DL, x, t0);
   if (!(v.value > 1.0e-30)) return 0.0f;
   if (slope == nullptr) return static_cast<float>(v.value);

@@ -8,6 +8,7 @@
 
 #include "crystal/metric.h"
 #include "model/asymmetry_factor.h"
+#include "model/axial_divergence.h"
 #include "model/intensity_factors.h"
 #include "model/lorentz_polarisation.h"
 #include "model/peak_error_stop.h"
@@ -17,8 +18,8 @@
 #include "model/size_strain.h"
 #include "records/reflection.h"
 #include "refine/parameter_families.h"
-#include "refine/reflection_structure.h"
 #include "refine/reflection_parts.h"
+#include "refine/reflection_structure.h"
 #include "refine/tof_reflection.h"
 #include "surface/console.h"
 
@@ -400,6 +401,10 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   entry.invGaussWidth =
       1.0f / (ProfileOf(c) == ProfileCode::kTchPseudoVoigt ? widths.HG : widths.H);
   entry.phase = phase;
+  entry.axialReach = shapeIn.code == ProfileCode::kAxialDivergence
+                         ? AxialDivergenceReach(c.PAR[ProfileSlot::Shp1], c.PAR[ProfileSlot::Shp2],
+                                                entry.shape.position)
+                         : AxialReach{};
   entry.active = true;
   if (fitted == 0) return;
   // Structural derivatives enter relative to F^2, as the intensity is proportional to it.
