@@ -1,10 +1,12 @@
 // The head of each phase in a written control file: rule, title, flags, contributions, symmetry.
+#include <array>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "control/control_writer.h"
-#include "crystal/rotation_table.h"
+#include "crystal/group_operators.h"
 #include "format/fortran_format.h"
 #include "format/text.h"
 
@@ -73,35 +75,8 @@ void AppendSpaceGroupLine(const Phase& ph, ControlLines& lines) {
   Put(lines, FmtReadBack("(A20,A)", FixedText(ph.SpaceGroupSymbol, 20), remark));
 }
 
-// A signed index of the rotation table as its matrix; 0 is the zero matrix.
-IntMatrix3 SignedRotation(int isl) {
-  IntMatrix3 m;
-  if (isl == 0) return m;
-  const IntMatrix3& r = IROT(std::abs(isl));
-  const int sign = isl < 0 ? -1 : 1;
-  for (int i = 1; i <= 3; ++i) {
-    for (int j = 1; j <= 3; ++j) m(i, j) = sign * r(i, j);
-  }
-  return m;
-}
-
-// The letter of a coefficient in row `row` of a magnetic matrix as text: "u", "-v", "+w".
-std::string MomentRowText(const IntMatrix3& m, int row) {
-  static const char* const kLetters[] = {"u", "v", "w"};
-  std::string text;
-  for (int j = 1; j <= 3; ++j) {
-    const int a = m(row, j);
-    if (a == 0) continue;
-    if (a < 0) {
-      text += "-";
-    } else if (!text.empty()) {
-      text += "+";
-    }
-    if (std::abs(a) != 1) text += Fmt("(I0)", std::abs(a));
-    text += kLetters[j - 1];
-  }
-  return text.empty() ? "0" : text;
-}
+// The letters of the moment components in the text form of a magnetic operator.
+constexpr std::array<std::string_view, 3> kMomentLetters = {"u", "v", "w"};
 
 void AppendNumericOperators(const Job& job, const SpaceGroup& g, ControlLines& lines) {
   Head(job, lines, "!S11 S12 S13     T1        S21 S22 S23     T2    S31 S32 S33       T3");
@@ -126,8 +101,9 @@ void AppendTextOperators(const SpaceGroup& g, ControlLines& lines) {
     Put(lines, CutText(g.operatorText[n], 80));
     for (int m = 1; m <= g.NMAGM; ++m) {
       const IntMatrix3 mr = SignedRotation(g.magneticRotation(m, n));
-      const std::string text = "MSYM " + MomentRowText(mr, 1) + "," + MomentRowText(mr, 2) + "," +
-                               MomentRowText(mr, 3) + "," +
+      const std::string text = "MSYM " + MatrixRowText(mr, 1, kMomentLetters) + "," +
+                               MatrixRowText(mr, 2, kMomentLetters) + "," +
+                               MatrixRowText(mr, 3, kMomentLetters) + "," +
                                Fmt("(I0)", static_cast<int>(g.magneticPhase(m, n)));
       Put(lines, CutText(text, 80));
     }

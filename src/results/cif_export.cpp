@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "crystal/rotation_table.h"
+#include "crystal/group_operators.h"
 #include "format/date_time.h"
 #include "format/text.h"
 #include "io/file_set.h"
@@ -24,48 +24,16 @@ constexpr double kEightPiSquared = 78.95683520871486;  // B = 8 pi^2 U
 constexpr double kTwoPiSquared = 19.739208802178716;   // U_ij = beta_ij / (2 pi^2 a*_i a*_j)
 constexpr double kSamePosition = 1.0e-3;               // images closer than this coincide
 
-struct FullOperator {
-  IntMatrix3 R;
-  Table1<double, 3> t;
-};
-
-double Reduced(double v) {
-  v -= std::floor(v);
-  return v >= 1.0 - 1.0e-9 ? 0.0 : v;
-}
-
-// Every operator of the general position: the reduced list times the centring translations,
-// and times the inversion at the origin when the group has it there.
-std::vector<FullOperator> GeneralPosition(const SpaceGroup& g) {
-  std::vector<FullOperator> ops;
-  for (int n = 1; n <= g.NSYM; ++n) {
-    const int index = g.isl[n];
-    const IntMatrix3& rotation = IROT(std::abs(index));
-    const int sign = index < 0 ? -1 : 1;
-    for (int c = 1; c <= g.NLAT; ++c) {
-      for (int inversion : {1, -1}) {
-        if (inversion < 0 && g.ICENT != 2) continue;
-        FullOperator op;
-        for (int i = 1; i <= 3; ++i) {
-          for (int j = 1; j <= 3; ++j) op.R(i, j) = inversion * sign * rotation(i, j);
-          op.t[i] = Reduced(inversion * g.translation(i, n) + g.latticeTranslation(i, c));
-        }
-        ops.push_back(op);
-      }
-    }
-  }
-  return ops;
-}
-
 // The number of distinct images of a position under the operators.
-int SiteMultiplicity(const std::vector<FullOperator>& ops, const float* xyz) {
+int SiteMultiplicity(const std::vector<SymmetryOperator>& ops, const float* xyz) {
   std::vector<Table1<double, 3>> images;
-  for (const FullOperator& op : ops) {
+  for (const SymmetryOperator& op : ops) {
     Table1<double, 3> p;
     for (int i = 1; i <= 3; ++i) {
-      double v = op.t[i];
-      for (int j = 1; j <= 3; ++j) v += op.R(i, j) * static_cast<double>(xyz[j - 1]);
-      p[i] = Reduced(v);
+      double v = op.translation[i];
+      for (int j = 1; j <= 3; ++j) v += op.rotation(i, j) * static_cast<double>(xyz[j - 1]);
+      v -= std::floor(v);
+      p[i] = v;
     }
     bool seen = false;
     for (const auto& q : images) {
@@ -110,8 +78,8 @@ class CifWriter {
   void Item(const std::string& tag, const std::string& value) { Line(tag + " " + value); }
   void Head();
   void Cell();
-  void Symmetry(const std::vector<FullOperator>& ops);
-  void Atoms(const std::vector<FullOperator>& ops);
+  void Symmetry(const std::vector<SymmetryOperator>& ops);
+  void Atoms(const std::vector<SymmetryOperator>& ops);
   void AnisotropicAtoms();
   void Experiment();
   void Reliability(const CifPhaseFactors& factors);
@@ -155,7 +123,7 @@ void CifWriter::Cell() {
   Item("_cell_volume", CifNumber(pp_.cellVolume, stats.volumeSigma));
 }
 
-void CifWriter::Symmetry(const std::vector<FullOperator>& ops) {
+void CifWriter::Symmetry(const std::vector<SymmetryOperator>& ops) {
   const std::string symbol = TrimmedCopy(ph_.SpaceGroupSymbol);
   Item("_space_group_crystal_system", CrystalSystem(ph_.group.LAUE));
   Item("_space_group_name_H-M_alt", CifText(symbol));
@@ -164,7 +132,7 @@ void CifWriter::Symmetry(const std::vector<FullOperator>& ops) {
   Line("_space_group_symop_id");
   Line("_space_group_symop_operation_xyz");
   for (std::size_t n = 0; n < ops.size(); ++n) {
-    Line(std::to_string(n + 1) + " " + CifText(OperatorXyz(ops[n].R, ops[n].t)));
+    Line(std::to_string(n + 1) + " " + CifText(OperatorXyz(ops[n])));
   }
 }
 
@@ -181,7 +149,7 @@ double CifWriter::Uij(const AtomSite& a, int slot, int i, int j) const {
   return a.ATP[slot] / (kTwoPiSquared * std::sqrt(gs(i, i) * gs(j, j)));
 }
 
-void CifWriter::Atoms(const std::vector<FullOperator>& ops) {
+void CifWriter::Atoms(const std::vector<SymmetryOperator>& ops) {
   Line("loop_");
   for (const char* tag :
        {"_atom_site_label", "_atom_site_type_symbol", "_atom_site_fract_x", "_atom_site_fract_y",
@@ -308,7 +276,7 @@ void CifWriter::Reflections(const std::vector<CifReflection>& reflections) {
 
 void CifWriter::Write(const CifPhaseFactors& factors,
                       const std::vector<CifReflection>& reflections) {
-  const std::vector<FullOperator> ops = GeneralPosition(ph_.group);
+  const std::vector<SymmetryOperator> ops = GeneralPositionOperators(ph_.group);
   Head();
   Cell();
   Symmetry(ops);

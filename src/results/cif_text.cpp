@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "crystal/group_operators.h"
+
 namespace corvinet {
 
 namespace {
@@ -75,26 +77,13 @@ std::string CifText(const std::string& text) {
   return "\"" + text + "\"";
 }
 
-std::string OperatorXyz(const Table2<int, 3, 3>& rotation, const Table1<double, 3>& translation) {
-  static const char kAxis[3] = {'x', 'y', 'z'};
+std::string OperatorXyz(const SymmetryOperator& op) {
   std::string out;
   for (int i = 1; i <= 3; ++i) {
-    std::string row;
-    for (int j = 1; j <= 3; ++j) {
-      const int r = rotation(i, j);
-      if (r == 0) continue;
-      if (r < 0) {
-        row += '-';
-      } else if (!row.empty()) {
-        row += '+';
-      }
-      if (std::abs(r) != 1) row += std::to_string(std::abs(r));
-      row += kAxis[j - 1];
-    }
-    int twelfths = static_cast<int>(std::lround(translation[i] * 12.0)) % 12;
+    std::string row = MatrixRowText(op.rotation, i, {"x", "y", "z"});
+    int twelfths = static_cast<int>(std::lround(op.translation[i] * 12.0)) % 12;
     if (twelfths < 0) twelfths += 12;
-    if (twelfths != 0) row += "+" + Twelfths(twelfths);
-    if (row.empty()) row = "0";
+    if (twelfths != 0) row = (row == "0" ? "" : row + "+") + Twelfths(twelfths);
     out += (i > 1 ? "," : "") + row;
   }
   return out;

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "records/table1.h"
+#include "crystal/symmetry_operators.h"
 
 namespace corvinet {
 
@@ -18,7 +18,7 @@ std::string CifNumber(double value, double sigma, int plainDigits = 6);
 // single quotes (or double quotes when it holds a single quote).
 std::string CifText(const std::string& text);
 
-// The x,y,z form of x' = R x + t, with fractions of twelfths ("-x+1/2,y,-z").
-std::string OperatorXyz(const Table2<int, 3, 3>& rotation, const Table1<double, 3>& translation);
+// The x,y,z form of an operator x' = R x + t, with fractions of twelfths ("-x+1/2,y,-z").
+std::string OperatorXyz(const SymmetryOperator& op);
 
 }  // namespace corvinet

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "crystal/rotation_table.h"
+#include "crystal/group_operators.h"
 #include "format/fortran_format.h"
 #include "format/text.h"
 #include "results/cif_text.h"
@@ -18,28 +18,11 @@ namespace {
 constexpr float kBToShelxU = 0.012665148f;  // 1 / (8 pi^2)
 constexpr float kShelxFixed = 10.0f;        // added to a value that SHELX is to keep fixed
 
-struct ReducedOperator {
-  IntMatrix3 R;
-  Table1<double, 3> t;
-};
-
-ReducedOperator OperatorOf(const SpaceGroup& g, int n) {
-  ReducedOperator op;
-  const int index = g.isl[n];
-  const int sign = index < 0 ? -1 : 1;
-  const IntMatrix3& rotation = IROT(std::abs(index));
+bool IsIdentity(const SymmetryOperator& op) {
   for (int i = 1; i <= 3; ++i) {
-    for (int j = 1; j <= 3; ++j) op.R(i, j) = sign * rotation(i, j);
-    op.t[i] = g.translation(i, n);
-  }
-  return op;
-}
-
-bool IsIdentity(const ReducedOperator& op) {
-  for (int i = 1; i <= 3; ++i) {
-    if (std::fabs(op.t[i] - std::round(op.t[i])) > 1.0e-4) return false;
+    if (std::fabs(op.translation[i] - std::round(op.translation[i])) > 1.0e-4f) return false;
     for (int j = 1; j <= 3; ++j) {
-      if (op.R(i, j) != (i == j ? 1 : 0)) return false;
+      if (op.rotation(i, j) != (i == j ? 1 : 0)) return false;
     }
   }
   return true;
@@ -51,8 +34,8 @@ std::string Upper(std::string text) {
 }
 
 // The operator as SHELX and the plot programs write it: "-X+1/2, Y, Z+1/2".
-std::string OperatorText(const ReducedOperator& op) {
-  std::string text = Upper(OperatorXyz(op.R, op.t));
+std::string OperatorText(const SymmetryOperator& op) {
+  std::string text = Upper(OperatorXyz(op));
   std::string out;
   for (char c : text) out += c == ',' ? std::string(", ") : std::string(1, c);
   return out;
@@ -109,11 +92,12 @@ void SchakalLines(const Job& job, int ip, int f, std::vector<std::string>& lines
         Fmt("(A4,1X,A4,1X,3F10.5)", "ATOM", FixedText(a.label, 4), a.ATP[1], a.ATP[2], a.ATP[3]));
   }
   for (int n = 1; n <= g.NSYM; ++n) {
-    const ReducedOperator op = OperatorOf(g, n);
+    const SymmetryOperator op = ReducedOperator(g, n);
     if (IsIdentity(op)) continue;
     std::string row = "SYMM ";
     for (int i = 1; i <= 3; ++i) {
-      row += Fmt("(F12.6,3I4)", op.t[i], op.R(i, 1), op.R(i, 2), op.R(i, 3));
+      row += Fmt("(F12.6,3I4)", op.translation[i], op.rotation(i, 1), op.rotation(i, 2),
+                 op.rotation(i, 3));
     }
     lines.push_back(row);
   }
@@ -179,7 +163,7 @@ void ShelxPhaseLines(const Job& job, int ip, int f, std::vector<std::string>& li
   lines.push_back(Fmt("(A,I4,6F10.4)", "ZERR ", 1, 0.001f, 0.001f, 0.001f, 0.0f, 0.0f, 0.0f));
   lines.push_back(Fmt("(A,I3)", "LATT ", ShelxLattice(g)));
   for (int n = 1; n <= g.NSYM; ++n) {
-    const ReducedOperator op = OperatorOf(g, n);
+    const SymmetryOperator op = ReducedOperator(g, n);
     if (!IsIdentity(op)) lines.push_back("SYMM " + FixedText(OperatorText(op), 35));
   }
   const int order = g.NSYM * g.NLAT * (g.ICENT == 2 ? 2 : 1);

@@ -42,26 +42,25 @@ TEST(CifText, TextIsQuotedWhenItCouldBeMisread) {
 }
 
 TEST(CifText, OperatorsAreWrittenWithFractions) {
-  Table2<int, 3, 3> r;
-  r.Fill(0);
-  r(1, 1) = -1;
-  r(2, 2) = 1;
-  r(3, 3) = -1;
-  Table1<double, 3> t;
-  t[1] = 0.5;
-  t[2] = 0.0;
-  t[3] = 1.0 / 3.0;
-  EXPECT_EQ(OperatorXyz(r, t), "-x+1/2,y,-z+1/3");
-  Table2<int, 3, 3> hex;  // x-y, x, z
-  hex.Fill(0);
-  hex(1, 1) = 1;
-  hex(1, 2) = -1;
-  hex(2, 1) = 1;
-  hex(3, 3) = 1;
-  t[1] = 0.0;
-  t[2] = 0.0;
-  t[3] = 5.0 / 6.0;
-  EXPECT_EQ(OperatorXyz(hex, t), "x-y,x,z+5/6");
+  SymmetryOperator op;
+  op.rotation.Fill(0);
+  op.rotation(1, 1) = -1;
+  op.rotation(2, 2) = 1;
+  op.rotation(3, 3) = -1;
+  op.translation[1] = 0.5f;
+  op.translation[2] = 0.0f;
+  op.translation[3] = 1.0f / 3.0f;
+  EXPECT_EQ(OperatorXyz(op), "-x+1/2,y,-z+1/3");
+  SymmetryOperator hex;  // x-y, x, z+5/6
+  hex.rotation.Fill(0);
+  hex.rotation(1, 1) = 1;
+  hex.rotation(1, 2) = -1;
+  hex.rotation(2, 1) = 1;
+  hex.rotation(3, 3) = 1;
+  hex.translation[1] = 0.0f;
+  hex.translation[2] = 0.0f;
+  hex.translation[3] = 5.0f / 6.0f;
+  EXPECT_EQ(OperatorXyz(hex), "x-y,x,z+5/6");
 }
 
 }  // namespace
