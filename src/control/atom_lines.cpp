@@ -88,10 +88,10 @@ void ReadCombinedAtomLines(Job& job, AtomSite& a) {
                  &line);
   WriteLine(job, Unit::Out, line);
   ReadCodes(job, a, {1, 2, 3, 4, 5});
-  if (a.N_t == 1 || a.N_t == 3) {
+  if (BearsMoment(a)) {
     ReadSlotLines(job, a, {6, 7, 8, 9, 10, 11, 12});
   }
-  if (a.N_t == 2 || a.N_t == 3) {
+  if (BearsBetas(a)) {
     ReadSlotLines(job, a, {13, 14, 15, 16, 17, 18});
   }
 }
@@ -206,7 +206,7 @@ void DecodeAtomCodes(Job& job, int k) {
   ph.phaseAtomKind = 0;
   for (int i = 1; i <= ph.Nat; ++i) {
     AtomSite& a = job.atoms[ph.atomOffset + i];
-    if (a.N_t == 2 || a.N_t == 3) ph.phaseAtomKind = 1;
+    if (BearsBetas(a)) ph.phaseAtomKind = 1;
     if (a.N_t == 4) ph.phaseAtomKind = 3;
     for (int j = 1; j <= DimensionLimits::NAT_P; ++j) {
       a.ATC[j] = DecodeCheckedCode(job, a.ATCtyped[j]);

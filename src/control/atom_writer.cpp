@@ -155,11 +155,11 @@ void AppendNuclearMagneticAtoms(const Job& job, const Phase& ph, int offset, Con
     row.values.emplace_back(a.N_t);
     Put(lines, row.Text("(A4,1X,A4,3X,I4,1X,I2,1X,5F10.5,I5)"));
     Put(lines, Slots(job, a, {}, {1, 2, 3, 4, 5}, "(20X,5F10.2)"));
-    if (a.N_t == 1 || a.N_t == 3) {
+    if (BearsMoment(a)) {
       Put(lines, Slots(job, a, {6, 7, 8, 9, 10, 11, 12}, {}, "(7F10.5,' <-MagPar')"));
       Put(lines, Slots(job, a, {}, {6, 7, 8, 9, 10, 11, 12}, "(7F10.2)"));
     }
-    if (a.N_t == 2 || a.N_t == 3) {
+    if (BearsBetas(a)) {
       Put(lines, Slots(job, a, {13, 14, 15, 16, 17, 18}, {}, "(6F10.5,' <-Betas')"));
       Put(lines, Slots(job, a, {}, {13, 14, 15, 16, 17, 18}, "(6F10.2)"));
     }

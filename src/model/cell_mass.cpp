@@ -17,15 +17,6 @@ bool IsObjectLabel(const std::string& label) {
   return false;
 }
 
-// The label that names the element of an atom: a magnetic label such as MFE3 stands for FE.
-std::string ElementLabel(const Phase& ph, const AtomSite& atom) {
-  const bool bearsMoment = atom.N_t == 1 || atom.N_t == 3;
-  if (std::abs(ph.Jbt) == 10 && bearsMoment && atom.species.size() >= 3) {
-    return atom.species.substr(1, 2);
-  }
-  return atom.species;
-}
-
 }  // namespace
 
 CellMass CellMassOfPhase(const Job& job, int k) {
@@ -36,7 +27,7 @@ CellMass CellMassOfPhase(const Job& job, int k) {
   double sum = 0.0;
   for (int i = ph.atomOffset + 1; i <= ph.atomOffset + ph.Nat; ++i) {
     const AtomSite& atom = job.atoms[i];
-    const std::string label = ElementLabel(ph, atom);
+    const std::string label = NucleusLabel(ph, atom);
     const LabelledElement element = ElementOfLabel(label);
     if (element.Z == 0 || IsObjectLabel(atom.species)) {
       result.unknownLabel = atom.species;

@@ -151,16 +151,9 @@ bool TryNeutronLabel(SpeciesWork& w, const std::string& label4, AtomSite& atom) 
   return TryObject(w, label4, atom.nuclearSpecies);
 }
 
-bool BearsMoment(const AtomSite& atom) {
-  return atom.N_t == 1 || atom.N_t == 3;
-}
-
 void ResolveNeutronAtom(SpeciesWork& w, AtomSite& atom) {
   const std::string typed = FixedText(atom.species, 4);
-  std::string label = typed;
-  // A magnetic label such as MFE3 stands for the nucleus FE.
-  if (std::abs(w.phase.Jbt) == 10 && BearsMoment(atom)) label = typed.substr(1, 2) + "  ";
-  if (TryNeutronLabel(w, label, atom)) return;
+  if (TryNeutronLabel(w, NucleusLabel(w.phase, atom), atom)) return;
   // Magnetic labels of one-letter elements: MV2 gives V.
   if (TryNeutronLabel(w, FixedText(typed.substr(1, 1), 4), atom)) return;
   StopNotFound(w.job, kLengthNotFound, typed, kLengthStop);
@@ -281,6 +274,12 @@ int StartSpeciesTable(Job& job, int ip, int k, int speciesGiven) {
 }
 
 }  // namespace
+
+std::string NucleusLabel(const Phase& phase, const AtomSite& atom) {
+  const std::string typed = FixedText(atom.species, 4);
+  if (std::abs(phase.Jbt) == 10 && BearsMoment(atom)) return typed.substr(1, 2) + "  ";
+  return typed;
+}
 
 int AnomalousColumn(float lambda1) {
   const ScatteringTables& t = FixedScatteringTables();

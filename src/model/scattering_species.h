@@ -2,6 +2,7 @@
 // scattering entries of the control file.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "records/chemical_species.h"
@@ -12,6 +13,11 @@ namespace corvinet {
 // The ten labels of form-factor objects, in their order.
 inline constexpr std::string_view kObjectLabels[10] = {"SPHS", "PARA", "ELLI", "CYLI", "SASH",
                                                        "TORE", "SPHE", "FUD2", "FUD3", "FUD4"};
+
+// The 4-character label that names the nucleus of an atom: its species label, except that in a
+// nuclear and magnetic phase (|Jbt| 10) an atom bearing a moment is typed by its magnetic label,
+// such as MFE3, whose 2nd and 3rd characters name the nucleus (FE).
+std::string NucleusLabel(const Phase& phase, const AtomSite& atom);
 
 // Column of the anomalous table for an X-ray pattern: the first reference
 // wavelength below lambda1 + 0.1, or 6 when none is (lambda1 below 0.4564 A).

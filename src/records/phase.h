@@ -130,4 +130,14 @@ struct AtomSite {
   Table1<Codeword, DimensionLimits::NAT_P> ATC;    // decoded codes
 };
 
+// An atom line that carries a moment (N_t 1 or 3), with the magnetic slots 6 to 12.
+inline bool BearsMoment(const AtomSite& atom) {
+  return atom.N_t == 1 || atom.N_t == 3;
+}
+
+// An atom line that carries the six betas (N_t 2 or 3), in slots 13 to 18.
+inline bool BearsBetas(const AtomSite& atom) {
+  return atom.N_t == 2 || atom.N_t == 3;
+}
+
 }  // namespace corvinet
