@@ -173,6 +173,24 @@ std::string TestData(const std::string& relative) {
   return all.str();
 }
 
+std::string LineAfter(const std::string& text, const std::string& head) {
+  const auto lines = SplitLines(text);
+  for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
+    if (lines[i].rfind(head, 0) == 0) return lines[i + 1];
+  }
+  return std::string();
+}
+
+std::vector<double> NumbersIn(const std::string& line) {
+  static const std::regex number(R"([-+]?(\d+\.?\d*|\.\d+)([eE][-+]?\d+)?)");
+  std::vector<double> values;
+  for (auto it = std::sregex_iterator(line.begin(), line.end(), number);
+       it != std::sregex_iterator(); ++it) {
+    values.push_back(std::stod(it->str()));
+  }
+  return values;
+}
+
 std::vector<double> AtomLineValues(const std::string& control, const std::string& label) {
   for (const std::string& line : SplitLines(control)) {
     std::istringstream in(line);

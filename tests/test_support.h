@@ -91,6 +91,12 @@ std::string FlushedReport(const ScratchDir& dir, Job& job, const std::string& na
 // Text of a file of the test data directory.
 std::string TestData(const std::string& relative);
 
+// The line after the first line of `text` that starts with `head`; empty when there is none.
+std::string LineAfter(const std::string& text, const std::string& head);
+
+// The numbers of a line as the free-format reader separates them (a sign ends a number).
+std::vector<double> NumbersIn(const std::string& line);
+
 // The numbers of the atom line of a control file whose label is `label` (after the label and
 // the species: x y z B occ ..., four numbers at least); empty when no line has that label.
 std::vector<double> AtomLineValues(const std::string& control, const std::string& label);

@@ -76,17 +76,6 @@ std::vector<double> AtomLine(const std::string& control, const std::string& labe
   return v;
 }
 
-// The cell line of a control file: the line after its heading.
-std::vector<double> CellLine(const std::string& control) {
-  const auto lines = SplitLines(control);
-  for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
-    if (lines[i].rfind("!     a          b         c", 0) != 0) continue;
-    std::istringstream in(lines[i + 1]);
-    return Numbers(in);
-  }
-  return {};
-}
-
 // Simulates the PbSO4 neutron pattern, refines it with the control file `refinement` of
 // tests/data/results, and reads the CIF of phase 1 with the script; false when gemmi is absent.
 bool RefineAndReadBack(ScratchDir& dir, const std::string& refinement, CifReading& r) {
@@ -119,7 +108,8 @@ TEST(CifExportEndToEnd, NeutronRefinementCifReadsBackToTheRefinedStructure) {
 
   const std::string control = dir.Read("pbso4.pcr");
   ASSERT_EQ(r.cell.size(), 6u);
-  const std::vector<double> cell = CellLine(control);
+  const std::vector<double> cell =
+      testing::NumbersIn(testing::LineAfter(control, "!     a          b         c"));
   ASSERT_EQ(cell.size(), 6u);
   for (int i = 0; i < 6; ++i) EXPECT_NEAR(r.cell[i], cell[i], 1e-4) << i;
   EXPECT_EQ(r.symopsMatch, 1);

@@ -64,23 +64,6 @@ std::string RefinementWithDataKind(int ins, int ste = 0) {
   return pcr;
 }
 
-// The line after the first line of `text` that starts with `head`.
-std::string LineAfter(const std::string& text, const std::string& head) {
-  const auto lines = SplitLines(text);
-  for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
-    if (lines[i].rfind(head, 0) == 0) return lines[i + 1];
-  }
-  return {};
-}
-
-std::vector<double> Numbers(const std::string& line) {
-  std::istringstream in(line);
-  std::vector<double> v;
-  double x = 0;
-  while (in >> x) v.push_back(x);
-  return v;
-}
-
 // a and b refined with codes of their own, gamma fixed: the cell stays hexagonal.
 TEST(NewcomerTrapsEndToEnd, HexagonalCellWithCodesOfItsOwnForAAndBKeepsItsLaueClass) {
   ScratchDir dir;
@@ -94,8 +77,8 @@ TEST(NewcomerTrapsEndToEnd, HexagonalCellWithCodesOfItsOwnForAAndBKeepsItsLaueCl
       "held to them";
   EXPECT_EQ(testing::CountLines(run.output, line), 1);
   EXPECT_EQ(testing::CountLines(dir.Read("zno_cell_codes.out"), line), 1);
-  const std::vector<double> cell =
-      Numbers(LineAfter(dir.Read("zno_cell_codes.pcr"), "!     a          b         c"));
+  const std::vector<double> cell = testing::NumbersIn(
+      testing::LineAfter(dir.Read("zno_cell_codes.pcr"), "!     a          b         c"));
   ASSERT_EQ(cell.size(), 6u);
   EXPECT_EQ(cell[0], cell[1]);
   EXPECT_EQ(cell[5], 120.0);

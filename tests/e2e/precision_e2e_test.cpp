@@ -17,33 +17,13 @@ using testing::ScratchDir;
 using testing::SplitLines;
 using testing::TestData;
 
-// The numbers of a line as the free-format reader separates them (a sign ends a number).
-std::vector<double> Numbers(const std::string& line) {
-  static const std::regex number(R"([-+]?(\d+\.?\d*|\.\d+)([eE][-+]?\d+)?)");
-  std::vector<double> values;
-  for (auto it = std::sregex_iterator(line.begin(), line.end(), number);
-       it != std::sregex_iterator(); ++it) {
-    values.push_back(std::stod(it->str()));
-  }
-  return values;
-}
-
-// The line after the first line that starts with `head`.
-std::string LineAfter(const std::string& text, const std::string& head) {
-  const auto lines = SplitLines(text);
-  for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
-    if (lines[i].rfind(head, 0) == 0) return lines[i + 1];
-  }
-  return std::string();
-}
-
 // The value of the last row `name` of the final parameter tables of .out.
 double ReportedValue(const std::string& out, const std::string& name) {
   double value = NAN;
   for (const std::string& line : SplitLines(out)) {
     const std::size_t at = line.find_first_not_of(' ');
     if (at == std::string::npos || line.compare(at, name.size() + 1, name + " ") != 0) continue;
-    const auto numbers = Numbers(line.substr(at + name.size()));
+    const auto numbers = testing::NumbersIn(line.substr(at + name.size()));
     if (numbers.size() == 3) value = numbers[0];
   }
   return value;
@@ -64,7 +44,8 @@ TEST(PrecisionEndToEnd, RefinedSynchrotronWidthReadsBackToSixSignificantDigits) 
   ASSERT_NEAR(refined, 4.1234e-5, 0.1e-5);
 
   const std::string written = dir.Read("narrow.pcr");
-  const auto widths = Numbers(LineAfter(written, "!      U        V         W"));
+  const auto widths =
+      testing::NumbersIn(testing::LineAfter(written, "!      U        V         W"));
   ASSERT_GE(widths.size(), 3u) << written;
   // The report gives six significant digits: the file must hold at least as many.
   EXPECT_NEAR(widths[2], refined, 1.0e-5 * refined) << written;

@@ -41,15 +41,6 @@ double FirstRwp(const std::string& out) {
   return lines.empty() ? 1.0e9 : std::stod(lines.front().substr(24, 9));
 }
 
-// The line after the first line of the control file that starts with `head`.
-std::string LineAfter(const std::string& pcr, const std::string& head) {
-  const auto lines = SplitLines(pcr);
-  for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
-    if (lines[i].rfind(head, 0) == 0) return lines[i + 1];
-  }
-  return {};
-}
-
 // The Bragg lines of the summary; a phase with a structure also gives its
 // weight fraction, a profile-matching phase none.
 void ExpectBraggLinesInSummary(const std::string& sum, bool withFraction = true) {
@@ -140,7 +131,7 @@ TEST(ReportEndToEnd, ProfileMatchingWritesItsFilesAndASecondRunGoesOn) {
   const std::string first = dir.Read("matching.out");
 
   // The background, simulated at 200, starts at 190 and is refined.
-  const std::string background = LineAfter(dir.Read("matching.pcr"), "!   Background");
+  const std::string background = testing::LineAfter(dir.Read("matching.pcr"), "!   Background");
   ASSERT_FALSE(background.empty());
   EXPECT_NEAR(std::stod(background.substr(0, 12)), 200.0, 3.0);
   // One refined parameter: no correlation matrix although Mat is 1.
@@ -169,12 +160,13 @@ TEST(ReportEndToEnd, ProfileMatchingWritesItsFilesAndASecondRunGoesOn) {
   }
   EXPECT_GT(extractedSum, 0.0);
   EXPECT_NEAR(clusterSum, extractedSum, 1e-4 * extractedSum + 0.01 * rows);
-  EXPECT_EQ(LinesStartingWith(first, " Phase No:   1 Overlaped Reflections Re-grouped ").size(), 1u);
+  EXPECT_EQ(LinesStartingWith(first, " Phase No:   1 Overlaped Reflections Re-grouped ").size(),
+            1u);
   EXPECT_EQ(LinesStartingWith(first, "Cw =   1.0000").size(), 1u);
 
   ASSERT_EQ(RunBinary(dir.path, "matching").exitCode, 0);
   EXPECT_LT(FirstRwp(dir.Read("matching.out")), FirstRwp(first));
-  const std::string again = LineAfter(dir.Read("matching.pcr"), "!   Background");
+  const std::string again = testing::LineAfter(dir.Read("matching.pcr"), "!   Background");
   EXPECT_NEAR(std::stod(again.substr(0, 12)), 200.0, 3.0);
 }
 

@@ -16,19 +16,6 @@ using testing::ScratchDir;
 using testing::SplitLines;
 using testing::TestData;
 
-std::vector<double> LineAfter(const std::string& text, const std::string& head) {
-  const auto lines = SplitLines(text);
-  for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
-    if (lines[i].rfind(head, 0) != 0) continue;
-    std::istringstream in(lines[i + 1]);
-    std::vector<double> v;
-    double x = 0;
-    while (in >> x) v.push_back(x);
-    return v;
-  }
-  return {};
-}
-
 // The file gives G^2 = 0.004 t^2 - 0.003 t + 0.006 and L = 0.02 t + 0.01; the sample adds
 // U = 0.02 (Gaussian) and Y = 0.03 (Lorentzian). The fit starts from U 0.005 and Y 0.01.
 TEST(ResolutionEndToEnd, SampleWidthsOnTopOfTheInstrumentRefineBack) {
@@ -40,7 +27,8 @@ TEST(ResolutionEndToEnd, SampleWidthsOnTopOfTheInstrumentRefineBack) {
   EXPECT_NE(dir.Read("sim.out").find(", => Instrumental Resolution read from file: inst.irf"),
             std::string::npos);
   const std::string pcr = dir.Read("fit.pcr");
-  const std::vector<double> widths = LineAfter(pcr, "!      U        V         W");
+  const std::vector<double> widths =
+      testing::NumbersIn(testing::LineAfter(pcr, "!      U        V         W"));
   ASSERT_GE(widths.size(), 5u);
   EXPECT_NEAR(widths[0], 0.02, 0.0005);
   EXPECT_NEAR(widths[4], 0.03, 0.0005);
