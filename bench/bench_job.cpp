@@ -10,11 +10,20 @@
 
 namespace corvinet {
 
+void EnterBenchDirectory(const std::filesystem::path& dir) {
+  std::filesystem::create_directories(dir);
+  std::filesystem::current_path(dir);
+}
+
 std::unique_ptr<Job> ReadBenchJob(const std::string& range, int points) {
   std::ofstream dat("bench.dat");
   dat << range << "\n";
   for (int i = 1; i <= points; ++i) dat << (i % 10 == 0 ? "100\n" : "100 ");
   dat.close();
+  return ReadBenchControl();
+}
+
+std::unique_ptr<Job> ReadBenchControl() {
   auto job = std::make_unique<Job>();
   job->console.out = std::fopen("bench.console", "w");
   job->driver.PcrCode = "bench";

@@ -25,8 +25,7 @@ using namespace corvinet;
 // A monoclinic phase in profile matching with the TCH profile over 10 001
 // points of 2theta, with the block of generalized terms of `str`.
 std::unique_ptr<Job> MakeJob(const std::filesystem::path& dir, int str) {
-  std::filesystem::create_directories(dir);
-  std::filesystem::current_path(dir);
+  EnterBenchDirectory(dir);
   std::ofstream pcr("bench.pcr");
   pcr << "Broadening benchmark\n0 7 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n"
          "0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 1 0\n"

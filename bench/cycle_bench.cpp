@@ -28,8 +28,7 @@ using namespace corvinet;
 
 // A triclinic phase in profile matching over 17000 points of 2theta.
 std::unique_ptr<Job> MakeJob(const std::filesystem::path& dir) {
-  std::filesystem::create_directories(dir);
-  std::filesystem::current_path(dir);
+  EnterBenchDirectory(dir);
   std::ofstream pcr("bench.pcr");
   pcr << "Cycle benchmark\n0 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 1 0\n"
          "1.5406 1.5444 0.5 60.0 8.0 0.8 0.0 10.0 0.0\n"
@@ -74,8 +73,7 @@ BENCHMARK(BM_CyclePass)->Arg(150)->Arg(300)->Unit(benchmark::kMillisecond);
 // with the coordinates and displacements of every atom refined (80
 // parameters) besides scale, widths, cell, zero and background.
 std::unique_ptr<Job> MakeStructureJob(const std::filesystem::path& dir) {
-  std::filesystem::create_directories(dir);
-  std::filesystem::current_path(dir);
+  EnterBenchDirectory(dir);
   std::ofstream pcr("bench.pcr");
   pcr << "Structure cycle benchmark\n0 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n"
          "0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 1 0\n"

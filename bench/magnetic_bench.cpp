@@ -85,8 +85,7 @@ std::string CrystalPhase() {
 }
 
 std::unique_ptr<Job> ReadJob(const std::filesystem::path& dir, bool magnetic) {
-  std::filesystem::create_directories(dir);
-  std::filesystem::current_path(dir);
+  EnterBenchDirectory(dir);
   const int refined = magnetic ? 73 : 67;
   std::ofstream pcr("bench.pcr");
   pcr << "Magnetic benchmark\n"

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "bench_job.h"
 #include "control/control_reading.h"
 #include "format/fortran_format.h"
 #include "io/file_set.h"
@@ -120,21 +121,12 @@ std::string MonoclinicControl() {
 }
 
 std::unique_ptr<Job> ReadSearchJob(const std::filesystem::path& dir, bool monoclinic) {
-  std::filesystem::create_directories(dir);
-  std::filesystem::current_path(dir);
+  EnterBenchDirectory(dir);
   std::ofstream(dir / "bench.pcr") << (monoclinic ? MonoclinicControl() : PbSO4Control());
   std::ofstream(dir / "bench1.hkl")
       << (monoclinic ? IntensityList({10.0, 11.0, 12.0, 100.0}, true, 2000)
                      : IntensityList({8.48, 5.396, 6.959, 90.0}, false, 400));
-  auto job = std::make_unique<Job>();
-  job->console.out = std::fopen("bench.console", "w");
-  job->driver.PcrCode = "bench";
-  job->driver.DatCode = "bench";
-  OpenFiles(*job, FileKind::kControl, 0, 0);
-  OpenFiles(*job, FileKind::kOutput, 0, 0);
-  ResetDefaults(*job);
-  ReadControlFile(*job);
-  return job;
+  return ReadBenchControl();
 }
 
 // Argument: threads (0: every core). Items are trials.

@@ -23,8 +23,7 @@ using namespace corvinet;
 
 // A triclinic phase in profile matching from 7000 to 25000 us (d 0.7 to 2.5 A).
 std::unique_ptr<Job> MakeTofJob(const std::filesystem::path& dir) {
-  std::filesystem::create_directories(dir);
-  std::filesystem::current_path(dir);
+  EnterBenchDirectory(dir);
   std::ofstream pcr("bench.pcr");
   pcr << "TOF benchmark\n-1 9 1 0 0 0 0 0 0 0 0 0 0 0 0 1 0\n0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n"
          "15000.0 6.0 0\n"
@@ -68,8 +67,7 @@ BENCHMARK(BM_TofCyclePass)->Unit(benchmark::kMillisecond);
 
 // A triclinic phase with the axial-divergence profile from 5 to 80 degrees, 15000 points.
 std::unique_ptr<Job> MakeAxialJob(const std::filesystem::path& dir) {
-  std::filesystem::create_directories(dir);
-  std::filesystem::current_path(dir);
+  EnterBenchDirectory(dir);
   std::ofstream pcr("bench.pcr");
   pcr << "Axial divergence benchmark\n0 12 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n"
          "0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n"
