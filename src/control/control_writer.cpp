@@ -43,12 +43,30 @@ using control_writer::Put;
 
 namespace {
 
+// The distance and moment restraints of phase k, as the reader reads them.
+void AppendRestraintLines(const Job& job, int k, ControlLines& lines) {
+  const Phase& ph = job.phases[k];
+  if (ph.Dis != 0) Head(job, lines, "! Soft distance constraints:");
+  for (int n = 1; n <= ph.Dis; ++n) {
+    const DistanceRestraint& d = ph.restraints.distances[n];
+    Put(lines,
+        FmtReadBack("(2(A4,1X),I3,5(1X,F10.5))", FixedText(d.Atom1, 4), FixedText(d.Atom2, 4),
+                    d.ITnum, d.T[1], d.T[2], d.T[3], d.Dist, d.Sigma));
+  }
+  if (ph.Mom != 0) Head(job, lines, "! Soft moment constraints:");
+  for (int n = 1; n <= ph.Mom; ++n) {
+    const MomentRestraint& m = ph.restraints.moments[n];
+    Put(lines, FmtReadBack("(A2,F8.3,F8.5)", FixedText(m.MomentAtom, 2), m.Moment, m.MomentSigma));
+  }
+}
+
 void AppendPhase(const Job& job, int k, ControlLines& lines) {
   AppendPhaseHead(job, k, lines);
   AppendAtomLines(job, k, lines);
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
     if (job.phases[k].pat[ip].Contribution != 0) AppendProfileLines(job, k, ip, lines);
   }
+  AppendRestraintLines(job, k, lines);
 }
 
 // Hard limits, in the order of the parameter numbers.

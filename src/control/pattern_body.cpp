@@ -10,25 +10,13 @@
 #include "control/global_parameters.h"
 #include "control/phase_block.h"
 #include "control/profile_lines.h"
+#include "control/restraint_lines.h"
 #include "format/fortran_format.h"
 #include "io/field_range.h"
 #include "io/field_reader.h"
 #include "surface/console.h"
 
 namespace corvinet {
-
-namespace {
-
-// Ends the reading at a piece of the file this version does not read.
-bool StopReadingAt(Job& job, const std::string& what) {
-  const std::string end = " => The control file has been read up to " + what +
-                          ": this version of Corvinet reads no further";
-  ConsoleLine(job, end);
-  WriteReports(job, end);
-  return false;
-}
-
-}  // namespace
 
 bool AnyCalculatedPattern(const Job& job) {
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
@@ -53,9 +41,7 @@ bool ReadPhaseBlock(Job& job, int k) {
   ReadProfile(job, k);
   DecodeAtomCodes(job, k);
   DecodeProfileCodes(job, k);
-  if (ph.Dis != 0 || ph.Mom != 0) {
-    return StopReadingAt(job, Fmt("(A,I2)", "the restraints of phase", k));
-  }
+  if (ph.Dis != 0 || ph.Mom != 0) ReadRestraints(job, k);
   return true;
 }
 

@@ -12,9 +12,9 @@ bool AnyCalculatedPattern(const Job& job);
 // The number of refined parameters (MAXS); 0 when some pattern is calculated.
 void ReadRefinedCount(Job& job);
 
-// The block of phase k: phase lines, atoms (structure phases), profile lines
-// and the decoding of their codes. False when the block asks for restraints,
-// which end the reading of the file.
+// The block of phase k: phase lines, atoms (structure phases), profile lines,
+// the decoding of their codes and the restraint lines. Always true: a block
+// that cannot be read stops the run.
 bool ReadPhaseBlock(Job& job, int k);
 
 // After the phase blocks: the decoding of the global codes, the hard limits

@@ -9,6 +9,7 @@
 #include "crystal/phase_symmetry.h"
 #include "format/fortran_format.h"
 #include "format/text.h"
+#include "io/field_range.h"
 #include "io/field_reader.h"
 #include "surface/console.h"
 
@@ -40,19 +41,28 @@ void ReadMoreFlags(Job& job, Phase& ph, bool withPatternFields) {
   }
 }
 
+// Dis and Mom (fields 2 and 3 of the flags line) within the tables of restraints.
+void CheckRestraintCounts(Job& job, const FieldLine& line, const Phase& ph) {
+  CheckIntegerField(job, line, 2, "Dis", ph.Dis, 0, DimensionLimits::NCONST);
+  CheckIntegerField(job, line, 3, "Mom", ph.Mom, 0, DimensionLimits::NCONST);
+}
+
 void ReadSinglePatternFlags(Job& job, Phase& ph) {
   PhasePattern& c = ph.pat[1];
-  ReadMaskedLine(job, Unit::Control, "iiifffiiiiifiii", job.LINE,
-                 {&ph.Nat, &ph.Dis, &ph.Mom, &c.PREF[1], &c.PREF[2], &c.PREF[3], &ph.Jbt, &c.Irf,
-                  &ph.Isy, &ph.Str, &ph.Furth, &ph.ATZ, &ph.Nvk, &c.Npr, &ph.More});
+  const FieldLine line =
+      ReadFieldLine(job, Unit::Control, "iiifffiiiiifiii", job.LINE,
+                    {&ph.Nat, &ph.Dis, &ph.Mom, &c.PREF[1], &c.PREF[2], &c.PREF[3], &ph.Jbt, &c.Irf,
+                     &ph.Isy, &ph.Str, &ph.Furth, &ph.ATZ, &ph.Nvk, &c.Npr, &ph.More});
+  CheckRestraintCounts(job, line, ph);
   if (ph.More != 0) ReadMoreFlags(job, ph, true);
   c.Contribution = 1;
 }
 
 void ReadMultiPatternFlags(Job& job, Phase& ph) {
-  ReadMaskedLine(job, Unit::Control, "iiiiiiifii", job.LINE,
-                 {&ph.Nat, &ph.Dis, &ph.Mom, &ph.Jbt, &ph.Isy, &ph.Str, &ph.Furth, &ph.ATZ, &ph.Nvk,
-                  &ph.More});
+  const FieldLine line = ReadFieldLine(job, Unit::Control, "iiiiiiifii", job.LINE,
+                                       {&ph.Nat, &ph.Dis, &ph.Mom, &ph.Jbt, &ph.Isy, &ph.Str,
+                                        &ph.Furth, &ph.ATZ, &ph.Nvk, &ph.More});
+  CheckRestraintCounts(job, line, ph);
   if (ph.More != 0) ReadMoreFlags(job, ph, false);
   std::vector<ReadTarget> contributions;
   for (int ip = 1; ip <= job.run.NPATT; ++ip) contributions.emplace_back(&ph.pat[ip].Contribution);

@@ -9,6 +9,7 @@
 #include "records/codeword.h"
 #include "records/dimension_limits.h"
 #include "records/profile_code.h"
+#include "records/restraints.h"
 #include "records/space_group.h"
 #include "records/table1.h"
 
@@ -96,6 +97,7 @@ struct Phase {
   float strainAxisLength2 = 0.0f;  // quadratic form of StrainAxis with the metric
   Table1<PropagationVector, DimensionLimits::NEQV> vectors;  // vectors 1..Nvk
   Table1<std::string, DimensionLimits::MPAR> FurtherName;    // names of the further parameters
+  PhaseRestraints restraints;  // distance and moment restraints (Dis, Mom lines)
 };
 
 // A phase whose intensities come from a structure: not a profile-matching
