@@ -22,6 +22,7 @@
 #include "refine/point_calculation.h"
 #include "refine/reflection_calculation.h"
 #include "refine/reliability.h"
+#include "refine/slack_constraints.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -215,6 +216,7 @@ void RunCycles(Job& job, CycleWork& work) {
     if (HasIntensityObservations(job)) {
       s.GlobalChi2 = AccumulateIntensityObservations(job, work.structure, s.GlobalChi2);
     }
+    if (HasRestraints(job)) SlackConstraints(job, s.GlobalChi2);
     StoreEquations(s.normal, fitted);
     if (job.run.MAT == 2) WriteDiagonal(job, cycle, fitted);
     StopOnSingularMatrix(job, fitted);

@@ -14,6 +14,7 @@
 #include "refine/parameter_report.h"
 #include "refine/peak_update.h"
 #include "refine/reliability.h"
+#include "refine/restraint_report.h"
 #include "refine/update_pass.h"
 #include "surface/console.h"
 
@@ -39,7 +40,9 @@ void UpdatePhase(Job& job, int phase, const UpdatePass& pass) {
   const Phase& ph = job.phases[phase];
   WritePassLine(job, pass, PhaseHeading(phase, ph.PhaseTitle));
   UpdateAtoms(job, phase, pass);
+  ReportDistanceRestraints(job, phase, pass);
   if (IsMagneticPhase(ph)) UpdateMagneticMoments(job, phase, pass);
+  ReportMomentRestraints(job, phase, pass);
   UpdatePropagationVectors(job, phase, pass);
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
     if (ph.pat[ip].Contribution != 0) UpdatePeakParameters(job, phase, ip, pass);
