@@ -43,6 +43,13 @@ using control_writer::Put;
 
 namespace {
 
+// A sigma in its fixed field while that keeps three digits and a blank before it (0.001 to
+// below 10); otherwise in exponent form behind a blank, so that the line reads back the same.
+std::string SigmaText(float sigma, const char* fixed) {
+  if (sigma >= 0.001f && sigma < 10.0f) return FmtReadBack(fixed, sigma);
+  return FmtReadBack("(1X,E10.3)", sigma);
+}
+
 // The distance and moment restraints of phase k, as the reader reads them.
 void AppendRestraintLines(const Job& job, int k, ControlLines& lines) {
   const Phase& ph = job.phases[k];
@@ -50,13 +57,14 @@ void AppendRestraintLines(const Job& job, int k, ControlLines& lines) {
   for (int n = 1; n <= ph.Dis; ++n) {
     const DistanceRestraint& d = ph.restraints.distances[n];
     Put(lines,
-        FmtReadBack("(2(A4,1X),I3,5(1X,F10.5))", FixedText(d.Atom1, 4), FixedText(d.Atom2, 4),
-                    d.ITnum, d.T[1], d.T[2], d.T[3], d.Dist, d.Sigma));
+        FmtReadBack("(2(A4,1X),I3,4(1X,F10.5),1X,A)", FixedText(d.Atom1, 4), FixedText(d.Atom2, 4),
+                    d.ITnum, d.T[1], d.T[2], d.T[3], d.Dist, SigmaText(d.Sigma, "(F10.5)")));
   }
   if (ph.Mom != 0) Head(job, lines, "! Soft moment constraints:");
   for (int n = 1; n <= ph.Mom; ++n) {
     const MomentRestraint& m = ph.restraints.moments[n];
-    Put(lines, FmtReadBack("(A2,F8.3,F8.5)", FixedText(m.MomentAtom, 2), m.Moment, m.MomentSigma));
+    Put(lines, FmtReadBack("(A2,F8.3,A)", FixedText(m.MomentAtom, 2), m.Moment,
+                           SigmaText(m.MomentSigma, "(F8.5)")));
   }
 }
 

@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <string>
+#include <vector>
+
 #include "control/control_writer.h"
 #include "control/phase_block.h"
 #include "test_support.h"
@@ -151,6 +155,47 @@ TEST(RestraintLines, WrittenLinesReadBackToTheSameRestraints) {
   EXPECT_EQ(b.moments[1].MomentAtom, "Fe");
   EXPECT_FLOAT_EQ(b.moments[1].Moment, 4.5f);
   EXPECT_FLOAT_EQ(b.moments[1].MomentSigma, 0.1f);
+}
+
+}  // namespace
+}  // namespace corvinet
+
+namespace corvinet {
+namespace {
+
+// The restraint lines of the new control file of a job with one distance and one moment.
+std::vector<std::string> WrittenRestraintLines(float distanceSigma, float momentSigma) {
+  auto job = std::make_unique<Job>();
+  job->run.NPATT = 1;
+  job->run.NPHASE = 1;
+  Phase& ph = job->phases[1];
+  ph.Dis = 1;
+  ph.Mom = 1;
+  ph.restraints.distances[1] = {"S", "O1", 1, {}, 1.47f, distanceSigma, 0.0f};
+  ph.restraints.moments[1] = {"Mn", 3.0f, momentSigma};
+  std::vector<std::string> found;
+  for (const std::string& line : ControlFileLines(*job, {})) {
+    if (line.rfind("S    O1", 0) == 0 || line.rfind("Mn", 0) == 0) found.push_back(line);
+  }
+  return found;
+}
+
+TEST(RestraintLines, SigmasOutsideTheirFixedFieldsAreWrittenInExponentFormAndReadBack) {
+  const std::vector<std::string> lines = WrittenRestraintLines(2.0e-6f, 1000.0f);
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[0], "S    O1     1    0.00000    0.00000    0.00000    1.47000   0.200E-05");
+  EXPECT_EQ(lines[1], "Mn   3.000  0.100E+04");
+  RestraintJob again(lines[0] + "\n" + lines[1] + "\n", 1, 1);
+  ASSERT_TRUE(again.Read());
+  EXPECT_FLOAT_EQ(again.job->phases[1].restraints.distances[1].Sigma, 2.0e-6f);
+  EXPECT_FLOAT_EQ(again.job->phases[1].restraints.moments[1].MomentSigma, 1000.0f);
+}
+
+TEST(RestraintLines, SigmasWithinTheirFieldsKeepTheFixedLayout) {
+  const std::vector<std::string> lines = WrittenRestraintLines(0.01f, 9.5f);
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[0], "S    O1     1    0.00000    0.00000    0.00000    1.47000    0.01000");
+  EXPECT_EQ(lines[1], "Mn   3.000 9.50000");
 }
 
 }  // namespace

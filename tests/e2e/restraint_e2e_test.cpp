@@ -151,6 +151,7 @@ TEST(RestraintEndToEnd, TheNewControlFileKeepsTheRestraintsAndTheNextRunReadsThe
   ScratchDir dir;
   RunPbso4(dir, "held", RestrainedPbso4("0.01"));
   // NXT is 1: the control file itself is rewritten.
+  EXPECT_EQ(dir.Read("held.out").find("does not read back"), std::string::npos);
   const std::string again = dir.Read("held.pcr");
   EXPECT_TRUE(testing::HasLine(again, "! Soft distance constraints:"));
   EXPECT_TRUE(testing::HasLine(
@@ -209,6 +210,9 @@ TEST(RestraintEndToEnd, LaMnO3MomentRestraintPullsTheMomentOfMnTowardsItsWantedV
   EXPECT_TRUE(testing::HasLine(out, " => Constraints on magnetic moments for phase 1"));
   EXPECT_TRUE(testing::HasLine(out, " => Slack Constraints(mag):"));
   EXPECT_TRUE(testing::HasLine(dir.Read("held.pcr"), "Mn   3.000 0.05000"));
+  // A sigma too wide for its field goes back in exponent form and the file is replaced.
+  EXPECT_TRUE(testing::HasLine(dir.Read("wide.pcr"), "Mn   3.000  0.100E+04"));
+  EXPECT_EQ(dir.Read("wide.out").find("does not read back"), std::string::npos);
 }
 
 }  // namespace
