@@ -16,6 +16,7 @@ namespace {
 
 constexpr double kDegree = 0.017453292519943295;
 constexpr int kMomentSlot = 6;
+constexpr double kSmallestDistance = 1.0e-6;  // angstroms
 
 // One coordinate slot that depends on a refined parameter: its number and d(value)/d(parameter).
 struct SlotTerm {
@@ -69,6 +70,13 @@ void ApplyDistance(Job& job, int k, int c, float chi2, RestraintSums& sums) {
   sums.SumWD2 += static_cast<float>(r * r / (sigma * sigma));
   ++sums.count;
   d.Dcalc = static_cast<float>(g.D);
+  // Two atoms on one place give no direction to move them apart: the
+  // restraint counts in the sums and adds no row.
+  if (g.D < kSmallestDistance) {
+    ConsoleLine(job,
+                Fmt("(A,I3,A)", " => Warning constraint:", c, " has a zero distance: no rows"));
+    return;
+  }
   std::array<SlotTerm, 6> terms;
   for (int i = 0; i < 3; ++i) {
     terms[i] = {A.ATC[i + 1].parameterNumber, A.ATC[i + 1].multiplier * g.gradA[i] / g.D};

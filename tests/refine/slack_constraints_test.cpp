@@ -192,6 +192,23 @@ TEST(SlackConstraints, AConstraintBetweenFixedAtomsChangesNoEquationButCountsInT
   EXPECT_NEAR(sums.SumWD2, r * r / (0.05 * 0.05), 1.0e-3 * r * r / (0.05 * 0.05));
 }
 
+TEST(SlackConstraints, AZeroDistanceCountsInTheSumsAndAddsNoRow) {
+  RestraintCase c;
+  DistanceRestraint& d = c->phases[1].restraints.distances[1];
+  d.Atom2 = "A";
+  d.ITnum = 1;
+  d.T = Translation(0.0f, 0.0f, 0.0f);
+  c.Refine(1, 1, 1, 1.0f);
+  SlackConstraints(*c, 1.0f);
+  const RestraintSums& sums = c->phases[1].restraints.distanceSums;
+  EXPECT_EQ(sums.count, 1);
+  EXPECT_NEAR(sums.SumD2, 3.0f, 1.0e-6f);
+  EXPECT_EQ(c->refinement.normal.SumA(1, 1), 0.0);
+  EXPECT_EQ(c->refinement.normal.SumB[1], 0.0);
+  EXPECT_NE(c.job.Console().find(" => Warning constraint:  1 has a zero distance: no rows"),
+            std::string::npos);
+}
+
 TEST(SlackConstraints, TheWeightGrowsWithChi2) {
   RestraintCase poor;
   RestraintCase good;
