@@ -33,4 +33,13 @@ std::string LeftJustified(std::string_view text) {
   return n == std::string_view::npos ? std::string() : std::string(text.substr(n));
 }
 
+std::string PrintableText(std::string_view text) {
+  std::string printable(text);
+  for (char& c : printable) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x20 || byte > 0x7e) c = ' ';
+  }
+  return std::string(TrimRight(printable));
+}
+
 }  // namespace corvinet

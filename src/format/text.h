@@ -19,4 +19,8 @@ std::string CutText(std::string_view text, std::size_t n);
 // Left-justifies: removes leading blanks and tabs.
 std::string LeftJustified(std::string_view text);
 
+// The text with every byte that is not a printable character replaced by a
+// blank, trailing blanks removed: headings of data files are echoed this way.
+std::string PrintableText(std::string_view text);
+
 }  // namespace corvinet

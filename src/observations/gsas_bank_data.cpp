@@ -49,7 +49,7 @@ GsasBank FindChosenBank(DataFile& file, int wanted) {
       bank.binWidthMultiplied = true;
     }
     if (echoed < kHeadingEcho && file.lineNumber <= kHeadingEcho) {
-      ReportData(file, " " + CutText(line, 80));
+      ReportData(file, " " + PrintableText(CutText(line, 80)));
       ++echoed;
     }
   }

@@ -32,7 +32,7 @@ std::string FindBankLine(DataFile& file) {
     if (!ReadDataRecord(file, line, kGsasRecordLength)) break;
     if (line.starts_with("BANK")) return line;
     if (k > kHeadingLines) break;
-    ReportData(file, " " + CutText(line, kGsasRecordLength));
+    ReportData(file, " " + PrintableText(CutText(line, kGsasRecordLength)));
   }
   StopData(file.job, " => Error in the input GSAS-file: BANK not found!");
 }

@@ -45,6 +45,22 @@ TEST(GsasData, StandardBankReadsCounterPairsFromCentidegrees) {
   EXPECT_TRUE(HasLine(report, " -> DATTYP          : STD"));
 }
 
+TEST(GsasData, HeadingBytesThatAreNotCharactersAreEchoedAsBlanks) {
+  using namespace std::string_literals;
+  // Some instrument files carry binary bytes after the title in the heading
+  // line; the report must stay a text file.
+  DataFileCase c(12, "LaMnO3 50K    e\x82X\x00\xf0\xf3 \x9b\r\n"s +
+                         "BANK 1 2 1 CONST 2000 10 0 0 STD\n"
+                         " 1   300 1   200\n");
+  c.Read();
+  const std::string report = c.Report();
+  EXPECT_TRUE(HasLine(report, " LaMnO3 50K    e X"));
+  for (char ch : report) {
+    const auto byte = static_cast<unsigned char>(ch);
+    EXPECT_TRUE(ch == '\n' || (byte >= 0x20 && byte <= 0x7e)) << static_cast<int>(byte);
+  }
+}
+
 TEST(GsasData, StandardCountsAreMeansOverTheirCounters) {
   // NCTR then the mean count of those counters: the count is kept, its
   // variance is count/NCTR, and NCTR is the counter normalisation.
