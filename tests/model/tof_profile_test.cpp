@@ -99,6 +99,21 @@ TEST(TofFunctions, ExpE1KeepsItsDigitsInTheLeftHalfPlaneAtLargeModulus) {
   }
 }
 
+TEST(TofProfile, BroadPeakIsSmoothAcrossItsCentre) {
+  // A reflection at d = 4.16 A of a high-resolution bank: H = 650 us, so that p and q reach
+  // |z| = 39 and 42 on the imaginary axis at the centre. The second differences over 0.05 us
+  // are those of a curve of width 650 us, below 1e-6 of its height.
+  const double H = 650.0;
+  const TofPeakShape s{0.12, 0.13, H * H / (8.0 * std::log(2.0)), H, 0.5};
+  const double h = 0.05;
+  for (double delta = -3.0; delta <= 3.0; delta += h) {
+    const double before = TofProfile(s, delta - h, false).omega;
+    const double at = TofProfile(s, delta, false).omega;
+    const double after = TofProfile(s, delta + h, false).omega;
+    EXPECT_LT(std::fabs(after - 2.0 * at + before), 1e-6 * at) << delta;
+  }
+}
+
 TEST(TofFunctions, ExpE1OnTheNegativeAxisIsTheUpperSideOfTheCut) {
   // Both the series (|z| < 20) and the continued fraction (|z| >= 20) give Im = -pi exp(z).
   for (double x : {-3.0, -19.0, -21.0, -40.0}) {
