@@ -49,6 +49,8 @@ TofWidths TofPeakWidths(const Table1<float, DimensionLimits::MPAR>& PAR, double 
   w.dHdGamma = slopes.dHdL;
   w.dEtadSigma2 = slopes.dEtadG * dHGdSigma2;
   w.dEtadGamma = slopes.dEtadL;
+  // The widths stand without the exponentials; the peak does not.
+  if (!(w.alpha > 0.0) || !(w.beta > 0.0)) w.status = TofWidthStatus::kNonPositiveDecay;
   return w;
 }
 

@@ -10,8 +10,9 @@ namespace corvinet {
 // Why the widths of a time-of-flight reflection could not be made.
 enum class TofWidthStatus {
   kValid,
-  kNegativeSigma2,  // sigma^2 at or below 0
-  kNegativeGamma,   // gamma below 0
+  kNegativeSigma2,    // sigma^2 at or below 0
+  kNegativeGamma,     // gamma below 0
+  kNonPositiveDecay,  // alpha or beta at or below 0: the peak has no finite area
 };
 
 // The widths at d-spacing d, with the slopes of eta that the refinement needs.

@@ -88,6 +88,8 @@ std::string_view RejectionWords(ShiftRejection rejection) {
       return "eta outside 0..1";
     case ShiftRejection::kNegativeOccupancy:
       return "occupancy < 0";
+    case ShiftRejection::kNonPositiveDecay:
+      return "alpha, beta <= 0";
     case ShiftRejection::kNone:
       break;
   }
@@ -154,6 +156,8 @@ ShiftRejection InvalidShiftedParameters(const Job& job) {
         return ShiftRejection::kNegativeWidth;
       case PeakValidity::kMixingOutside:
         return ShiftRejection::kMixingOutside;
+      case PeakValidity::kNonPositiveDecay:
+        return ShiftRejection::kNonPositiveDecay;
       case PeakValidity::kValid:
         break;
     }

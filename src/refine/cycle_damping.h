@@ -18,6 +18,7 @@ enum class ShiftRejection {
   kNegativeWidth,      // a square of a width at or below 0 at a reflection of a pattern
   kMixingOutside,      // a mixing parameter eta outside 0..1 at a reflection of a pattern
   kNegativeOccupancy,  // a refined occupancy below 0
+  kNonPositiveDecay,   // a time-of-flight alpha or beta at or below 0 at a reflection
 };
 
 // The words of a rejection in the retry line: "chi2 up", "FWHM^2 < 0", ...
@@ -73,8 +74,9 @@ class CycleDamping {
 };
 
 // The first reason the parameters as they stand now give to reject the
-// shifts just applied: a negative square of a width or a mixing outside 0..1
-// at a reflection of a pattern, or a refined occupancy below 0.
+// shifts just applied: a negative square of a width, a mixing outside 0..1 or
+// a time-of-flight alpha or beta at or below 0 at a reflection of a pattern,
+// or a refined occupancy below 0.
 ShiftRejection InvalidShiftedParameters(const Job& job);
 
 }  // namespace corvinet

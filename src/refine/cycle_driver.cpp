@@ -138,7 +138,7 @@ void SolveDamped(Job& job, int fitted, double lambda) {
 
 // Solves the equations of the cycle, applies and reports the shifts; shifts
 // that leave a peak or an occupancy invalid are solved again, damped, from
-// the same pass (not in the last cycle, which only reports).
+// the same pass, in the last cycle too, whose values the new control file keeps.
 void SolveAndReport(Job& job, CycleWork& work, CycleDamping& damping, int cycle,
                     const BraggProfile& profile) {
   RefinementState& s = job.refinement;
@@ -150,7 +150,7 @@ void SolveAndReport(Job& job, CycleWork& work, CycleDamping& damping, int cycle,
     }
     DampOscillations(job, fitted);
     ReportCycle(job, cycle, profile);
-    if (fitted == 0 || cycle >= job.run.NCY || !damping.CanRetry()) return;
+    if (fitted == 0 || !damping.CanRetry()) return;
     const ShiftRejection rejection = InvalidShiftedParameters(job);
     if (rejection == ShiftRejection::kNone) return;
     damping.Retry(job, work, rejection);

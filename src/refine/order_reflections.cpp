@@ -60,8 +60,10 @@ PeakInterval PeakIntervalOf(const Job& job, int ip, int k) {
     if (p.IXUNIT == AbscissaUnit::kTimeOfFlight) {
       using namespace ProfileSlot;
       const float alpha0 = par[Asy1], beta0 = par[Asy2], alpha1 = par[Asy3], beta1 = par[Asy4];
-      left = (H + kLog4 / (alpha1 / d + alpha0)) * p.Wdt;
-      right = (H + kLog4 / (beta1 / (d * d * d * d) + beta0)) * p.Wdt;
+      // An exponential without a rate is stopped on when the peak is calculated.
+      const float alpha = alpha1 / d + alpha0, beta = beta1 / (d * d * d * d) + beta0;
+      left = (H + (alpha > 0.0f ? kLog4 / alpha : 0.0f)) * p.Wdt;
+      right = (H + (beta > 0.0f ? kLog4 / beta : 0.0f)) * p.Wdt;
     }
   }
   return {r.position + shift + p.GLB[1], left, right};

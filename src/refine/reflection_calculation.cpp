@@ -475,6 +475,18 @@ PeakValidity CheckReflection(const Job& job, int ip, const Reflection& r) {
 
 PeakValidity CheckPeakShapes(const Job& job, int ip) {
   const Pattern& p = job.patterns[ip];
+  if (p.IXUNIT == AbscissaUnit::kTimeOfFlight) {
+    switch (TofPeakStatus(job, ip)) {
+      case TofWidthStatus::kNegativeSigma2:
+      case TofWidthStatus::kNegativeGamma:
+        return PeakValidity::kNegativeWidth;
+      case TofWidthStatus::kNonPositiveDecay:
+        return PeakValidity::kNonPositiveDecay;
+      case TofWidthStatus::kValid:
+        break;
+    }
+    return PeakValidity::kValid;
+  }
   if (p.IXUNIT != AbscissaUnit::kTwoTheta && p.IXUNIT != AbscissaUnit::kEnergy) {
     return PeakValidity::kValid;
   }

@@ -21,12 +21,13 @@ void FillReflectionWidths(Job& job, int ip);
 // What the parameters as they stand make of the peaks of a pattern.
 enum class PeakValidity {
   kValid,
-  kNegativeWidth,  // a square of a width at or below 0
-  kMixingOutside,  // a mixing parameter eta outside 0..1
+  kNegativeWidth,     // a square of a width at or below 0
+  kMixingOutside,     // a mixing parameter eta outside 0..1
+  kNonPositiveDecay,  // a time-of-flight alpha or beta at or below 0
 };
 
-// The first fault of the peaks of the reflections of pattern ip (constant
-// wavelength or energy), found without stopping and without changing them.
+// The first fault of the peaks of the reflections of pattern ip, found
+// without stopping and without changing them.
 PeakValidity CheckPeakShapes(const Job& job, int ip);
 
 }  // namespace corvinet

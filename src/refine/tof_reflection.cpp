@@ -43,6 +43,14 @@ bool PlaceOnTimeAxis(const Pattern& p, const PhasePattern& c, const std::array<d
 [[noreturn]] void StopOnTofWidth(Job& job, const TofWidths& w, const PhasePattern& c, float T,
                                  int phase) {
   using namespace ProfileSlot;
+  if (w.status == TofWidthStatus::kNonPositiveDecay) {
+    WriteLine(job, Unit::Out,
+              Fmt("(A,F12.3,A,I3)", " => Alpha or beta <=0 at TOF:", T, "  Phase:", phase));
+    ConsoleLine(job, Fmt("(A,F12.3)", " Alpha or beta <=0 at TOF:", T));
+    ConsoleLine(job, Fmt("(A,4F12.5)", " alph0, alph1, beta0, beta1: ", c.PAR[Asy1], c.PAR[Asy3],
+                         c.PAR[Asy2], c.PAR[Asy4]));
+    StopBox(job, " Exponential rise or decay <=0 ");
+  }
   if (w.status == TofWidthStatus::kNegativeSigma2) {
     WriteLine(job, Unit::Out,
               Fmt("(A,F12.3,A,I3)", " => Square of G-FWHM <0 at TOF:", T, "  Phase:", phase));
@@ -59,9 +67,15 @@ bool PlaceOnTimeAxis(const Pattern& p, const PhasePattern& c, const std::array<d
   StopBox(job, " Lorentzian-FWHM <0 ");
 }
 
-TofWidths WidthsOrStop(Job& job, const PhasePattern& c, const TofPlace& t, int phase) {
+// The widths, or the stop of the first fault; the exponentials are checked
+// only when the peak itself is wanted.
+TofWidths WidthsOrStop(Job& job, const PhasePattern& c, const TofPlace& t, int phase,
+                       bool withExponentials) {
   const TofWidths w = TofPeakWidths(c.PAR, t.d);
-  if (w.status != TofWidthStatus::kValid) StopOnTofWidth(job, w, c, static_cast<float>(t.T), phase);
+  const bool fault = withExponentials ? w.status != TofWidthStatus::kValid
+                                      : w.status == TofWidthStatus::kNegativeSigma2 ||
+                                            w.status == TofWidthStatus::kNegativeGamma;
+  if (fault) StopOnTofWidth(job, w, c, static_cast<float>(t.T), phase);
   return w;
 }
 
@@ -143,6 +157,21 @@ void FillTofRow(Job& job, CycleWork& work, const PhasePattern& c, const Pattern&
 
 }  // namespace
 
+TofWidthStatus TofPeakStatus(const Job& job, int ip) {
+  const Pattern& p = job.patterns[ip];
+  for (int k = 1; k <= p.reflections.total; ++k) {
+    const Reflection& r = p.reflections.slot[k];
+    const int phase = KeyPhase(r.key);
+    const PhasePattern& c = job.phases[phase].pat[ip];
+    if (c.Contribution == 0) continue;
+    TofPlace t;
+    if (!PlaceOnTimeAxis(p, c, WorkingVector(job.phases[phase], r), t)) continue;
+    const TofWidthStatus status = TofPeakWidths(c.PAR, t.d).status;
+    if (status != TofWidthStatus::kValid) return status;
+  }
+  return TofWidthStatus::kValid;
+}
+
 void FillTofReflectionWidths(Job& job, int ip) {
   Pattern& p = job.patterns[ip];
   for (int k = 1; k <= p.reflections.total; ++k) {
@@ -152,7 +181,7 @@ void FillTofReflectionWidths(Job& job, int ip) {
     if (c.Contribution == 0) continue;
     TofPlace t;
     if (!PlaceOnTimeAxis(p, c, WorkingVector(job.phases[phase], r), t)) continue;
-    const TofWidths w = WidthsOrStop(job, c, t, phase);
+    const TofWidths w = WidthsOrStop(job, c, t, phase, false);
     r.Fwhm = static_cast<float>(w.H);
     r.FwhmRight = r.Fwhm;
     r.eta = static_cast<float>(w.eta);
@@ -177,7 +206,7 @@ void ComputeReflectionProfileTof(Job& job, CycleWork& work, int ip, int k) {
   const std::array<double, 3> h = WorkingVector(ph, r);
   TofPlace t;
   if (!PlaceOnTimeAxis(p, c, h, t)) return;
-  const TofWidths w = WidthsOrStop(job, c, t, phase);
+  const TofWidths w = WidthsOrStop(job, c, t, phase, true);
   r.position = static_cast<float>(p.Dtt1 * t.d);
   r.Fwhm = static_cast<float>(w.H);
   r.FwhmRight = r.Fwhm;

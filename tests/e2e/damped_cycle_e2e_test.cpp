@@ -90,6 +90,27 @@ TEST(DampedCycleEndToEnd, FarStartThatMakesAWidthInvalidIsRetriedAndReachesTheSi
   EXPECT_TRUE(std::regex_search(dir.Read("rutile_far.sum"), oxygen));
 }
 
+TEST(DampedCycleEndToEnd, LastCycleWhoseShiftsMakeAWidthInvalidIsSolvedAgain) {
+  ScratchDir dir;
+  dir.Write("rutile_truth.pcr", TestData("damping/rutile_truth.pcr"));
+  dir.Write("rutile_truth.dat", "");
+  ASSERT_EQ(RunBinary(dir.path, "rutile_truth").exitCode, 0);
+  dir.Write("rutile_far.dat", dir.Read("rutile_truth.sim"));
+  // Two cycles: the undamped shifts of the second, the last, give a negative square of the
+  // FWHM; the new control file would keep them.
+  std::string pcr = TestData("damping/rutile_far.pcr");
+  const std::string forty = "\n 40  0.01";
+  const std::size_t at = pcr.find(forty);
+  ASSERT_NE(at, std::string::npos);
+  pcr.replace(at, forty.size(), "\n  2  0.01");
+  dir.Write("rutile_far.pcr", pcr);
+  const auto run = RunBinary(dir.path, "rutile_far");
+  ASSERT_EQ(run.exitCode, 0) << run.output;
+  const std::regex retry(
+      R"( => Cycle   2: shifts rejected \(FWHM\^2 < 0\), retry 1 with lambda = 1\.0E-03)");
+  EXPECT_TRUE(std::regex_search(run.output, retry)) << run.output;
+}
+
 TEST(DampedCycleEndToEnd, ConvergingRefinementPrintsNoRetryLine) {
   ScratchDir dir;
   dir.Write("cycle3.pcr", TestData("cycle/cycle3.pcr"));

@@ -1,5 +1,5 @@
-// Rietveld refinements of public neutron patterns, PbSO4 and the magnetic LaMnO3 (skipped when
-// the shared data folder is absent).
+// Rietveld refinements of public neutron patterns, PbSO4, the magnetic LaMnO3 and LaB6 in time of
+// flight (skipped when the shared data folder is absent).
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -106,6 +106,44 @@ TEST(RealData, LaMnO3MomentOnMnRefinesFromTheNuclearStructure) {
   // The ordered moment of Mn3+ at low temperature: between 3.4 and 3.9.
   EXPECT_GT(moment[0], 3.4f);
   EXPECT_LT(moment[0], 3.9f);
+}
+
+// LaB6 on POWGEN, bank 2 (examples/lab6-powgen-tof): profile matching from the
+// values of the instrument file, then the Rietveld refinement from its result.
+// The second step settles: it converges without a damped retry.
+TEST(RealData, LaB6TimeOfFlightProfileMatchingThenRietveld) {
+  const std::filesystem::path data = std::filesystem::path(CORVINET_SHARED_DIR) / "data" /
+                                     "lab6-660b-powgen-tof" / "PG3_17541.gsa";
+  if (!std::filesystem::exists(data)) GTEST_SKIP() << "shared data folder absent";
+  ScratchDir dir;
+  std::filesystem::copy_file(data, dir.path / "PG3_17541.gsa");
+  const std::string example = "../../examples/lab6-powgen-tof/";
+  dir.Write("lab6.pcr", testing::TestData(example + "lab6_match.pcr"));
+  ASSERT_EQ(testing::RunBinary(dir.path, "lab6 PG3_17541.gsa").exitCode, 0);
+  // Rp, Rwp and chi2 over all points (the report of the last cycle only, Sho 1).
+  const std::string allPoints = " ==> RELIABILITY FACTORS WITH ALL NON-EXCLUDED POINTS";
+  const std::vector<double> match =
+      testing::NumbersIn(testing::LineAfter(dir.Read("lab6.out"), allPoints));
+  ASSERT_GE(match.size(), 3u);
+  EXPECT_LT(match[2], 4.5);  // chi2 of the profile matching
+  dir.Write("lab6.pcr", testing::TestData(example + "lab6_rietveld.pcr"));
+  const auto run = testing::RunBinary(dir.path, "lab6 PG3_17541.gsa");
+  ASSERT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.output.find("shifts rejected"), std::string::npos) << run.output;
+  const std::string out = dir.Read("lab6.out");
+  ASSERT_NE(out.find(" =>  Convergence reached at this CYCLE !!!!"), std::string::npos);
+  const std::vector<double> r = testing::NumbersIn(testing::LineAfter(out, allPoints));
+  ASSERT_GE(r.size(), 3u);
+  EXPECT_LT(r[1], 5.0);  // Rwp
+  EXPECT_LT(r[2], 3.2);  // chi2
+  // DIFC of the calibration: 22 581.6 in the instrument file, 22 585.8 in the data's header.
+  const std::vector<float> dtt1 = LastNumbers(out, "                 Dtt1");
+  ASSERT_GE(dtt1.size(), 3u);
+  EXPECT_NEAR(dtt1[0], 22588.0f, 5.0f);
+  // x of B stays within 0.0005 of the value it starts from, 0.1998.
+  const std::vector<float> boron = LastNumbers(out, "    B ");
+  ASSERT_GE(boron.size(), 1u);
+  EXPECT_NEAR(boron[0], 0.1995f, 0.0005f);
 }
 
 }  // namespace

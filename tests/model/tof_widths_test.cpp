@@ -86,6 +86,22 @@ TEST(TofWidths, NegativeWidthsAreSaid) {
             TofWidthStatus::kNegativeGamma);
 }
 
+TEST(TofWidths, AlphaOrBetaAtOrBelowZeroIsSaid) {
+  // beta = beta0 + beta1/d^4 crosses 0 below d = (-beta1/beta0)^(1/4) = 1.0905 when beta1 < 0.
+  Table1<float, DimensionLimits::MPAR> par = Slots(200.0f, 10.0f, 0.0f, 10.0f);
+  par[Asy1] = 0.0f;
+  par[Asy3] = 0.5f;
+  par[Asy2] = 0.165f;
+  par[Asy4] = -0.2334f;
+  EXPECT_EQ(TofPeakWidths(par, 1.2).status, TofWidthStatus::kValid);
+  EXPECT_EQ(TofPeakWidths(par, 1.0).status, TofWidthStatus::kNonPositiveDecay);
+  par[Asy4] = 0.01f;
+  par[Asy3] = -0.5f;  // alpha = alph1/d < 0 everywhere
+  EXPECT_EQ(TofPeakWidths(par, 2.0).status, TofWidthStatus::kNonPositiveDecay);
+  par[Asy3] = 0.0f;  // alpha = 0: no rise at all
+  EXPECT_EQ(TofPeakWidths(par, 2.0).status, TofWidthStatus::kNonPositiveDecay);
+}
+
 TEST(TofFactors, AbsorptionOfEachModelAndItsSlopes) {
   for (int model : {1, 2, 3}) {
     const double lambda = 1.8, a1 = 0.3, a2 = 0.05, s = 1.4142;
