@@ -53,6 +53,7 @@ struct DriverState {
   double cpuStart = 0.0;                          // CPU clock at the start of the run, seconds
   double cpuEnd = 0.0;                            // CPU clock at the end of the run, seconds
   InterruptFlag interrupt;                        // the user asked to end the search
+  int pointThreads = 0;  // threads of the point loop (CORVINET_THREADS); 0: one per core
 };
 
 // Everything a run reads and computes; cleared by ResetDefaults before each run.

@@ -20,6 +20,7 @@
 #include "refine/parameter_families.h"
 #include "refine/parameter_update.h"
 #include "refine/point_calculation.h"
+#include "refine/point_pass.h"
 #include "refine/reflection_calculation.h"
 #include "refine/reliability.h"
 #include "refine/slack_constraints.h"
@@ -29,39 +30,15 @@ namespace corvinet {
 
 namespace {
 
-// Only with a background in closed form are points without reflections
-// calculated as well.
-bool PolynomialBackground(const Pattern& p) {
-  const BackgroundModel model = BackgroundModelOf(p);
-  return model == BackgroundModel::Polynomial || model == BackgroundModel::Debye ||
-         model == BackgroundModel::Polynomial12;
-}
-
-// Walks the points of pattern ip; each reflection is computed just before the
-// first point that needs it.
+// Prepares the background of pattern ip and walks its points.
 void CalculatePattern(Job& job, CycleWork& work, int ip) {
   Pattern& p = job.patterns[ip];
   RefinementState& s = job.refinement;
   s.braggPoints[ip] = 0;
   s.usedPoints[ip] = 0;
-  const bool polynomial = PolynomialBackground(p);
   if (RefilledEachCycle(p)) FillBackground(job, ip);
   ConsoleLineWithNumber(job, " Calculation for pattern:", ip, 0.0f, 1);
-  int next = 1;
-  for (int i = 1; i <= p.NPTS; ++i) {
-    const int code = p.OrderCode[i];
-    if (code == kExcludedPoint) continue;
-    ++s.usedPoints[ip];
-    const int first = FirstReflection(code);
-    const int last = LastReflection(code);
-    if (first == 0 || last == 0) {
-      if (polynomial) CalculatePoint(job, work, ip, i);
-      continue;
-    }
-    ++s.braggPoints[ip];
-    for (; next <= last; ++next) ComputeReflectionProfile(job, work, ip, next);
-    CalculatePoint(job, work, ip, i);
-  }
+  CalculatePatternPoints(job, work, ip);
 }
 
 void ClearEquations(Job& job) {
@@ -169,6 +146,7 @@ void CalculatePatterns(Job& job, CycleWork& work, int cycle) {
     }
   }
   ConsoleLine(job, " Calculation of Yi for all points + Normal Matrix & Vector...");
+  PreparePointPass(job, work);
   for (int ip = 1; ip <= job.run.NPATT; ++ip) CalculatePattern(job, work, ip);
 }
 

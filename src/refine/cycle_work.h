@@ -2,11 +2,16 @@
 // reflection in flight.
 #pragma once
 
+#include <cstdint>
+#include <vector>
+
+#include "model/asymmetry_factor.h"
 #include "model/axial_divergence.h"
 #include "model/magnetic_structure_factor.h"
 #include "model/peak_shape.h"
 #include "model/structure_factor.h"
 #include "model/tof_profile.h"
+#include "observations/background_terms.h"
 #include "records/dimension_limits.h"
 #include "records/table1.h"
 
@@ -18,7 +23,11 @@ struct RingEntry {
   float intensity = 0.0f;  // Scale LpM F2 Corr: the integrated intensity before Omega and asymmetry
   float tan2Theta = 0.0f;  // of the asymmetry; tan(theta) is the shape's
   int asymmetric = 0;      // the peak lies below the asymmetry limit
-  float dlnLpdT = 0.0f;    // slope of ln(LpM) with the position when the Bragg angle moves
+  AsymmetryParameters asy;  // Asy1..Asy4 of the phase in the pattern
+  // Parameters rowBegin+1..rowEnd hold every non-zero derivative of the row.
+  int rowBegin = 0;
+  int rowEnd = 0;
+  float dlnLpdT = 0.0f;        // slope of ln(LpM) with the position when the Bragg angle moves
   float invGaussWidth = 0.0f;  // 1/HG of the TCH profile, 1/H of the others
   int phase = 0;
   AxialReach axialReach;  // how far the axial-divergence tail widens the base (Npr 12)
@@ -43,6 +52,13 @@ struct RingEntry {
   float tofRight = 0.0f;
 };
 
+// Parameters begin+1..end (numbers from 1) that share one family.
+struct FamilyRun {
+  int begin = 0;
+  int end = 0;
+  std::uint8_t family = 0;
+};
+
 // Held for the length of one run of the cycles; the ring slot of reflection
 // k is (k mod NOV) + 1, as for the derivative rows.
 struct CycleWork {
@@ -54,6 +70,20 @@ struct CycleWork {
   StructureFactorScratch structure;
   MagneticScratch magnetic;
   Table1<float, DimensionLimits::MSZ> dF2;
+  // The point loop: threads (0: CORVINET_THREADS, else one per core), the
+  // parameters by family, and the end of the written part of each row of the
+  // 32-bit block of the normal matrix.
+  int threads = 0;
+  std::vector<FamilyRun> familyRuns;
+  std::vector<int> touched;
+  // Rows of the points of one chunk: derivatives, weights, residuals, the end
+  // of the non-zero part of each row, and the rows of each thread.
+  std::vector<float> rows;
+  std::vector<float> weight;
+  std::vector<float> residual;
+  std::vector<int> rowEnd;
+  std::vector<int> points;
+  std::vector<DerivativeVector> threadRows;
 };
 
 inline int RingSlot(int k) {

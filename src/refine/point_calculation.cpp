@@ -1,8 +1,11 @@
 // Calculated intensity and normal-equation row of one constant-wavelength point.
 #include "refine/point_calculation.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <span>
+#include <vector>
 
 #include "model/asymmetry_factor.h"
 #include "model/axial_divergence.h"
@@ -123,7 +126,7 @@ float PeakAtPoint(const Job& job, const Pattern& p, int ip, const RingEntry& e, 
   if (e.shape.code == ProfileCode::kAxialDivergence) return AxialPeakAtPoint(job, ip, e, x, slope);
   ProfilePoint point;
   if (!PointInBase(e.shape, x, p.Wdt, point)) return 0.0f;
-  const AsymmetryParameters asy = AsymmetryParametersOf(job.phases[e.phase].pat[ip]);
+  const AsymmetryParameters& asy = e.asy;
   const bool underLimit = e.asymmetric != 0;
   const bool averaged = underLimit && p.IASYM == 1;
   const bool asymmetryRows = underLimit && p.IASYM == 0;
@@ -148,25 +151,102 @@ float PeakAtPoint(const Job& job, const Pattern& p, int ip, const RingEntry& e, 
   return asym.terms.A * omega;
 }
 
-// Points whose rows are summed in 32 bits before they go to the double sums.
+// Points whose rows are summed in 32 bits before they go to the double sums:
+// over thousands of points a 32-bit running sum loses the digits that the
+// shifts near the minimum are made of.
 constexpr int kPointsPerBlock = 16;
 
-// Adds the point's weighted row to the normal equations (upper triangle);
-// every kPointsPerBlock points the 32-bit block goes to the double-precision
-// sums: over thousands of points a 32-bit running sum loses the digits that
-// the shifts near the minimum are made of.
-void AccumulatePoint(NormalMatrix& normal, const float* derivative, float weight, float residual,
-                     int fitted) {
-  for (int L = 1; L <= fitted; ++L) {
-    const float u = weight * derivative[L - 1];
-    normal.B[L] += u * residual;
-    float* row = &normal.A(L, 1);
-    for (int m = L; m <= fitted; ++m) row[m - 1] += u * derivative[m - 1];
+// row[b..e) += c ring[b..e); cloned for AVX2 (no fused multiply-add, so every
+// clone gives the same bits).
+__attribute__((target_clones("avx2", "default"))) void AddScaledSpan(float* row, const float* ring,
+                                                                     float c, int b, int e) {
+  for (int L = b; L < e; ++L) row[L] += c * ring[L];
+}
+
+// Adds the contribution of one reflection to the point's row, family run by
+// family run, over the span of its non-zero derivatives.
+void AddReflectionRow(float* row, const float* ring, const RingEntry& e, float contribution,
+                      const float* slope, std::span<const FamilyRun> runs) {
+  for (const FamilyRun& run : runs) {
+    if (run.end <= e.rowBegin) continue;
+    if (run.begin >= e.rowEnd) break;
+    const int b = run.begin > e.rowBegin ? run.begin : e.rowBegin;
+    const int end = run.end < e.rowEnd ? run.end : e.rowEnd;
+    AddScaledSpan(row, ring, contribution * slope[run.family], b, end);
   }
-  if (++normal.pendingPoints == kPointsPerBlock) FlushNormalBlock(normal, fitted);
+}
+
+// Adds the rows of the points of one block, from its first point `p0` to
+// `p1`, to rows L = first..last-1 (from 0) of the upper triangle of A and B.
+// Each entry takes the block's points in their order; a point whose
+// derivative in L is 0 adds nothing to row L.
+__attribute__((target_clones("avx2", "default"))) void AddBlockRows(NormalMatrix& normal,
+                                                                    const PointRows& rows, int p0,
+                                                                    int p1, int first, int last,
+                                                                    int* touched) {
+  int hi = 0;
+  for (int p = p0; p < p1; ++p) hi = rows.rowEnd[p] > hi ? rows.rowEnd[p] : hi;
+  for (int L = first; L < last && L < hi; ++L) {
+    float b = normal.B[L + 1];
+    float* a = &normal.A(L + 1, 1);
+    for (int p = p0; p < p1; ++p) {
+      const float* d = rows.rows + static_cast<std::ptrdiff_t>(p) * rows.stride;
+      const float u = rows.weight[p] * d[L];
+      if (u == 0.0f) continue;
+      b += u * rows.residual[p];
+      const int end = rows.rowEnd[p];
+      for (int m = L; m < end; ++m) a[m] += u * d[m];
+      if (end > touched[L]) touched[L] = end;
+    }
+    normal.B[L + 1] = b;
+  }
+}
+
+// Adds rows first..last-1 of the block to the double sums and clears them.
+void FlushBlockRows(NormalMatrix& normal, int first, int last, int* touched) {
+  for (int L = first; L < last; ++L) {
+    normal.SumB[L + 1] += normal.B[L + 1];
+    normal.B[L + 1] = 0.0f;
+    float* a = &normal.A(L + 1, 1);
+    double* sum = &normal.SumA(L + 1, 1);
+    for (int m = L; m < touched[L]; ++m) {
+      sum[m] += a[m];
+      a[m] = 0.0f;
+    }
+    touched[L] = 0;
+  }
 }
 
 }  // namespace
+
+void BuildFamilyRuns(const std::uint8_t* family, int fitted, std::vector<FamilyRun>& runs) {
+  runs.clear();
+  for (int L = 0; L < fitted; ++L) {
+    if (!runs.empty() && runs.back().family == family[L] && runs.back().end == L) {
+      ++runs.back().end;
+    } else {
+      runs.push_back(FamilyRun{L, L + 1, family[L]});
+    }
+  }
+}
+
+void AddPointRows(NormalMatrix& normal, const PointRows& rows, int first, int last, int* touched) {
+  int pending = rows.pending;
+  for (int p0 = 0; p0 < rows.count;) {
+    const int take = std::min(kPointsPerBlock - pending, rows.count - p0);
+    AddBlockRows(normal, rows, p0, p0 + take, first, last, touched);
+    pending += take;
+    if (pending == kPointsPerBlock) {
+      FlushBlockRows(normal, first, last, touched);
+      pending = 0;
+    }
+    p0 += take;
+  }
+}
+
+int PendingAfter(const PointRows& rows) {
+  return (rows.pending + rows.count) % kPointsPerBlock;
+}
 
 void FlushNormalBlock(NormalMatrix& normal, int fitted) {
   for (int L = 1; L <= fitted; ++L) {
@@ -187,12 +267,13 @@ float PeakValueAt(const Job& job, const RingEntry& entry, int ip, float x) {
   return PeakAtPoint(job, job.patterns[ip], ip, entry, x, nullptr);
 }
 
-void CalculatePoint(Job& job, CycleWork& work, int ip, int i) {
+bool CalculatePointRow(Job& job, const CycleWork& work, int ip, int i, DerivativeVector& row,
+                       PointTerms& terms) {
   Pattern& p = job.patterns[ip];
-  RefinementState& state = job.refinement;
+  const RefinementState& state = job.refinement;
   const int fitted = FittedCount(job);
   const bool refine = !IsCalculatedPattern(p);
-  float* derivative = state.PointDerivative.ptr();
+  float* derivative = row.ptr();
   if (refine) {
     for (int L = 0; L < fitted; ++L) derivative[L] = 0.0f;
   }
@@ -200,11 +281,11 @@ void CalculatePoint(Job& job, CycleWork& work, int ip, int i) {
   const int first = FirstReflection(code);
   const int last = LastReflection(code);
   const float x = p.X[i];
-  const std::uint8_t* family = state.family.ptr();
   float y = 0.0f;
   float slope[kFamilyCount] = {};
   // A calculation, or a refinement with nothing refined, needs the values only.
   float* slopes = refine && fitted > 0 ? slope : nullptr;
+  const std::span<const FamilyRun> runs(work.familyRuns);
   for (int k = first; first != 0 && k <= last; ++k) {
     const RingEntry& e = work.ring[RingSlot(k)];
     if (!e.active) continue;
@@ -212,21 +293,48 @@ void CalculatePoint(Job& job, CycleWork& work, int ip, int i) {
     if (contribution == 0.0f) continue;
     y += contribution;
     if (slopes == nullptr) continue;
-    const float* ring = &state.DerivativeRing(RingSlot(k), 1);
-    for (int L = 0; L < fitted; ++L) derivative[L] += contribution * slope[family[L]] * ring[L];
+    AddReflectionRow(derivative, &state.DerivativeRing(RingSlot(k), 1), e, contribution, slope,
+                     runs);
     for (int t = 0; t < e.intensityTermCount; ++t) {
       derivative[e.intensityParameter[t] - 1] += contribution * e.intensitySlope[t];
     }
   }
   p.Ycalc[i] = y;
-  if (!refine) return;
-  BackgroundDerivatives(p, i, 1.0f, state.PointDerivative);
+  if (!refine) return false;
+  BackgroundDerivatives(p, i, 1.0f, row);
   const float background = BackgroundAt(p, i);
-  const float residual = p.Ytotal[i] - background - y;
+  terms.residual = p.Ytotal[i] - background - y;
   if (p.IWGT == 1) {
     p.Variance[i] = std::fabs((background + y) / static_cast<float>(p.CountNorm[i])) * p.Cnorm;
   }
-  AccumulatePoint(state.normal, derivative, (1.0f / p.Variance[i]) * p.W_PAT, residual, fitted);
+  terms.weight = (1.0f / p.Variance[i]) * p.W_PAT;
+  return true;
+}
+
+int RowEnd(const float* row, int fitted) {
+  int end = fitted;
+  while (end > 0 && row[end - 1] == 0.0f) --end;
+  return end;
+}
+
+void CalculatePoint(Job& job, CycleWork& work, int ip, int i) {
+  RefinementState& state = job.refinement;
+  const int fitted = FittedCount(job);
+  BuildFamilyRuns(state.family.ptr(), fitted, work.familyRuns);
+  PointTerms terms;
+  if (!CalculatePointRow(job, work, ip, i, state.PointDerivative, terms)) return;
+  work.touched.resize(static_cast<std::size_t>(fitted) + 1, fitted);
+  PointRows rows;
+  rows.rows = state.PointDerivative.ptr();
+  rows.stride = fitted;
+  rows.weight = &terms.weight;
+  rows.residual = &terms.residual;
+  const int end = RowEnd(rows.rows, fitted);
+  rows.rowEnd = &end;
+  rows.count = 1;
+  rows.pending = state.normal.pendingPoints;
+  AddPointRows(state.normal, rows, 0, fitted, work.touched.data());
+  state.normal.pendingPoints = PendingAfter(rows);
 }
 
 }  // namespace corvinet

@@ -328,11 +328,20 @@ void FillReflectionWidths(Job& job, int ip) {
   }
 }
 
-void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
-  if (job.patterns[ip].IXUNIT == AbscissaUnit::kTimeOfFlight) {
-    ComputeReflectionProfileTof(job, work, ip, k);
-    return;
-  }
+namespace {
+
+// The span of the parameters whose derivative in the reflection's row is not
+// zero: the point loop walks only that span.
+void SetRowSpan(RingEntry& entry, const float* row, int fitted) {
+  int first = 0;
+  while (first < fitted && row[first] == 0.0f) ++first;
+  int last = fitted;
+  while (last > first && row[last - 1] == 0.0f) --last;
+  entry.rowBegin = first;
+  entry.rowEnd = last;
+}
+
+void ComputeAngleReflection(Job& job, CycleWork& work, int ip, int k) {
   Pattern& p = job.patterns[ip];
   Reflection& r = p.reflections.slot[k];
   RingEntry& entry = work.ring[RingSlot(k)];
@@ -398,6 +407,7 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
   entry.intensity = c.PAR[ProfileSlot::Scale] * r.LpM * corr.intensity;
   entry.tan2Theta = Tan2ThetaFromSquares(static_cast<float>(g.sin2), static_cast<float>(g.cos2));
   entry.asymmetric = p.IXUNIT == AbscissaUnit::kTwoTheta && r.position <= p.AsyLim ? 1 : 0;
+  entry.asy = AsymmetryParametersOf(c);
   entry.invGaussWidth =
       1.0f / (ProfileOf(c) == ProfileCode::kTchPseudoVoigt ? widths.HG : widths.H);
   entry.phase = phase;
@@ -424,6 +434,18 @@ void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
     if (p.GLBword[n].parameterNumber == 0) continue;
     AddToRow(row, p.GLBword[n], GlobalSlotDerivative(n, p, g, corr), fitted);
   }
+}
+
+}  // namespace
+
+void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
+  if (job.patterns[ip].IXUNIT == AbscissaUnit::kTimeOfFlight) {
+    ComputeReflectionProfileTof(job, work, ip, k);
+  } else {
+    ComputeAngleReflection(job, work, ip, k);
+  }
+  SetRowSpan(work.ring[RingSlot(k)], &job.refinement.DerivativeRing(RingSlot(k), 1),
+             FittedCount(job));
 }
 
 namespace {

@@ -44,6 +44,7 @@ void RunEngine(Job& job) {
     return;
   }
   StopOnUnmodelledInputs(job);
+  job.driver.pointThreads = PointThreadsFromEnvironment(job);
   auto work = std::make_unique<CycleWork>();
   RunCycles(job, *work);
   FinalReport(job, *work);

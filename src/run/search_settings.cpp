@@ -1,4 +1,5 @@
-// The seed and the thread count of a search, from the environment of the process.
+// The seed and the thread count of a search and the threads of the point loop, from the
+// environment of the process.
 #include "run/search_settings.h"
 
 #include <cctype>
@@ -59,6 +60,16 @@ SearchOptions SearchOptionsFromEnvironment(Job& job) {
     options.threads = *value;
   }
   return options;
+}
+
+int PointThreadsFromEnvironment(Job& job) {
+  const char* threads = std::getenv("CORVINET_THREADS");
+  if (threads == nullptr) return 0;
+  const auto value = ParseSearchThreads(threads);
+  if (!value) {
+    StopBox(job, " CORVINET_THREADS is not a whole number from 0 to 1024: " + std::string(threads));
+  }
+  return *value;
 }
 
 }  // namespace corvinet

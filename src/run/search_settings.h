@@ -1,4 +1,5 @@
-// The seed and the thread count of a search, from the environment of the process.
+// The seed and the thread count of a search and the threads of the point loop, from the environment
+// of the process.
 #pragma once
 
 #include <optional>
@@ -19,5 +20,9 @@ std::optional<int> ParseSearchThreads(const std::string& text);
 // CORVINET_SEARCH_SEED and CORVINET_SEARCH_THREADS when they are set; a value
 // that does not read stops the run with the name of the variable.
 SearchOptions SearchOptionsFromEnvironment(Job& job);
+
+// CORVINET_THREADS when it is set (0 for one thread per core), else 0; a
+// value that does not read stops the run with the name of the variable.
+int PointThreadsFromEnvironment(Job& job);
 
 }  // namespace corvinet
