@@ -2,6 +2,9 @@
 BUILD ?= build
 JOBS ?= 2
 PACKAGES = g++ make cmake libgtest-dev libgmock-dev libbenchmark-dev python3 python3-numpy python3-gemmi pkg-config libcairo2-dev
+# What `make bench` needs besides: perf for the profile breakdown, OpenBLAS for
+# the comparison of the accumulation with a BLAS rank-k update.
+BENCH_PACKAGES = linux-perf libopenblas-dev
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
 # The sanitizer build (address and undefined behaviour) used by the fuzzer and by CI.
@@ -10,7 +13,7 @@ SANITIZE_BUILD ?= build-sanitize
 FUZZ_SECONDS ?= 600
 FUZZ_FINDINGS ?= fuzz-findings
 
-.PHONY: all deps build test example bench format clean sanitize fuzz
+.PHONY: all deps bench-deps build test example bench format clean sanitize fuzz
 
 all: build
 
@@ -32,8 +35,18 @@ test: build
 example: build
 	@sh examples/run-example.sh $(abspath $(BUILD))/corvinet
 
-bench: build
+bench-deps:
+	@missing=""; for p in $(BENCH_PACKAGES); do \
+	  dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
+	if [ -n "$$missing" ]; then \
+	  echo "Installing:$$missing"; \
+	  $(SUDO) apt-get update && $(SUDO) env DEBIAN_FRONTEND=noninteractive apt-get install -y $$missing; \
+	fi
+
+# The benchmarks, then where the time of a cycle of the large job goes.
+bench: bench-deps build
 	$(BUILD)/corvinet_bench
+	python3 bench/profile_breakdown.py $(BUILD)/corvinet_bench
 
 sanitize: deps
 	@[ -f $(SANITIZE_BUILD)/CMakeCache.txt ] || cmake -S . -B $(SANITIZE_BUILD) \

@@ -11,6 +11,8 @@
 #include "bench_job.h"
 #include "format/fortran_format.h"
 #include "records/reflection.h"
+#include "refine/bragg_factors.h"
+#include "refine/bragg_profile.h"
 #include "refine/cycle_driver.h"
 #include "refine/cycle_stop_tests.h"
 #include "refine/cycle_work.h"
@@ -198,5 +200,21 @@ void BM_LargeJobSolve(benchmark::State& state) {
   std::filesystem::current_path(previous);
 }
 BENCHMARK(BM_LargeJobSolve)->Unit(benchmark::kMillisecond);
+
+// The Bragg R-factors of the large job once its points are calculated: each
+// reflection's share of the observed pattern over its window, the
+// reflections no longer in the ring computed again.
+void BM_LargeJobBraggFactors(benchmark::State& state) {
+  const auto previous = std::filesystem::current_path();
+  auto job = MakeLargeJob(std::filesystem::temp_directory_path() / "corvinet-large-bragg-bench");
+  auto work = std::make_unique<CycleWork>();
+  work->threads = 1;
+  CalculatePatterns(*job, *work, 1);
+  const BraggProfile profile = PointLoopProfile(*job, *work);
+  for (auto _ : state) benchmark::DoNotOptimize(ComputeBraggFactors(*job, profile));
+  std::fclose(job->console.out);
+  std::filesystem::current_path(previous);
+}
+BENCHMARK(BM_LargeJobBraggFactors)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -15,7 +15,7 @@ BraggProfile PointLoopProfile(Job& job, CycleWork& work) {
   };
   profile.peak = [&job, &work](int ip, int k, int i) {
     if (work.computedPattern[RingSlot(k)] != ip || work.computedReflection[RingSlot(k)] != k) {
-      ComputeReflectionProfile(job, work, ip, k);
+      ComputeReflectionProfile(job, work, ip, k, false);
     }
     return PeakValueAt(job, work.ring[RingSlot(k)], ip, job.patterns[ip].X[i]);
   };

@@ -341,13 +341,15 @@ void SetRowSpan(RingEntry& entry, const float* row, int fitted) {
   entry.rowEnd = last;
 }
 
-void ComputeAngleReflection(Job& job, CycleWork& work, int ip, int k) {
+// The reflection's peak and intensity and, with `derivatives`, its row.
+void ComputeAngleReflection(Job& job, CycleWork& work, int ip, int k, bool derivatives) {
   Pattern& p = job.patterns[ip];
   Reflection& r = p.reflections.slot[k];
   RingEntry& entry = work.ring[RingSlot(k)];
-  const int fitted = FittedCount(job);
+  const int rowLength = FittedCount(job);
+  const int fitted = derivatives ? rowLength : 0;
   float* row = &job.refinement.DerivativeRing(RingSlot(k), 1);
-  for (int L = 0; L < fitted; ++L) row[L] = 0.0f;
+  for (int L = 0; L < rowLength; ++L) row[L] = 0.0f;
   entry.active = false;
   entry.intensityTermCount = 0;
   work.computedPattern[RingSlot(k)] = ip;
@@ -438,11 +440,11 @@ void ComputeAngleReflection(Job& job, CycleWork& work, int ip, int k) {
 
 }  // namespace
 
-void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k) {
+void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k, bool derivatives) {
   if (job.patterns[ip].IXUNIT == AbscissaUnit::kTimeOfFlight) {
     ComputeReflectionProfileTof(job, work, ip, k);
   } else {
-    ComputeAngleReflection(job, work, ip, k);
+    ComputeAngleReflection(job, work, ip, k, derivatives);
   }
   SetRowSpan(work.ring[RingSlot(k)], &job.refinement.DerivativeRing(RingSlot(k), 1),
              FittedCount(job));

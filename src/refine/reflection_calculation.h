@@ -11,7 +11,10 @@ namespace corvinet {
 // parameters as they stand: its Bragg position, widths, peak constants,
 // corrections and integrated intensity go to its ring entry, and the
 // derivative of the quantity of each parameter's family to its ring row.
-void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k);
+// Without `derivatives` the row of a constant-wavelength reflection is left
+// zero: what its peak and intensity are, for a reflection computed again
+// after the pass.
+void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k, bool derivatives = true);
 
 // The widths of every reflection of pattern ip from the parameters read, so
 // that the first order table knows how far each peak reaches (constant
