@@ -202,15 +202,15 @@ void BM_LargeJobSolve(benchmark::State& state) {
 BENCHMARK(BM_LargeJobSolve)->Unit(benchmark::kMillisecond);
 
 // The Bragg R-factors of the large job once its points are calculated: each
-// reflection's share of the observed pattern over its window, the
-// reflections no longer in the ring computed again.
+// reflection's share of the observed pattern over its window, from the
+// entries the pass kept of the reflections.
 void BM_LargeJobBraggFactors(benchmark::State& state) {
   const auto previous = std::filesystem::current_path();
   auto job = MakeLargeJob(std::filesystem::temp_directory_path() / "corvinet-large-bragg-bench");
   auto work = std::make_unique<CycleWork>();
   work->threads = 1;
   CalculatePatterns(*job, *work, 1);
-  const BraggProfile profile = PointLoopProfile(*job, *work);
+  const BraggProfile profile = PassProfile(*job, *work);
   for (auto _ : state) benchmark::DoNotOptimize(ComputeBraggFactors(*job, profile));
   std::fclose(job->console.out);
   std::filesystem::current_path(previous);

@@ -22,4 +22,23 @@ BraggProfile PointLoopProfile(Job& job, CycleWork& work) {
   return profile;
 }
 
+BraggProfile PassProfile(Job& job, CycleWork& work) {
+  BraggProfile profile = PointLoopProfile(job, work);
+  profile.peak = [&job, &work](int ip, int k, int i) {
+    const float x = job.patterns[ip].X[i];
+    if (work.computedPattern[RingSlot(k)] == ip && work.computedReflection[RingSlot(k)] == k) {
+      return PeakValueAt(job, work.ring[RingSlot(k)], ip, x);
+    }
+    const auto pattern = static_cast<std::size_t>(ip);
+    const auto reflection = static_cast<std::size_t>(k);
+    if (pattern < work.passEntries.size() && reflection < work.passEntries[pattern].size()) {
+      const KeptEntry& kept = work.passEntries[pattern][reflection];
+      if (kept.kept) return PeakValueAt(job, kept.entry, ip, x);
+    }
+    ComputeReflectionProfile(job, work, ip, k, false);
+    return PeakValueAt(job, work.ring[RingSlot(k)], ip, x);
+  };
+  return profile;
+}
+
 }  // namespace corvinet

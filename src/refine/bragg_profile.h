@@ -11,4 +11,9 @@ namespace corvinet {
 // them; a reflection whose ring slot has been reused is computed again.
 BraggProfile PointLoopProfile(Job& job, CycleWork& work);
 
+// The same while the parameters are those of the last pass over the points:
+// a reflection whose ring slot has been reused takes the entry the pass
+// kept of it instead of being computed again.
+BraggProfile PassProfile(Job& job, CycleWork& work);
+
 }  // namespace corvinet

@@ -143,6 +143,8 @@ int CycleDamping::Retry(Job& job, CycleWork& work, ShiftRejection rejection) {
   ++retries_;
   lambda_ = lambda_ == 0.0 ? kFirstLambda : 10.0 * lambda_;
   Restore(*kept_, job, work);
+  // The entries the last pass kept may belong to other values than those restored.
+  work.passEntries.clear();
   const std::string line = RetryLine(keptCycle_, rejection, retries_, lambda_);
   WriteLine(job, Unit::Out, line);
   ConsoleLine(job, line);

@@ -179,6 +179,8 @@ void RunCycles(Job& job, CycleWork& work) {
   s.LastShift.Fill(0.0f);
   BuildParameterFamilies(job);
   const BraggProfile profile = PointLoopProfile(job, work);
+  // The report of each cycle reads the peaks of its pass, before any value moves.
+  const BraggProfile passProfile = PassProfile(job, work);
   CycleDamping damping;
   for (int cycle = 1; cycle <= job.run.NCY; ++cycle) {
     s.CycleNumber = cycle;
@@ -206,7 +208,7 @@ void RunCycles(Job& job, CycleWork& work) {
     } else if (fitted > 0) {
       damping.Keep(job, work, cycle);
     }
-    SolveAndReport(job, work, damping, cycle, profile);
+    SolveAndReport(job, work, damping, cycle, passProfile);
     StopOnNonFiniteParameters(job, cycle);
     if (job.patterns[1].LST2 == kLivePlot) PlotCycle(job, s.DisplayedCycle);
     if (job.run.IDUM == 2) {

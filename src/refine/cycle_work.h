@@ -52,6 +52,12 @@ struct RingEntry {
   float tofRight = 0.0f;
 };
 
+// The ring entry of a reflection as the last pass over the points computed it.
+struct KeptEntry {
+  RingEntry entry;
+  bool kept = false;  // the pass computed the reflection
+};
+
 // Parameters begin+1..end (numbers from 1) that share one family.
 struct FamilyRun {
   int begin = 0;
@@ -84,6 +90,9 @@ struct CycleWork {
   std::vector<int> rowEnd;
   std::vector<int> points;
   std::vector<DerivativeVector> threadRows;
+  // The entries of the reflections of each pattern in the last pass, by
+  // reflection number (from 1).
+  std::vector<std::vector<KeptEntry>> passEntries;
 };
 
 inline int RingSlot(int k) {

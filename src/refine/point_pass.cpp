@@ -141,6 +141,7 @@ void PreparePointPass(Job& job, CycleWork& work) {
   work.rowEnd.resize(chunk);
   work.points.resize(chunk);
   work.threadRows.resize(static_cast<std::size_t>(threads));
+  work.passEntries.resize(DimensionLimits::NPATT + 1);
 }
 
 void CalculatePatternPoints(Job& job, CycleWork& work, int ip) {
@@ -149,12 +150,17 @@ void CalculatePatternPoints(Job& job, CycleWork& work, int ip) {
   const int threads = PointThreads(job, work);
   const bool polynomial = PolynomialBackground(p);
   const bool accumulate = !IsCalculatedPattern(p);
+  auto& kept = work.passEntries[static_cast<std::size_t>(ip)];
+  kept.assign(static_cast<std::size_t>(p.reflections.total) + 1, KeptEntry{});
   int next = 1;
   for (int i = 1; i <= p.NPTS;) {
     const Chunk c = NextChunk(job, work, ip, i, polynomial);
     i = c.nextPoint;
     if (c.count == 0) continue;
-    for (; next <= c.lastReflection; ++next) ComputeReflectionProfile(job, work, ip, next);
+    for (; next <= c.lastReflection; ++next) {
+      ComputeReflectionProfile(job, work, ip, next);
+      kept[static_cast<std::size_t>(next)] = KeptEntry{work.ring[RingSlot(next)], true};
+    }
     CalculateChunkPoints(job, work, ip, c, fitted, threads);
     if (accumulate) AccumulateChunk(job, work, c, fitted, threads);
   }
