@@ -61,6 +61,7 @@ void BM_CyclePass(benchmark::State& state) {
   auto job = MakeJob(dir);
   Refine(*job, static_cast<int>(state.range(0)));
   auto work = std::make_unique<CycleWork>();
+  work->threads = 1;  // the figures are one core's
   for (auto _ : state) CalculatePatterns(*job, *work, 1);
   state.counters["reflections"] = job->patterns[1].reflections.total;
   state.counters["points"] = job->patterns[1].NPTS;
@@ -106,6 +107,7 @@ void BM_StructureCyclePass(benchmark::State& state) {
   const auto previous = std::filesystem::current_path();
   auto job = MakeStructureJob(dir);
   auto work = std::make_unique<CycleWork>();
+  work->threads = 1;  // the figures are one core's
   for (auto _ : state) CalculatePatterns(*job, *work, 1);
   state.counters["reflections"] = job->patterns[1].reflections.total;
   state.counters["points"] = job->patterns[1].NPTS;
@@ -136,6 +138,7 @@ void BM_StructureCycleRetry(benchmark::State& state) {
   const auto previous = std::filesystem::current_path();
   auto job = MakeStructureJob(dir);
   auto work = std::make_unique<CycleWork>();
+  work->threads = 1;  // the figures are one core's
   CalculatePatterns(*job, *work, 1);
   StorePassEquations(*job);
   const int fitted = FittedCount(*job);

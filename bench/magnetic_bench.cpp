@@ -110,6 +110,7 @@ void RunPass(benchmark::State& state, bool magnetic, bool fixedVectors = false) 
     }
   }
   auto work = std::make_unique<CycleWork>();
+  work->threads = 1;  // the figures are one core's
   for (auto _ : state) CalculatePatterns(*job, *work, 1);
   state.counters["reflections"] = job->patterns[1].reflections.total;
   state.counters["points"] = job->patterns[1].NPTS;

@@ -56,6 +56,7 @@ void BM_TofCyclePass(benchmark::State& state) {
   auto job = MakeTofJob(dir);
   RefineTof(*job, 60);
   auto work = std::make_unique<CycleWork>();
+  work->threads = 1;  // the figures are one core's
   for (auto _ : state) CalculatePatterns(*job, *work, 1);
   state.counters["reflections"] = job->patterns[1].reflections.total;
   state.counters["points"] = job->patterns[1].NPTS;
@@ -94,6 +95,7 @@ void BM_AxialDivergenceCyclePass(benchmark::State& state) {
   job->run.MAXS = L;
   BuildParameterFamilies(*job);
   auto work = std::make_unique<CycleWork>();
+  work->threads = 1;  // the figures are one core's
   for (auto _ : state) CalculatePatterns(*job, *work, 1);
   state.counters["reflections"] = job->patterns[1].reflections.total;
   state.counters["points"] = job->patterns[1].NPTS;
