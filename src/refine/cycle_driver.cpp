@@ -194,7 +194,7 @@ void RunCycles(Job& job, CycleWork& work) {
     s.globalResidualSum = 0.0f;
     if (job.run.ICRYG == 0) SumPatterns(job, cycle, s.EndMarker);
     if (HasIntensityObservations(job)) {
-      s.GlobalChi2 = AccumulateIntensityObservations(job, work.structure, s.GlobalChi2);
+      s.GlobalChi2 = AccumulateIntensityObservations(job, work.scratch.structure, s.GlobalChi2);
     }
     if (HasRestraints(job)) SlackConstraints(job, s.GlobalChi2);
     StoreEquations(s.normal, fitted);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "model/asymmetry_factor.h"
@@ -52,6 +53,24 @@ struct RingEntry {
   float tofRight = 0.0f;
 };
 
+// The working store of the structure factors of one reflection.
+struct StructureScratch {
+  StructureFactorScratch structure;
+  MagneticScratch magnetic;
+};
+
+// The structure factor of the reflection of a ring slot, computed ahead of
+// the reflection on another thread; its derivatives are in the slot's row
+// of CycleWork::aheadRows.
+struct StructureAhead {
+  int pattern = 0;  // the reflection it was computed for
+  int reflection = 0;
+  int pass = 0;        // in pass number ...
+  bool ready = false;  // computed and not yet used
+  float F2 = 0.0f;
+  RealVector dF2dH{};
+};
+
 // The ring entry of a reflection as the last pass over the points computed it.
 struct KeptEntry {
   RingEntry entry;
@@ -73,9 +92,15 @@ struct CycleWork {
   Table1<int, DimensionLimits::NOV> computedPattern;
   Table1<int, DimensionLimits::NOV> computedReflection;
   // Structure factors: per-atom sums and the derivatives of F^2 of one reflection.
-  StructureFactorScratch structure;
-  MagneticScratch magnetic;
+  StructureScratch scratch;
   Table1<float, DimensionLimits::MSZ> dF2;
+  // Structure factors computed side by side ahead of their reflections: by
+  // ring slot, their derivative rows, the working store of each thread, and
+  // the number of the pass.
+  std::vector<StructureAhead> ahead;
+  std::vector<float> aheadRows;
+  std::vector<std::unique_ptr<StructureScratch>> threadScratch;
+  int pass = 0;
   // The point loop: threads (0: CORVINET_THREADS, else one per core), the
   // parameters by family, and the end of the written part of each row of the
   // 32-bit block of the normal matrix.

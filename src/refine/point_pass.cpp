@@ -142,6 +142,7 @@ void PreparePointPass(Job& job, CycleWork& work) {
   work.points.resize(chunk);
   work.threadRows.resize(static_cast<std::size_t>(threads));
   work.passEntries.resize(DimensionLimits::NPATT + 1);
+  ++work.pass;
 }
 
 void CalculatePatternPoints(Job& job, CycleWork& work, int ip) {
@@ -157,6 +158,7 @@ void CalculatePatternPoints(Job& job, CycleWork& work, int ip) {
     const Chunk c = NextChunk(job, work, ip, i, polynomial);
     i = c.nextPoint;
     if (c.count == 0) continue;
+    if (threads > 1) ComputeStructureFactorsAhead(job, work, ip, next, c.lastReflection, threads);
     for (; next <= c.lastReflection; ++next) {
       ComputeReflectionProfile(job, work, ip, next);
       kept[static_cast<std::size_t>(next)] = KeptEntry{work.ring[RingSlot(next)], true};

@@ -1,6 +1,9 @@
 // Per-cycle calculation of a constant-wavelength reflection and its row of derivatives.
 #include "refine/reflection_calculation.h"
 
+#include <omp.h>
+
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdlib>
@@ -341,6 +344,22 @@ void SetRowSpan(RingEntry& entry, const float* row, int fitted) {
   entry.rowEnd = last;
 }
 
+// The structure factor computed ahead for reflection k of pattern ip in this
+// pass, with derivatives for `fitted` parameters, taken out of the store;
+// none when there is none.
+StructureAhead* AheadOf(CycleWork& work, int ip, int k, int fitted) {
+  const auto slot = static_cast<std::size_t>(RingSlot(k) - 1);
+  if (slot >= work.ahead.size()) return nullptr;
+  StructureAhead& a = work.ahead[slot];
+  if (!a.ready || a.pattern != ip || a.reflection != k || a.pass != work.pass) return nullptr;
+  a.ready = false;
+  // Computed with the derivatives of as many parameters as asked for.
+  if (fitted > 0 && work.aheadRows.size() < (slot + 1) * static_cast<std::size_t>(fitted)) {
+    return nullptr;
+  }
+  return &a;
+}
+
 // The reflection's peak and intensity and, with `derivatives`, its row.
 void ComputeAngleReflection(Job& job, CycleWork& work, int ip, int k, bool derivatives) {
   Pattern& p = job.patterns[ip];
@@ -398,7 +417,18 @@ void ComputeAngleReflection(Job& job, CycleWork& work, int ip, int k, bool deriv
   const StructureParts parts = PartsOf(ph, r);
   const bool structural = parts.nuclear || parts.magnetic;
   RealVector dF2dH{};
-  if (structural) r.F2 = ReflectionStructureF2(job, work, ip, phase, g.h, r, fitted, dF2dH);
+  const float* dF2 = &work.dF2[1];
+  if (structural) {
+    StructureAhead* ahead = AheadOf(work, ip, k, fitted);
+    if (ahead != nullptr) {
+      r.F2 = ahead->F2;
+      dF2dH = ahead->dF2dH;
+      dF2 = &work.aheadRows[static_cast<std::size_t>(RingSlot(k) - 1) *
+                            static_cast<std::size_t>(std::max(fitted, 1))];
+    } else {
+      r.F2 = ReflectionStructureF2(job, work, ip, phase, g.h, r, fitted, dF2dH);
+    }
+  }
   ci.F2 = r.F2;
   const IntensityCorrections corr =
       p.IXUNIT == AbscissaUnit::kEnergy
@@ -422,7 +452,7 @@ void ComputeAngleReflection(Job& job, CycleWork& work, int ip, int k, bool deriv
   // Structural derivatives enter relative to F^2, as the intensity is proportional to it.
   if (structural && r.F2 > 0.0f) {
     const float inverse = 1.0f / r.F2;
-    for (int L = 0; L < fitted; ++L) row[L] += work.dF2[L + 1] * inverse;
+    for (int L = 0; L < fitted; ++L) row[L] += dF2[L] * inverse;
   }
   VectorIntensitySlopes(ph, r, dF2dH, fitted, entry);
   for (int s = 1; s <= DimensionLimits::MPAR; ++s) {
@@ -496,6 +526,45 @@ PeakValidity CheckReflection(const Job& job, int ip, const Reflection& r) {
 }
 
 }  // namespace
+
+void ComputeStructureFactorsAhead(Job& job, CycleWork& work, int ip, int first, int last,
+                                  int threads) {
+  const Pattern& p = job.patterns[ip];
+  if (p.IXUNIT == AbscissaUnit::kTimeOfFlight || last < first) return;
+  const int fitted = FittedCount(job);
+  const auto slots = static_cast<std::size_t>(DimensionLimits::NOV);
+  work.ahead.resize(slots);
+  work.aheadRows.resize(slots * static_cast<std::size_t>(std::max(fitted, 1)));
+  while (work.threadScratch.size() < static_cast<std::size_t>(threads)) {
+    work.threadScratch.push_back(std::make_unique<StructureScratch>());
+  }
+#pragma omp parallel for num_threads(threads) schedule(dynamic, 8)
+  for (int k = first; k <= last; ++k) {
+    const auto slot = static_cast<std::size_t>(RingSlot(k) - 1);
+    StructureAhead& a = work.ahead[slot];
+    a.ready = false;
+    Reflection& r = job.patterns[ip].reflections.slot[k];
+    const int phase = KeyPhase(r.key);
+    const Phase& ph = job.phases[phase];
+    const PhasePattern& c = ph.pat[ip];
+    const StructureParts parts = PartsOf(ph, r);
+    if (c.Contribution == 0 || !(parts.nuclear || parts.magnetic)) continue;
+    Geometry g;
+    g.h = WorkingVector(ph, r);
+    if (!MakeGeometry(p, c, KeyWavelength(r.key), g)) continue;
+    StructureScratch& scratch = *work.threadScratch[static_cast<std::size_t>(omp_get_thread_num())];
+    float* dF2 = &work.aheadRows[slot * static_cast<std::size_t>(std::max(fitted, 1))];
+    RealVector dF2dH{};
+    float F2 = 0.0f;
+    if (!StructureF2Into(job, scratch, dF2, ip, phase, g.h, r, fitted, dF2dH, F2)) continue;
+    a.pattern = ip;
+    a.reflection = k;
+    a.pass = work.pass;
+    a.F2 = F2;
+    a.dF2dH = dF2dH;
+    a.ready = true;
+  }
+}
 
 PeakValidity CheckPeakShapes(const Job& job, int ip) {
   const Pattern& p = job.patterns[ip];

@@ -16,6 +16,14 @@ namespace corvinet {
 // after the pass.
 void ComputeReflectionProfile(Job& job, CycleWork& work, int ip, int k, bool derivatives = true);
 
+// Computes the structure factors (and their derivatives) of reflections
+// first..last of a constant-wavelength pattern side by side on `threads`
+// threads, for ComputeReflectionProfile to take in this pass; each is
+// computed as ComputeReflectionProfile would, so the results are the same.
+// A reflection that would stop the run is left for ComputeReflectionProfile.
+void ComputeStructureFactorsAhead(Job& job, CycleWork& work, int ip, int first, int last,
+                                  int threads);
+
 // The widths of every reflection of pattern ip from the parameters read, so
 // that the first order table knows how far each peak reaches (constant
 // wavelength; the cycles recompute them).

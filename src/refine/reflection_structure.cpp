@@ -23,9 +23,10 @@ Table1<float, 6> CellCoefficients(const PhasePattern& c) {
 }
 
 // F^2 of a reflection of a crystal phase from its atoms; its derivatives go
-// to work.dF2 when parameters are refined.
-float CrystalStructureFactor(Job& job, CycleWork& work, int ip, int phase, const RealVector& h,
-                             Reflection& r, int fitted) {
+// to dF2[0..fitted) when parameters are refined.
+StructureFactorValue CrystalStructureFactor(const Job& job, StructureFactorScratch& scratch,
+                                            float* dF2, int ip, int phase, const RealVector& h,
+                                            Reflection& r, int fitted) {
   const Phase& ph = job.phases[phase];
   const Pattern& p = job.patterns[ip];
   const PhasePattern& c = ph.pat[ip];
@@ -41,16 +42,10 @@ float CrystalStructureFactor(Job& job, CycleWork& work, int ip, int phase, const
   q.acentric = ph.group.ICENT == 1 ? 1 : 2;
   for (int i = 0; i < 3; ++i) q.h[i] = static_cast<float>(h[i]);
   q.s2 = static_cast<float>(0.25 * InverseDSquared(CellCoefficients(c), h));
-  float* dF2 = nullptr;
   if (fitted > 0) {
-    dF2 = &work.dF2[1];
     for (int L = 0; L < fitted; ++L) dF2[L] = 0.0f;
   }
-  const StructureFactorValue value = EvaluateStructureFactor(in, q, r, work.structure, dF2, fitted);
-  if (value.status == StructureFactorStatus::FormFactorObject) {
-    StopBox(job, " Form-factor objects are not evaluated by this version ");
-  }
-  return value.F2;
+  return EvaluateStructureFactor(in, q, r, scratch, fitted > 0 ? dF2 : nullptr, fitted);
 }
 
 // What the magnetic evaluation needs of reflection r of phase ph at working vector h.
@@ -79,7 +74,7 @@ MagneticRequest MagneticRequestOf(const Phase& ph, const Reflection& r,
 
 // F^2 of the moments of a magnetic phase for reflection r; its derivatives
 // are added to dF2 when it is given.
-double MagneticF2(const Job& job, CycleWork& work, int ip, int phase, const Reflection& r,
+double MagneticF2(const Job& job, MagneticScratch& scratch, int ip, int phase, const Reflection& r,
                   const std::array<double, 3>& h, float* dF2, int fitted,
                   RealVector* dF2dH = nullptr) {
   const Phase& ph = job.phases[phase];
@@ -95,7 +90,7 @@ double MagneticF2(const Job& job, CycleWork& work, int ip, int phase, const Refl
   q.dS2dH = {0.25 * (2.0 * k[1] * h[0] + k[5] * h[2] + k[6] * h[1]),
              0.25 * (2.0 * k[2] * h[1] + k[4] * h[2] + k[6] * h[0]),
              0.25 * (2.0 * k[3] * h[2] + k[4] * h[1] + k[5] * h[0])};
-  return EvaluateMagneticStructureFactor(in, q, work.magnetic, dF2, fitted, dF2dH);
+  return EvaluateMagneticStructureFactor(in, q, scratch, dF2, fitted, dF2dH);
 }
 
 }  // namespace
@@ -139,20 +134,34 @@ void VectorIntensitySlopes(const Phase& ph, const Reflection& r, const RealVecto
   }
 }
 
-float ReflectionStructureF2(Job& job, CycleWork& work, int ip, int phase, const RealVector& h,
-                            Reflection& r, int fitted, RealVector& dF2dH) {
+bool StructureF2Into(const Job& job, StructureScratch& scratch, float* dF2, int ip, int phase,
+                     const RealVector& h, Reflection& r, int fitted, RealVector& dF2dH, float& F2) {
   const StructureParts parts = PartsOf(job.phases[phase], r);
-  float F2 = parts.nuclear ? CrystalStructureFactor(job, work, ip, phase, h, r, fitted) : 0.0f;
-  if (!parts.magnetic) return F2;
-  float* dF2 = nullptr;
-  if (fitted > 0) {
-    dF2 = &work.dF2[1];
-    if (!parts.nuclear) {
+  float sum = 0.0f;
+  if (parts.nuclear) {
+    const StructureFactorValue value =
+        CrystalStructureFactor(job, scratch.structure, dF2, ip, phase, h, r, fitted);
+    if (value.status == StructureFactorStatus::FormFactorObject) return false;
+    sum = value.F2;
+  }
+  if (parts.magnetic) {
+    if (fitted > 0 && !parts.nuclear) {
       for (int L = 0; L < fitted; ++L) dF2[L] = 0.0f;
     }
+    RealVector* slopes = HasRefinedVector(job.phases[phase], r, fitted) ? &dF2dH : nullptr;
+    sum += static_cast<float>(MagneticF2(job, scratch.magnetic, ip, phase, r, h,
+                                         fitted > 0 ? dF2 : nullptr, fitted, slopes));
   }
-  RealVector* slopes = HasRefinedVector(job.phases[phase], r, fitted) ? &dF2dH : nullptr;
-  F2 += static_cast<float>(MagneticF2(job, work, ip, phase, r, h, dF2, fitted, slopes));
+  F2 = sum;
+  return true;
+}
+
+float ReflectionStructureF2(Job& job, CycleWork& work, int ip, int phase, const RealVector& h,
+                            Reflection& r, int fitted, RealVector& dF2dH) {
+  float F2 = 0.0f;
+  if (!StructureF2Into(job, work.scratch, &work.dF2[1], ip, phase, h, r, fitted, dF2dH, F2)) {
+    StopBox(job, " Form-factor objects are not evaluated by this version ");
+  }
   return F2;
 }
 

@@ -26,6 +26,12 @@ StructureParts PartsOf(const Phase& ph, const Reflection& r);
 float ReflectionStructureF2(Job& job, CycleWork& work, int ip, int phase, const RealVector& h,
                             Reflection& r, int fitted, RealVector& dF2dH);
 
+// The same into a working store of its own and dF2[0..fitted), so that
+// reflections may be computed side by side; false (F2 not set) where
+// ReflectionStructureF2 would stop the run.
+bool StructureF2Into(const Job& job, StructureScratch& scratch, float* dF2, int ip, int phase,
+                     const RealVector& h, Reflection& r, int fitted, RealVector& dF2dH, float& F2);
+
 // d ln(F2)/dk of a magnetic satellite for each refined component of its
 // vector, from dF2/dH: the component moves the phases, the projection and
 // (sin(theta)/lambda)^2 alike. Kept on the ring entry beside the position row.
