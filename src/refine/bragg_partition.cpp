@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 
 #include "observations/background.h"
 #include "records/profile_slots.h"
@@ -98,7 +99,10 @@ void ExtractIntensity(Job& job, int ip, int k, float iobs) {
     }
   }
   const float scale = job.phases[KeyPhase(r.key)].pat[ip].PAR[ProfileSlot::Scale];
-  r.F2 = iobs / (r.Corr * scale * r.LpM);
+  // A reflection with nothing observed loses a factor 1.0E-6 per cycle: its F2
+  // stays at the smallest normal float instead of reaching 0, which would read
+  // as a reflection never extracted and start again from a unit intensity.
+  r.F2 = std::max(iobs / (r.Corr * scale * r.LpM), std::numeric_limits<float>::min());
 }
 
 PhaseBraggSums SumPhaseShares(const Job& job, int ip, int phase, const BraggProfile& profile,

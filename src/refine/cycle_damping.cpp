@@ -3,6 +3,7 @@
 #include "refine/cycle_damping.h"
 
 #include <cmath>
+#include <cstdlib>
 #include <tuple>
 
 #include "format/fortran_format.h"
@@ -63,6 +64,13 @@ void Restore(CycleSnapshot& s, Job& job, CycleWork& work) {
   CycleState(job, work) = CycleState(s);
 }
 
+bool ExtractsIntensities(const Job& job) {
+  for (int k = 1; k <= job.run.NPHASE; ++k) {
+    if (std::abs(job.phases[k].Jbt) == 2) return true;
+  }
+  return false;
+}
+
 bool NegativeRefinedOccupancy(const Job& job) {
   constexpr int kOccupancy = 5;
   for (int k = 1; k <= job.run.NPHASE; ++k) {
@@ -120,6 +128,11 @@ CycleDamping::~CycleDamping() = default;
 
 bool CycleDamping::Chi2Rose(const Job& job, int cycle) const {
   if (keptCycle_ == 0 || cycle != keptCycle_ + 1 || !CanRetry()) return false;
+  // Each pass of a profile-matching phase uses the intensities extracted from
+  // the pass before: two passes never share them, and the extraction alone may
+  // raise chi2 (it is not the least-squares solution of the intensities), so
+  // their chi2 do not say whether the shifts overshot.
+  if (ExtractsIntensities(job)) return false;
   // A rise worth less than one standard deviation of one parameter, a rise
   // of the unscaled sum below chi2 itself, is the jitter of steps at the
   // minimum, not a step that overshot.

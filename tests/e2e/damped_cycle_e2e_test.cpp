@@ -1,6 +1,7 @@
 // End-to-end runs of the damped cycles: a refinement of a noise-free simulated pattern started so
 // far out that its undamped shifts make a peak width invalid is solved again with damping and
-// reaches the simulated parameters; a refinement that converges undamped prints no retry line.
+// reaches the simulated parameters; a refinement that converges undamped prints no retry line;
+// profile matching is not solved again for a rise of chi2.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -120,6 +121,28 @@ TEST(DampedCycleEndToEnd, ConvergingRefinementPrintsNoRetryLine) {
   EXPECT_NE(run.output.find("===>>> CYCLE:"), std::string::npos);
   EXPECT_EQ(run.output.find("shifts rejected"), std::string::npos) << run.output;
   EXPECT_EQ(dir.Read("cycle3.out").find("shifts rejected"), std::string::npos);
+}
+
+// Each pass of a profile-matching job uses the intensities extracted from the pass before, so the
+// chi2 of two passes does not judge the shifts between them: no cycle is solved again for a rise
+// of chi2, and the refinement still reaches the simulated cell, widths and background
+// (make_cycle_data.py: a = 4, U, V, W = 0.10, -0.05, 0.05, zero 0, background 180 at 40 degrees).
+TEST(DampedCycleEndToEnd, ProfileMatchingRetriesNoCycleForARiseOfChi2) {
+  ScratchDir dir;
+  dir.Write("cubic_match.pcr", TestData("damping/cubic_match.pcr"));
+  dir.Write("cubic_match.dat", TestData("cycle/cycle.dat"));
+  const auto run = RunBinary(dir.path, "cubic_match");
+  ASSERT_EQ(run.exitCode, 0) << run.output;
+  EXPECT_NE(run.output.find("===>>> CYCLE:      30"), std::string::npos) << run.output;
+  EXPECT_EQ(run.output.find("shifts rejected (chi2 up)"), std::string::npos) << run.output;
+  EXPECT_EQ(dir.Read("cubic_match.out").find("shifts rejected"), std::string::npos);
+  const auto values = SummaryValues(dir.Read("cubic_match.sum"));
+  ExpectWithinThreeSigma(values, "a", 4.0);
+  ExpectWithinThreeSigma(values, "U", 0.10);
+  ExpectWithinThreeSigma(values, "V", -0.05);
+  ExpectWithinThreeSigma(values, "W", 0.05);
+  ExpectWithinThreeSigma(values, "Zero", 0.0);
+  ExpectWithinThreeSigma(values, "Bck0", 180.0);
 }
 
 }  // namespace

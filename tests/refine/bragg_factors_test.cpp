@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <map>
 #include <utility>
 #include <vector>
@@ -175,6 +176,20 @@ TEST(BraggExtraction, ProfileMatchingPhaseTakesF2FromObservedShare) {
   BraggFactors(*c.job, false, c.profile);
   EXPECT_NEAR(c.slot(1).F2, kIobs1 / (1.0 * 2 * 5), 1e-5);
   EXPECT_NEAR(c.slot(2).F2, kIobs2 / (1.5 * 2 * 4), 1e-5);
+}
+
+TEST(BraggExtraction, ReflectionWithNothingObservedKeepsAPositiveF2CycleAfterCycle) {
+  OverlapCase c(2);
+  for (int i = 1; i <= c.pattern().NPTS; ++i) c.pattern().Ytotal[i] = 5.0f;
+  // Below the background everywhere: each extraction keeps 1.0E-6 of F2
+  // (10, then 1.0E-5, 1.0E-11, ...) until that is no normal float; from there on
+  // it stays at the smallest one and is never taken for an unextracted reflection.
+  for (int cycle = 1; cycle <= 12; ++cycle) {
+    BraggFactors(*c.job, false, c.profile);
+    EXPECT_GT(c.slot(1).F2, 0.0f) << cycle;
+    EXPECT_GT(c.slot(2).F2, 0.0f) << cycle;
+  }
+  EXPECT_EQ(c.slot(1).F2, std::numeric_limits<float>::min());
 }
 
 TEST(BraggExtraction, NegativeProfileMatchingCodeAlsoExtracts) {

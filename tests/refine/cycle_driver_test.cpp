@@ -37,9 +37,22 @@ struct CycleRun {
   bool finished = false;
   // `forceTest` switches the convergence test on after reading, as a phase
   // with a structure would leave it (profile matching switches it off).
-  CycleRun(int cycles, int refined, int idum = 0, bool forceTest = false, float eps = -1.0f) {
+  // `peaks` adds a Gaussian of height 400 and FWHM 0.09 degrees at each of the
+  // first six reflections of the cell; without them the counts are flat.
+  CycleRun(int cycles, int refined, int idum = 0, bool forceTest = false, float eps = -1.0f,
+           bool peaks = false) {
     std::string data = "20.0 0.02 60.0\n";
-    for (int i = 1; i <= 2001; ++i) data += i % 10 == 0 ? "100\n" : "100 ";
+    for (int i = 1; i <= 2001; ++i) {
+      double y = 100.0;
+      const double x = 20.0 + 0.02 * (i - 1);
+      for (int q : {1, 2, 3, 4, 5, 6}) {
+        const double position =
+            2.0 * std::asin(1.5406 * std::sqrt(q) / (2.0 * 4.05)) * 180.0 / M_PI;
+        const double u = (x - position) / 0.09;
+        if (peaks) y += 400.0 * std::exp(-4.0 * std::log(2.0) * u * u);
+      }
+      data += std::to_string(static_cast<int>(std::lround(y))) + (i % 10 == 0 ? "\n" : " ");
+    }
     dir.Write("x.dat", data + "\n");
     EXPECT_TRUE(testing::ReadControlText(dir, job, ControlText(cycles, refined, idum), false))
         << job.Console();
@@ -68,7 +81,7 @@ TEST(CycleDriver, NoCycleGoesStraightToTheNormalEnd) {
 // The ordering code of the points has its own table: a run leaves the counter
 // normalisation of the data as it was read.
 TEST(CycleDriver, CountNormIsUnchangedByARun) {
-  CycleRun run(2, 2);
+  CycleRun run(2, 2, 0, false, -1.0f, true);
   ASSERT_TRUE(run.finished) << run.job.Console();
   const Pattern& p = run.job->patterns[1];
   ASSERT_EQ(p.NPTS, 2001);
@@ -119,7 +132,7 @@ TEST(CycleDriver, OneCycleWithTheTestActiveNeverReportsConvergence) {
 
 TEST(CycleDriver, ChiSquaredThatDoesNotFallStopsTheRunForDivergence) {
   // A vanishing tolerance keeps the run cycling until chi2 stops falling.
-  CycleRun run(30, 2, 2, true, 0.0f);
+  CycleRun run(30, 2, 2, true, 0.0f, true);
   EXPECT_FALSE(run.finished) << run.job.Console();
   EXPECT_EQ(run.Count(" because of divergence"), 1);
   EXPECT_EQ(run.Count(" STOP because of divergence"), 1) << run.job.Console();
