@@ -39,17 +39,32 @@ inline std::complex<double> Inverse(std::complex<double> z) {
   return std::conj(z) / std::norm(z);
 }
 
-std::complex<double> SeriesExpE1(std::complex<double> z) {
-  std::complex<double> sum = 0.0;
-  std::complex<double> power = 1.0;  // (-1)^(k+1) z^k / k!
-  for (int k = 1; k < 500; ++k) {
-    power *= -z / static_cast<double>(k);
-    const std::complex<double> term = -power / static_cast<double>(k);
-    const std::complex<double> before = sum;
-    sum += term;
-    if (sum == before) break;
+// 1/k for the terms of the power series, so that its loop multiplies only.
+constexpr int kSeriesTerms = 500;
+struct Reciprocals {
+  double of[kSeriesTerms] = {};
+  constexpr Reciprocals() {
+    for (int k = 1; k < kSeriesTerms; ++k) of[k] = 1.0 / k;
   }
-  const std::complex<double> e1 = -kEulerGamma - std::log(z) + sum;
+};
+constexpr Reciprocals kReciprocals;
+
+std::complex<double> SeriesExpE1(std::complex<double> z) {
+  const double* inverse = kReciprocals.of;
+  const double zr = -z.real(), zi = -z.imag();
+  // (-1)^(k+1) z^k / k! as (pr, pi), in real arithmetic: the library's
+  // complex product checks for infinities at every step.
+  double pr = 1.0, pi = 0.0, sr = 0.0, si = 0.0;
+  for (int k = 1; k < kSeriesTerms; ++k) {
+    const double nr = (pr * zr - pi * zi) * inverse[k];
+    pi = (pr * zi + pi * zr) * inverse[k];
+    pr = nr;
+    const double br = sr, bi = si;
+    sr -= pr * inverse[k];
+    si -= pi * inverse[k];
+    if (sr == br && si == bi) break;
+  }
+  const std::complex<double> e1 = -kEulerGamma - std::log(z) + std::complex<double>(sr, si);
   return std::exp(z) * e1;
 }
 
