@@ -122,9 +122,17 @@ void AccumulateChunk(Job& job, CycleWork& work, const Chunk& c, int fitted, int 
 
 }  // namespace
 
+bool WorthSeveralThreads(const Job& job) {
+  long long work = 0;
+  const long long columns = FittedCount(job) + kThreadWorkColumns;
+  for (int ip = 1; ip <= job.run.NPATT; ++ip) work += job.patterns[ip].NPTS * columns;
+  return work >= kThreadWorkThreshold;
+}
+
 int PointThreads(const Job& job, const CycleWork& work) {
   if (work.threads > 0) return work.threads;
   if (job.driver.pointThreads > 0) return job.driver.pointThreads;
+  if (!WorthSeveralThreads(job)) return 1;
   return static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
 }
 
