@@ -1,6 +1,7 @@
 // Placement of one reflection in the table: positions, capacity and the width check.
 #include "crystal/reflection_slots.h"
 
+#include <cmath>
 #include <cstdlib>
 
 #include "crystal/metric.h"
@@ -9,6 +10,8 @@
 
 namespace corvinet {
 namespace {
+
+constexpr double kHalfDegreeInRadians = 0.008726646;
 
 // The square of the Caglioti width at a two-theta reflection: W + t(V + tU).
 double SquaredWidth(const MarginWidths& w, double tanTheta) {
@@ -20,6 +23,27 @@ void CheckWidth(const Pattern& p, const SlotContext& c, const ReflectionPlace& p
   if (SquaredWidth(c.widths, place.tanTheta) < 0.0) {
     throw SlotError{SlotFailure::NegativeWidth, static_cast<float>(place.position)};
   }
+}
+
+// How far beyond THMAX a two-theta peak still reaches the range: Wdt full
+// widths at half maximum of a peak at THMAX. 0 when the peaks are not followed
+// there (a resolution file, another unit, no margin, no real width).
+float TailReach(const Pattern& p, const MarginWidths& widths, bool keepTails) {
+  if (!keepTails || p.IXUNIT != AbscissaUnit::kTwoTheta || p.IRESO != 0) return 0.0f;
+  const double h2 = SquaredWidth(widths, std::tan(p.THMAX * kHalfDegreeInRadians));
+  return h2 > 0.0 ? static_cast<float>(p.Wdt * std::sqrt(h2)) : 0.0f;
+}
+
+// Whether a reflection placed at `place` serves the pattern: its position lies
+// inside the limits or no further above THMAX than the tail reach, with a
+// real width. A peak just beyond THMAX still adds its tail to the last points;
+// when the cell refines smaller its peaks move out of the range, and a later
+// run from the refined values must keep them as this one did.
+bool ServesPattern(const Pattern& p, const SlotContext& c, const ReflectionPlace& place) {
+  const float position = static_cast<float>(place.position);
+  if (InsidePattern(p, position)) return true;
+  if (!(position > p.THMAX && position <= p.THMAX + c.tailReach)) return false;
+  return SquaredWidth(c.widths, place.tanTheta) > 0.0;
 }
 
 Reflection& TakeSlot(ReflectionTable& table) {
@@ -43,7 +67,9 @@ SlotContext MakeSlotContext(const Job& job, int k, int ip, LorentzFactor lorentz
   for (int i = 1; i <= 6; ++i) context.coefficients[i] = c.PAR[ProfileSlot::FirstCell - 1 + i];
   context.widths =
       MarginWidths{c.PAR[ProfileSlot::U], c.PAR[ProfileSlot::V], c.PAR[ProfileSlot::W]};
-  context.range = RangeOfPattern(p, context.widths, std::abs(ph.Jbt) == 2);
+  const bool keepTails = std::abs(ph.Jbt) != 2;
+  context.range = RangeOfPattern(p, context.widths, !keepTails);
+  context.tailReach = TailReach(p, context.widths, keepTails);
   context.wavelengths = WavelengthCount(p);
   context.shift = shift;
   context.lorentz = lorentz;
@@ -63,7 +89,7 @@ int StoreReflection(const Pattern& p, ReflectionTable& table, const SlotContext&
   int taken = 0;
   for (int w = 1; w <= c.wavelengths; ++w) {
     const ReflectionPlace place = PlaceReflection(p, q, w, shift);
-    if (!place.valid || !InsidePattern(p, static_cast<float>(place.position))) continue;
+    if (!place.valid || !ServesPattern(p, c, place)) continue;
     CheckWidth(p, c, place);
     Reflection& slot = TakeSlot(table);
     slot.key = ReflectionKey(w, c.phase, source.h, source.k, source.l);

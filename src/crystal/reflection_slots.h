@@ -36,6 +36,7 @@ struct SlotContext {
   Table1<float, 6> coefficients;  // A..F of 1/d² = Ah² + Bk² + Cl² + Dkl + Ehl + Fhk
   MarginWidths widths;            // U, V, W of the phase in the pattern
   ReflectionRange range;
+  float tailReach = 0.0f;  // how far above THMAX a peak still reaches the range
   int wavelengths = 1;
   HklShift shift;
   LorentzFactor lorentz = nullptr;  // Lp of a placed reflection

@@ -95,5 +95,38 @@ TEST(ReflectionSlots, ANegativeSquaredWidthIsAcceptedWithAResolutionFile) {
   EXPECT_EQ(c.Store(), 1);
 }
 
+TEST(ReflectionSlots, APeakAboveThmaxWithinTheTailReachIsKeptForItsTail) {
+  SlotCase c;
+  c.pattern->THMAX = static_cast<float>(Position100() - 0.3);
+  c.context.tailReach = 1.0f;
+  ASSERT_EQ(c.Store(), 1);
+  EXPECT_GT(c.pattern->reflections.slot[1].position, c.pattern->THMAX);
+}
+
+TEST(ReflectionSlots, APeakAboveThmaxBeyondTheTailReachIsLeftOut) {
+  SlotCase c;
+  c.pattern->THMAX = static_cast<float>(Position100() - 0.3);
+  c.context.tailReach = 0.2f;
+  EXPECT_EQ(c.Store(), 0);
+  c.context.tailReach = 0.0f;
+  EXPECT_EQ(c.Store(), 0);
+  EXPECT_EQ(c.pattern->reflections.total, 0);
+}
+
+TEST(ReflectionSlots, APeakAboveThmaxWithoutARealWidthIsLeftOut) {
+  SlotCase c;
+  c.pattern->THMAX = static_cast<float>(Position100() - 0.3);
+  c.context.tailReach = 1.0f;
+  c.context.widths.W = -0.01f;  // W + t(V + tU) < 0 at the peak: no tail to serve
+  EXPECT_EQ(c.Store(), 0);
+}
+
+TEST(ReflectionSlots, APeakBelowThminIsLeftOutWhateverTheTailReach) {
+  SlotCase c;
+  c.pattern->THMIN = static_cast<float>(Position100() + 0.3);
+  c.context.tailReach = 1.0f;
+  EXPECT_EQ(c.Store(), 0);
+}
+
 }  // namespace
 }  // namespace corvinet

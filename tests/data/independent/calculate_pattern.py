@@ -43,11 +43,14 @@ value), R_1 = 1, R_2 = RATIO, and
   Lp = 1 / (2 sin^2(theta) cos(theta))                               neutrons
   Omega = eta L + (1 - eta) G, the normalised Lorentzian and Gaussian of full width H at half
           maximum (unit area over 2theta in degrees), zero where |x - position| > WDT * H.
-A reflection is in the pattern when its position 2theta + ZERO lies in [THMIN, THMAX].
+A reflection is in the pattern when its position 2theta + ZERO lies in [THMIN, THMAX + R],
+R = WDT * H(THMAX), with H(THMAX) the width of a peak at 2theta = THMAX: a peak beyond THMAX
+still adds its tail to the last points.
 
 Output: a comment header, then one line per point: x, y, y_low, y_high, background.
-y_low and y_high bound y when a peak cut-off falls within 2e-4 degrees of the point, so that
-a rounding of the peak position could take the reflection in or out; elsewhere they equal y.
+y_low and y_high bound y when a peak cut-off falls within 2e-4 degrees of the point, or a
+position within 2e-4 degrees of THMIN or THMAX + R, so that a rounding of the peak position
+could take the reflection in or out; elsewhere they equal y.
 
 Exit status 77 (skip) when numpy or the oracle's packages are missing, or SHARED_DIR is absent.
 """
@@ -278,12 +281,15 @@ def peaks(job, shared, tables):
         waves.append((l2, ratio))
     thmin, _, thmax = job['range']
     zero = job['zero'][0]
-    top = min(180.0, thmax - zero + 1.0)
+    u, v, w = job['uvw']
+    t_max = math.tan(math.radians(thmax / 2))
+    h2_max = u * t_max * t_max + v * t_max + w
+    top_position = thmax + (job['peak_range'][0] * math.sqrt(h2_max) if h2_max > 0.0 else 0.0)
+    top = min(180.0, top_position - zero + 1.0)
     smax2 = (2.0 * math.sin(math.radians(top / 2)) / min(l for l, _ in waves)) ** 2
     ops = read_group(tables, job['spacegroup'])
     gstar, reps = forms(job, ops, smax2)
     f2 = oracle_f2(job, shared, [h for h, _ in reps])
-    u, v, w = job['uvw']
     eta0, eta_x = job['eta']
     out = []
     for hkl, mult in reps:
@@ -297,12 +303,15 @@ def peaks(job, shared, tables):
             theta = math.asin(sin_theta)
             two_theta = math.degrees(2.0 * theta)
             position = two_theta + zero
-            if not thmin <= position <= thmax:
+            if not thmin - CUT_MARGIN <= position <= top_position + CUT_MARGIN:
                 continue
             t = math.tan(theta)
-            fwhm = math.sqrt(u * t * t + v * t + w)
+            fwhm2 = u * t * t + v * t + w
+            if fwhm2 <= 0.0:
+                continue
+            unsure = min(abs(position - thmin), abs(position - top_position)) < CUT_MARGIN
             intensity = job['scale'][0] * mult * lorentz_polarisation(job, theta) * f2avg * weight
-            out.append((position, fwhm, eta0 + eta_x * two_theta, intensity))
+            out.append((position, math.sqrt(fwhm2), eta0 + eta_x * two_theta, intensity, unsure))
     return out
 
 
@@ -324,7 +333,7 @@ def pattern(job, members):
     low = np.zeros(npts)
     high = np.zeros(npts)
     reach = job['peak_range'][0]
-    for position, fwhm, eta, intensity in members:
+    for position, fwhm, eta, intensity, unsure_member in members:
         edge = reach * fwhm
         i0 = max(0, int((position - edge - CUT_MARGIN - thmin) / step))
         i1 = min(npts, int((position + edge + CUT_MARGIN - thmin) / step) + 2)
@@ -333,6 +342,9 @@ def pattern(job, members):
         inside = np.abs(delta) <= edge
         unsure = np.abs(np.abs(delta) - edge) < CUT_MARGIN
         y[i0:i1] += np.where(inside, value, 0.0)
+        if unsure_member:
+            high[i0:i1] += np.where(inside | unsure, value, 0.0)
+            continue
         low[i0:i1] += np.where(inside & ~unsure, value, 0.0)
         high[i0:i1] += np.where(inside | unsure, value, 0.0)
     return x, back + y, back + low, back + high, back
