@@ -143,6 +143,8 @@ void CalculatePatterns(Job& job, CycleWork& work, int cycle) {
       ConsoleLineWithNumber(
           job, " Ordering reflections contributing to each point for pattern:", ip, 0.0f, 1);
       OrderReflections(job, ip);
+    } else {
+      FollowReflections(job, ip);
     }
   }
   ConsoleLine(job, " Calculation of Yi for all points + Normal Matrix & Vector...");

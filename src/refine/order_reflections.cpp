@@ -181,7 +181,17 @@ int Locate(int n, const Table1<float, DimensionLimits::IDSZ>& x, float value) {
       n, [&x](int i) { return x[i]; }, value);
 }
 
-void OrderReflections(Job& job, int ip) {
+namespace {
+
+// A base built again during the cycles is widened on each side by this part
+// of itself, so that the peaks may move and broaden over several cycles before
+// the table has to follow them; the peak itself is cut at its base.
+constexpr float kFollowWidening = 0.5f;
+
+// The order codes of the points from the present bases, each side widened by
+// `widening` of itself; with `report`, the listings, and the checks of the
+// first build. Returns the first reflection reaching a point, 0 when none does.
+int BuildOrderCodes(Job& job, int ip, bool report, float widening) {
   Pattern& p = job.patterns[ip];
   ReflectionTable& table = p.reflections;
   if (job.run.NPHASE > 1) SortReflections(table, table.total, kWholePattern);
@@ -190,18 +200,18 @@ void OrderReflections(Job& job, int ip) {
   auto& k11 = job.refinement.first;
   auto& k21 = job.refinement.last;
   for (int i = 1; i <= p.NPTS; ++i) k11[i] = k21[i] = 0;
-  if (p.LST3 != 0) ListReflections(job, table);
+  if (report && p.LST3 != 0) ListReflections(job, table);
   for (int k = 1; k <= table.total; ++k) {
     const PeakInterval base = PeakIntervalOf(job, ip, k);
-    const int lo = LowIndex(p, base.position - base.left);
-    const int hi = PointIndexOf(p, base.position + base.right);
+    const int lo = LowIndex(p, base.position - (1.0f + widening) * base.left);
+    const int hi = PointIndexOf(p, base.position + (1.0f + widening) * base.right);
     for (int i = lo; i <= hi; ++i) {
       k21[i] = k;
       if (k11[i] == 0) k11[i] = k;
     }
   }
   MarkExcludedRegions(p, k11, k21);
-  if (p.LST2 == 1) WritePointTable(job, p, k11, k21);
+  if (report && p.LST2 == 1) WritePointTable(job, p, k11, k21);
   int firstValid = 0;
   for (int i = 1; i <= p.NPTS; ++i) {
     // The ring of derivatives holds NOV reflections: no more may reach a point.
@@ -210,8 +220,37 @@ void OrderReflections(Job& job, int ip) {
     p.OrderCode[i] = k21[i] * kOrderRadix + k11[i];
     if (firstValid == 0 && k11[i] != 0) firstValid = k11[i];
   }
+  return firstValid;
+}
+
+// Whether every point inside the present base of every reflection has that
+// reflection within its order code (excluded points aside).
+bool OrderCoversBases(const Job& job, int ip) {
+  const Pattern& p = job.patterns[ip];
+  for (int k = 1; k <= p.reflections.total; ++k) {
+    const PeakInterval base = PeakIntervalOf(job, ip, k);
+    const int lo = LowIndex(p, base.position - base.left);
+    const int hi = std::min(PointIndexOf(p, base.position + base.right), p.NPTS);
+    for (int i = lo; i <= hi; ++i) {
+      const int code = p.OrderCode[i];
+      if (code == kExcludedPoint) continue;
+      if (k < FirstReflection(code) || k > LastReflection(code)) return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+void OrderReflections(Job& job, int ip) {
+  const int firstValid = BuildOrderCodes(job, ip, true, 0.0f);
   if (firstValid == 0) StopBox(job, " NO REFLECTIONS FOUND -> Check your input data");
-  CheckRefinedShapeCodes(job, p, ip, firstValid);
+  CheckRefinedShapeCodes(job, job.patterns[ip], ip, firstValid);
+}
+
+void FollowReflections(Job& job, int ip) {
+  if (OrderCoversBases(job, ip)) return;
+  BuildOrderCodes(job, ip, false, kFollowWidening);
 }
 
 }  // namespace corvinet

@@ -35,4 +35,11 @@ PeakInterval PeakIntervalOf(const Job& job, int ip, int k);
 // on asymmetry or preferred-orientation codes that cannot act.
 void OrderReflections(Job& job, int ip);
 
+// Builds OrderCode of every point of pattern ip again, without the listings
+// and the code checks, when a peak's present base (its position and width
+// moved by the cell, the zero or the widths) reaches a point whose code leaves
+// it out; the bases are then widened by half, so that the table stays put for
+// the next small moves. Stops only on excessive overlap.
+void FollowReflections(Job& job, int ip);
+
 }  // namespace corvinet

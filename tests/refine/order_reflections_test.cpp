@@ -45,6 +45,9 @@ struct OrderCase {
   bool Orders() {
     return testing::RunsWithoutStop(*job, [](Job& j) { OrderReflections(j, 1); });
   }
+  bool Follows() {
+    return testing::RunsWithoutStop(*job, [](Job& j) { FollowReflections(j, 1); });
+  }
 };
 
 TEST(OrderReflections, PointsUnderAPeakGetItsNumber) {
@@ -142,6 +145,44 @@ TEST(OrderReflections, PointTableIsWrittenWhenAsked) {
   EXPECT_EQ(lines[0].substr(0, 13), "Pattern from ");
   EXPECT_EQ(lines[1], "  2theta         Ytotal         Backg         Ynet      Variance  K11  K21");
   EXPECT_EQ(lines[2 + 18].substr(lines[2 + 18].size() - 10), "    1    1");
+}
+
+TEST(OrderReflections, FollowingKeepsTheTableWhileEveryBaseIsCovered) {
+  OrderCase c;
+  c.Add(12.0f, 0.1f);  // base 11.8 .. 12.2: points 19 .. 23
+  ASSERT_TRUE(c.Orders());
+  c.job->patterns[1].reflections.slot[1].position = 12.02f;  // base 11.82 .. 12.22: 20 .. 23
+  ASSERT_TRUE(c.Follows());
+  EXPECT_EQ(c.Code(19), 6001);
+  EXPECT_EQ(c.Code(23), 6001);
+  EXPECT_EQ(c.Code(24), 0);
+}
+
+TEST(OrderReflections, FollowingRebuildsWithWidenedBasesWhenAPeakLeavesItsPoints) {
+  OrderCase c;
+  c.Add(12.0f, 0.1f);
+  ASSERT_TRUE(c.Orders());
+  // Moved by 0.33: base 12.13 .. 12.53, points 22 .. 26; widened by half of
+  // each side, 12.03 .. 12.63, points 21 .. 27.
+  c.job->patterns[1].reflections.slot[1].position = 12.33f;
+  ASSERT_TRUE(c.Follows());
+  EXPECT_EQ(c.Code(20), 0);
+  EXPECT_EQ(c.Code(21), 6001);
+  EXPECT_EQ(c.Code(27), 6001);
+  EXPECT_EQ(c.Code(28), 0);
+}
+
+TEST(OrderReflections, FollowingRebuildsWhenAPeakBroadensBeyondItsPoints) {
+  OrderCase c;
+  c.Add(12.0f, 0.1f);
+  ASSERT_TRUE(c.Orders());
+  // Width 0.2: base 11.6 .. 12.4, points 17 .. 25; widened 11.4 .. 12.6, 15 .. 27.
+  c.job->patterns[1].reflections.slot[1].Fwhm = 0.2f;
+  ASSERT_TRUE(c.Follows());
+  EXPECT_EQ(c.Code(14), 0);
+  EXPECT_EQ(c.Code(15), 6001);
+  EXPECT_EQ(c.Code(27), 6001);
+  EXPECT_EQ(c.Code(28), 0);
 }
 
 }  // namespace
