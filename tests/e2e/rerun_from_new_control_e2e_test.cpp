@@ -107,6 +107,19 @@ TEST(RerunFromNewControl, AnglesiteExampleCarriesOnFromItsLastCycle) {
   ExpectCarriesOn(RefineThenRerun(dir, "anglesite"));
 }
 
+// ZnO with an instrument resolution file: the sample widths grow to four and three times their
+// starting values, so that the peaks outgrow the bases of the first cycle.
+TEST(RerunFromNewControl, ZnOWithAResolutionFileCarriesOnFromItsLastCycle) {
+  ScratchDir dir;
+  dir.Write("inst.irf", TestData("results/inst.irf"));
+  dir.Write("sim.pcr", TestData("results/zno_resolution_sim.pcr"));
+  dir.Write("sim.dat", "");
+  ASSERT_EQ(RunBinary(dir.path, "sim").exitCode, 0);
+  dir.Write("fit.dat", dir.Read("sim.sim"));
+  dir.Write("fit.pcr", TestData("results/zno_resolution_fit.pcr"));
+  ExpectCarriesOn(RefineThenRerun(dir, "fit"));
+}
+
 // PbSO4 on D1A: the zero moves by 0.14 degrees and the cell shrinks, so that peaks leave their
 // bases of the first cycle and three reflections leave the range above THMAX.
 TEST(RerunFromNewControl, PbSO4NeutronRefinementCarriesOnFromItsLastCycle) {
