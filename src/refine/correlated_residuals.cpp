@@ -53,7 +53,7 @@ float CorrelatedResidualsFactor(const Pattern& pattern, float residualB) {
   RunWalk w;
   for (int i = 1; i <= pattern.NPTS; ++i) {
     const int code = pattern.OrderCode[i];
-    if (excluded[static_cast<std::size_t>(i)] || code == 0 || code == kExcludedPoint) continue;
+    if (excluded[static_cast<std::size_t>(i)] || !IsBraggCode(code)) continue;
     const float d = pattern.Ytotal[i] - BackgroundAt(pattern, i) - pattern.Ycalc[i];
     const float v = pattern.Variance[i];
     if (i - w.lastIndex != 1 || d * w.prevD <= 0.0f) {

@@ -223,6 +223,25 @@ int BuildOrderCodes(Job& job, int ip, bool report, float widening) {
   return firstValid;
 }
 
+// Marks the points that only the widened bases reach: the codes with
+// reflections whose point lies inside no present base.
+void MarkTailOnlyPoints(Job& job, int ip) {
+  Pattern& p = job.patterns[ip];
+  auto& inside = job.refinement.first;
+  for (int i = 1; i <= p.NPTS; ++i) inside[i] = 0;
+  for (int k = 1; k <= p.reflections.total; ++k) {
+    const PeakInterval base = PeakIntervalOf(job, ip, k);
+    const int lo = LowIndex(p, base.position - base.left);
+    const int hi = std::min(PointIndexOf(p, base.position + base.right), p.NPTS);
+    for (int i = lo; i <= hi; ++i) inside[i] = 1;
+  }
+  for (int i = 1; i <= p.NPTS; ++i) {
+    int& code = p.OrderCode[i];
+    code %= kTailOnlyPoint;
+    if (code != 0 && code != kExcludedPoint && inside[i] == 0) code += kTailOnlyPoint;
+  }
+}
+
 // Whether every point inside the present base of every reflection has that
 // reflection within its order code (excluded points aside).
 bool OrderCoversBases(const Job& job, int ip) {
@@ -251,6 +270,7 @@ void OrderReflections(Job& job, int ip) {
 void FollowReflections(Job& job, int ip) {
   if (OrderCoversBases(job, ip)) return;
   BuildOrderCodes(job, ip, false, kFollowWidening);
+  MarkTailOnlyPoints(job, ip);
 }
 
 }  // namespace corvinet

@@ -9,6 +9,18 @@ namespace corvinet {
 constexpr int kOrderRadix = DimensionLimits::IRS;
 constexpr int kExcludedPoint = kOrderRadix;  // K21 = 1, K11 = 0
 
+// Added to the code of a point that the widened bases of a table built again
+// during the cycles reach, but no present base: its peaks are calculated, and
+// it counts as a point without Bragg contributions, as a table of the present
+// bases would have it.
+constexpr int kTailOnlyPoint = kOrderRadix * kOrderRadix;
+
+// Whether the point of `code` has Bragg contributions: reflections, not
+// excluded, not reached by widened bases alone.
+inline bool IsBraggCode(int code) {
+  return code != 0 && code != kExcludedPoint && code < kTailOnlyPoint;
+}
+
 // First and last reflection of an order code (0 when none).
 inline int FirstReflection(int code) {
   return code % kOrderRadix;
@@ -39,7 +51,8 @@ void OrderReflections(Job& job, int ip);
 // and the code checks, when a peak's present base (its position and width
 // moved by the cell, the zero or the widths) reaches a point whose code leaves
 // it out; the bases are then widened by half, so that the table stays put for
-// the next small moves. Stops only on excessive overlap.
+// the next small moves, and the points they alone reach marked with
+// kTailOnlyPoint. Stops only on excessive overlap.
 void FollowReflections(Job& job, int ip);
 
 }  // namespace corvinet

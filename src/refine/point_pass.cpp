@@ -55,16 +55,16 @@ Chunk NextChunk(Job& job, CycleWork& work, int ip, int from, bool polynomial) {
     if (code == kExcludedPoint) continue;
     const int first = FirstReflection(code);
     const int last = LastReflection(code);
-    const bool bragg = first != 0 && last != 0;
-    if (bragg) {
+    const bool reached = first != 0 && last != 0;
+    if (reached) {
       const int lowest = firstReflection == 0 ? first : firstReflection;
       if (c.count > 0 && last - lowest >= DimensionLimits::NOV) break;
       firstReflection = lowest;
       c.lastReflection = std::max(c.lastReflection, last);
-      ++s.braggPoints[ip];
+      if (IsBraggCode(code)) ++s.braggPoints[ip];
     }
     ++s.usedPoints[ip];
-    if (bragg || polynomial) work.points[static_cast<std::size_t>(c.count++)] = i;
+    if (reached || polynomial) work.points[static_cast<std::size_t>(c.count++)] = i;
   }
   c.nextPoint = i;
   return c;

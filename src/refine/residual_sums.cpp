@@ -86,7 +86,7 @@ ResidualSums Stored(const DoubleSums& d) {
 }
 
 bool IsNonBraggCode(int code) {
-  return code == 0 || code == kExcludedPoint;
+  return !IsBraggCode(code);
 }
 
 }  // namespace

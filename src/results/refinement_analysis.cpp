@@ -197,7 +197,7 @@ ExpectedFactors ExpectedProfileFactors(Job& job, int ip) {
   std::array<double, 4> regions{};
   for (int i = 1; i <= p.NPTS; ++i) {
     const int code = p.OrderCode[i];
-    if (code == kExcludedPoint || (polynomial && code == 0)) continue;
+    if (code == kExcludedPoint || (polynomial && !IsBraggCode(code))) continue;
     if (InsideExcludedRegion(p, p.X[i])) continue;
     const float yobs = p.Ytotal[i];
     // A point without a variance counts with unit weight.

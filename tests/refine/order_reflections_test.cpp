@@ -167,9 +167,18 @@ TEST(OrderReflections, FollowingRebuildsWithWidenedBasesWhenAPeakLeavesItsPoints
   c.job->patterns[1].reflections.slot[1].position = 12.33f;
   ASSERT_TRUE(c.Follows());
   EXPECT_EQ(c.Code(20), 0);
-  EXPECT_EQ(c.Code(21), 6001);
-  EXPECT_EQ(c.Code(27), 6001);
+  EXPECT_EQ(c.Code(22), 6001);
+  EXPECT_EQ(c.Code(26), 6001);
   EXPECT_EQ(c.Code(28), 0);
+  // Points 21 and 27, reached by the widened base only, keep the reflection
+  // for its calculation and count without Bragg contributions.
+  for (int i : {21, 27}) {
+    EXPECT_EQ(c.Code(i), kTailOnlyPoint + 6001) << i;
+    EXPECT_EQ(FirstReflection(c.Code(i)), 1);
+    EXPECT_EQ(LastReflection(c.Code(i)), 1);
+    EXPECT_FALSE(IsBraggCode(c.Code(i)));
+  }
+  EXPECT_TRUE(IsBraggCode(c.Code(22)));
 }
 
 TEST(OrderReflections, FollowingRebuildsWhenAPeakBroadensBeyondItsPoints) {
@@ -180,8 +189,10 @@ TEST(OrderReflections, FollowingRebuildsWhenAPeakBroadensBeyondItsPoints) {
   c.job->patterns[1].reflections.slot[1].Fwhm = 0.2f;
   ASSERT_TRUE(c.Follows());
   EXPECT_EQ(c.Code(14), 0);
-  EXPECT_EQ(c.Code(15), 6001);
-  EXPECT_EQ(c.Code(27), 6001);
+  EXPECT_EQ(c.Code(15), kTailOnlyPoint + 6001);
+  EXPECT_EQ(c.Code(17), 6001);
+  EXPECT_EQ(c.Code(25), 6001);
+  EXPECT_EQ(c.Code(27), kTailOnlyPoint + 6001);
   EXPECT_EQ(c.Code(28), 0);
 }
 
