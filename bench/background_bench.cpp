@@ -11,8 +11,8 @@
 namespace corvinet {
 namespace {
 
-constexpr int kPoints = DimensionLimits::IDSZ;
-constexpr int kFilterPoints = DimensionLimits::IDSZ / 2;  // the most the filter accepts
+constexpr int kPoints = DimensionLimits::kDefaultIDSZ;
+constexpr int kFilterPoints = DimensionLimits::kDefaultIDSZ / 2;  // the most the filter accepts
 
 // A job whose console goes nowhere, with pattern 1 on a 2theta grid of npts points.
 std::unique_ptr<Job> MakeJob(int typed, int npts) {
@@ -101,7 +101,7 @@ void DerivativesOverAllPoints(benchmark::State& state, int typed) {
   auto job = MakeJob(typed, kPoints);
   FillBackground(*job, 1);
   const Pattern& p = job->patterns[1];
-  DerivativeVector derivative;
+  DerivativeVector derivative(DimensionLimits::kDefaultMSZ);
   for (auto _ : state) {
     for (int i = 1; i <= kPoints; ++i) BackgroundDerivatives(p, i, 1.0f, derivative);
     benchmark::DoNotOptimize(derivative[1]);

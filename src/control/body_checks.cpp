@@ -104,12 +104,15 @@ void FixZeroCounts(Job& job) {
 }
 
 void CheckPointCapacity(Job& job, int ip, int reflections, int extraReflections) {
+  // In a large run points and reflections have tables of their own, each
+  // bounded by its capacity (IDSZ and IRS); by default they share IDSZ places.
+  if (IsLarge(job.dimensions)) return;
   const int points = job.patterns[ip].NPTS;
-  if (DimensionLimits::IDSZ - (reflections + extraReflections) > points) return;
+  if (job.dimensions.IDSZ - (reflections + extraReflections) > points) return;
   // Say what does not fit and what brings it inside, before the box.
   const std::string line =
       Fmt("(A,I2,A,I6,A,I6,A,I6,A)", " => Pattern", ip, ":", points, " points +",
-          reflections + extraReflections, " reflections reach the", DimensionLimits::IDSZ,
+          reflections + extraReflections, " reflections reach the", job.dimensions.IDSZ,
           " places of a pattern: raise Ste or shorten the data range");
   ConsoleLine(job, line);
   WriteLine(job, Unit::Out, line);

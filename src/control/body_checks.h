@@ -11,7 +11,8 @@ void CheckParameterHoles(Job& job);
 // Points of zero variance get intensity 1 and variance 1E6, with a message.
 void FixZeroCounts(Job& job);
 
-// Points and reflections share storage; stops when they would not fit.
+// Points and reflections share storage by default; stops when they would not
+// fit. A large run bounds each by its own capacity.
 void CheckPointCapacity(Job& job, int ip, int reflections, int extraReflections);
 
 // Divides the data of a pattern by the correction table of its .cor file.

@@ -24,11 +24,12 @@ void ReadHardLimits(Job& job) {
     float high = 0.0f;
     ReadMaskedLine(job, Unit::Control, "iff", job.LINE, {&n, &low, &high});
     WriteReports(job, Fmt("(A,I4,A,2F12.4)", "  -> Parameter no.:", n, " Limits: ", low, high));
-    if (n < 1 || n > DimensionLimits::MSZ) {
+    if (n < 1 || n > job.dimensions.MSZ) {
       ConsoleLine(job, Fmt("(A,I6,A,I4)", " => Parameter number of a limit:", n, "  allowed: 1 to",
-                           DimensionLimits::MSZ));
+                           job.dimensions.MSZ));
       StopBox(job, " => Parameter number of a hard limit out of range!");
     }
+    GrowParameterTables(job, n);
     limits.low[n] = low;
     limits.high[n] = high;
     limits.limited[n] = 1;

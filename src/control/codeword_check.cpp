@@ -8,10 +8,12 @@ namespace corvinet {
 
 Codeword DecodeCheckedCode(Job& job, float typed) {
   Codeword w = DecodeCodeword(typed);
-  if (w.parameterNumber <= DimensionLimits::MSZ) return w;
+  if (w.parameterNumber <= job.dimensions.MSZ) {
+    GrowParameterTables(job, w.parameterNumber);
+    return w;
+  }
   ConsoleLine(job, Fmt("(A,F12.2)", "                        Error in a code: ", typed));
-  ConsoleLine(job,
-              Fmt("(A,I4)", "    The maximum number of parameters is: ", DimensionLimits::MSZ));
+  ConsoleLine(job, Fmt("(A,I4)", "    The maximum number of parameters is: ", job.dimensions.MSZ));
   StopBox(job, " Error in a code ");
 }
 

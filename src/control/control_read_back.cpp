@@ -104,6 +104,8 @@ bool SameWord(const std::string& a, const std::string& b) {
 
 // Reads the file into the scratch record; false when the reading stopped.
 bool ReadScratch(const Job& job, const std::string& path, Job& scratch) {
+  // The file is read with the capacities of the run that wrote it.
+  scratch.dimensions = job.dimensions;
   ResetRunData(scratch);
   scratch.driver = job.driver;
   scratch.files.multiPattern = job.files.multiPattern;

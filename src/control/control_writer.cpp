@@ -80,7 +80,7 @@ void AppendPhase(const Job& job, int k, ControlLines& lines) {
 // Hard limits, in the order of the parameter numbers.
 void AppendHardLimits(const Job& job, ControlLines& lines) {
   Head(job, lines, "! Hard limits for selected parameters:");
-  for (int n = 1; n <= DimensionLimits::MSZ; ++n) {
+  for (int n = 1; n <= job.limits.limited.size(); ++n) {
     if (job.limits.limited[n] == 0) continue;
     Put(lines, FmtReadBack("(I4,2F12.4)", n, job.limits.low[n], job.limits.high[n]));
   }

@@ -27,7 +27,8 @@ bool AnyCalculatedPattern(const Job& job) {
 
 void ReadRefinedCount(Job& job) {
   const FieldLine line = ReadFieldLine(job, Unit::Control, "i", job.LINE, {&job.run.MAXS});
-  CheckIntegerField(job, line, 1, "MAXS", job.run.MAXS, 0, DimensionLimits::MSZ);
+  CheckIntegerField(job, line, 1, "MAXS", job.run.MAXS, 0, job.dimensions.MSZ);
+  GrowParameterTables(job, job.run.MAXS);
   if (AnyCalculatedPattern(job)) job.run.MAXS = 0;
   WriteReports(job, Fmt("(A,I5)", " => Number of Least-Squares parameters varied: ", job.run.MAXS));
 }

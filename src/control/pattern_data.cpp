@@ -49,9 +49,11 @@ void ReadObservedData(Job& job, int ip) {
 }
 
 void StopOnTooManyPoints(Job& job, int points) {
-  if (points <= DimensionLimits::IDSZ) return;
+  if (points <= job.dimensions.IDSZ) return;
+  // A capacity wider than six columns is written whole after a blank.
+  const char* format = job.dimensions.IDSZ > 99999 ? "(A,1X,I0,A)" : "(A,I6,A)";
   WriteLine(job, Unit::Out,
-            Fmt("(A,I6,A)", " => Program can handle only", DimensionLimits::IDSZ, " points"));
+            Fmt(format, " => Program can handle only", job.dimensions.IDSZ, " points"));
   WriteLine(job, Unit::Out, Fmt("(A,I8,A)", "  => A number of ", points, " points were input"));
   ConsoleLine(job, " Too many data points NPTS>IDSZ!");
   StopBox(job, " Too many data points ");
@@ -97,11 +99,13 @@ void StopOnTooFewPoints(Job& job, int ip) {
 }
 
 // A pattern to calculate has its abscissa from the range of the cycle line.
-void BuildCalculatedAbscissa(Job& job, Pattern& p) {
+void BuildCalculatedAbscissa(Job& job, int ip) {
+  Pattern& p = job.patterns[ip];
   const double points = std::trunc((p.THMAX - p.THMIN) * (1.0f / p.STEP) + 1.5f);
   StopOnTooManyPoints(job, points > 1.0e9 ? 1000000000 : static_cast<int>(points));
   p.equalStep = 1;
   p.NPTS = static_cast<int>(points);
+  GrowPointTables(job, ip, p.NPTS);
   for (int i = 1; i <= p.NPTS; ++i) p.X[i] = p.THMIN + static_cast<float>(i - 1) * p.STEP;
 }
 
@@ -115,7 +119,7 @@ void ReadPatternData(Job& job, int ip) {
     StopOnTooFewPoints(job, ip);
   } else {
     StopOnEmptyCalculationRange(job, ip);
-    BuildCalculatedAbscissa(job, p);
+    BuildCalculatedAbscissa(job, ip);
   }
   StopOnTooManyPoints(job, p.NPTS);
   EvaluateBackground(job, ip);

@@ -141,7 +141,7 @@ bool NextIntensityRecord(Job& job, const CompiledFormat& format, bool withVector
 }
 
 [[noreturn]] void StopTooMany(Job& job) {
-  WriteReports(job, Fmt("(A,I6)", " -> Too many reflections!!!:", DimensionLimits::IRS));
+  WriteReports(job, Fmt("(A,I6)", " -> Too many reflections!!!:", job.dimensions.IRS));
   ConsoleLine(job, " Too many reflections");
   StopBox(job, " Too many reflections ");
 }
@@ -269,8 +269,9 @@ int ReadIntensities(Job& job, int k, int ip) {
   IntensityRecord r;
   int clusterGroup = 1;
   while (NextIntensityRecord(job, format, ph.Nvk > 0, r)) {
-    if (t.total + p.reflections.total >= IntensityTable::kCapacity) StopTooMany(job);
+    if (t.total + p.reflections.total >= p.reflections.capacity) StopTooMany(job);
     ++t.total;
+    t.slot.MakeRoomFor(t.total);
     IntensityObservation& o = t.slot[t.total];
     StoreObservation(job, k, ip, r, o);
     if (t.total == t.start[k] + 1) o.clusterStart = true;

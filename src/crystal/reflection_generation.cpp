@@ -40,7 +40,7 @@ struct SatelliteList {
     return true;
   }
   void Add(const Triple& t) {
-    if (static_cast<int>(triples.size()) < ReflectionTable::kCapacity) triples.push_back(t);
+    if (static_cast<int>(triples.size()) < DimensionLimits::kLargeIRS) triples.push_back(t);
   }
 };
 

@@ -47,8 +47,9 @@ bool ServesPattern(const Pattern& p, const SlotContext& c, const ReflectionPlace
 }
 
 Reflection& TakeSlot(ReflectionTable& table) {
-  if (table.total >= ReflectionTable::kLastUsable) throw SlotError{SlotFailure::TableFull, 0.0f};
+  if (table.total >= table.LastUsable()) throw SlotError{SlotFailure::TableFull, 0.0f};
   ++table.total;
+  table.slot.MakeRoomFor(table.total);
   Reflection& slot = table.slot[table.total];
   slot = Reflection{};
   return slot;

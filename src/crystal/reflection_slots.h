@@ -46,7 +46,7 @@ struct SlotContext {
 // Why a reflection could not take its slot.
 enum class SlotFailure {
   NegativeWidth,  // the square of its Caglioti width is below 0
-  TableFull,      // the table already holds ReflectionTable::kLastUsable reflections
+  TableFull,      // the table already holds its last usable slot
 };
 
 // Thrown by StoreReflection; the generation turns it into its stop.

@@ -20,8 +20,9 @@ namespace {
 }
 
 [[noreturn]] void StopTooManyReflections(Job& job, int ip) {
-  WriteLine(job, Unit::Out, Fmt("(I6,A)", ReflectionTable::kCapacity, "  Too many reflections"));
-  ConsoleLine(job, Fmt("(A,I6)", " Too many reflections", ReflectionTable::kCapacity));
+  const int capacity = job.patterns[ip].reflections.capacity;
+  WriteLine(job, Unit::Out, Fmt("(I6,A)", capacity, "  Too many reflections"));
+  ConsoleLine(job, Fmt("(A,I6)", " Too many reflections", capacity));
   ConsoleLine(job, Fmt("(A,I2)", " For pattern number: ", ip));
   StopBox(job, " Too many reflections ");
 }

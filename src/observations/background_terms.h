@@ -8,14 +8,14 @@
 namespace corvinet {
 
 // Derivatives of the calculated value of one point, by parameter number 1..MSZ.
-using DerivativeVector = Table1<float, DimensionLimits::MSZ>;
+using DerivativeVector = RunTable1<float>;
 
 // Adds value, times the codeword's multiplier and `factor`, to the derivative
 // of the codeword's parameter; codewords without a parameter add nothing.
 inline void AddBackgroundTerm(DerivativeVector& derivative, const Codeword& word, float factor,
                               float value) {
   const int L = word.parameterNumber;
-  if (L < 1 || L > DimensionLimits::MSZ) return;
+  if (L < 1 || L > derivative.size()) return;
   derivative[L] += word.multiplier * factor * value;
 }
 

@@ -15,13 +15,6 @@ namespace {
 
 constexpr double kTwoPi = 6.28318530717959;
 
-// The number of points above which a pattern cannot be filtered: twice the
-// points must fit in the point capacity.
-constexpr int kFilterPointLimit = DimensionLimits::IDSZ / 2;
-
-// Capacity of the work array of the filter.
-constexpr int kFilterCapacity = 2 * DimensionLimits::IDSZ;
-
 // Factor on the smoothed residual when it is added to the background.
 constexpr float kFilterUpdateFactor = 2.0f;
 
@@ -192,8 +185,10 @@ void Smooth(Job& job, std::span<float> y, int n, float window) {
 
 void FourierFilter(Job& job, int ip, const float* bragg) {
   Pattern& p = job.patterns[ip];
-  if (p.NPTS > kFilterPointLimit) StopBox(job, " Too many points for Fourier filtering");
-  std::vector<float> w(kFilterCapacity, 0.0f);
+  // Twice the points must fit in the point capacity of the run; the work
+  // array is twice that capacity.
+  if (p.NPTS > job.dimensions.IDSZ / 2) StopBox(job, " Too many points for Fourier filtering");
+  std::vector<float> w(2 * static_cast<std::size_t>(job.dimensions.IDSZ), 0.0f);
   for (int i = 1; i <= p.NPTS; ++i) {
     const float calculated = bragg != nullptr ? bragg[i - 1] : 0.0f;
     w[static_cast<std::size_t>(i - 1)] = p.Ytotal[i] - calculated - p.Backg[i];

@@ -90,10 +90,12 @@ void WriteListCopy(DataFile& file) {
 // point when the pattern asks for a step reduction: point 1 stays, the count
 // is NPTS/ISTEP, the step ISTEP times larger and THMAX the last point kept.
 // A file may hold up to ISTEP times the capacity of a pattern.
-void StorePoints(const DataFile& file, Pattern& p) {
+void StorePoints(const DataFile& file, Job& job, int ip) {
+  Pattern& p = job.patterns[ip];
   const int reduction = p.ISTEP > 1 ? p.ISTEP : 1;
-  p.CountNorm.Fill(1.0f);
   p.NPTS = file.NPTS / reduction;
+  GrowPointTables(job, ip, p.NPTS);
+  p.CountNorm.Fill(1.0f);
   for (int i = 1; i <= p.NPTS; ++i) {
     const auto k = static_cast<std::size_t>((i - 1) * reduction);
     p.X[i] = file.X[k];
@@ -123,8 +125,7 @@ void ReadPattern(Job& job, int ip) {
     ReadByFormat(file);
   }
   WriteListCopy(file);
-  Pattern& p = job.patterns[ip];
-  StorePoints(file, p);
+  StorePoints(file, job, ip);
 }
 
 }  // namespace corvinet

@@ -32,8 +32,10 @@ void StopBadData(Job& job) {
 }
 
 void StopTooManyPoints(Job& job, long long count) {
-  const std::string text = Fmt("(A,I6,A,I0,A)", " => Program can handle", DimensionLimits::IDSZ,
-                               " points, ", count, " points were input");
+  // A capacity wider than six columns is written whole after a blank.
+  const char* format = job.dimensions.IDSZ > 99999 ? "(A,1X,I0,A,I0,A)" : "(A,I6,A,I0,A)";
+  const std::string text = Fmt(format, " => Program can handle", job.dimensions.IDSZ, " points, ",
+                               count, " points were input");
   WriteLine(job, Unit::Out, text);
   ConsoleLine(job, text);
   StopData(job, " Too many points ");
@@ -135,7 +137,7 @@ std::vector<ReadTarget> Interleaved(std::initializer_list<std::vector<float>*> c
 
 long long FilePointLimit(DataFile& file) {
   const int reduction = file.pattern().ISTEP > 1 ? file.pattern().ISTEP : 1;
-  return static_cast<long long>(DimensionLimits::IDSZ) * reduction;
+  return static_cast<long long>(file.job.dimensions.IDSZ) * reduction;
 }
 
 void SetPointCount(DataFile& file, long long count) {

@@ -7,6 +7,7 @@
 
 #include "records/dimension_limits.h"
 #include "records/reflection.h"
+#include "records/run_table.h"
 #include "records/table1.h"
 
 namespace corvinet {
@@ -51,9 +52,10 @@ struct IntensityPhaseData {
 // The observations of all |Irf| 4 phases of one pattern: phase p holds the
 // slots start[p]+1 .. start[p]+count[p]. Profile reflections and observations
 // of a pattern share the capacity IRS.
+// The slots hold the default capacity and grow as observations are read; the
+// capacity is that of the pattern's reflection table.
 struct IntensityTable {
-  static constexpr int kCapacity = DimensionLimits::IRS;
-  Table1<IntensityObservation, kCapacity> slot;
+  RunTable1<IntensityObservation> slot{DimensionLimits::kDefaultIRS};
   Table1<int, DimensionLimits::NPHT> start;
   Table1<int, DimensionLimits::NPHT> count;
   Table1<IntensityPhaseData, DimensionLimits::NPHT> phase;

@@ -58,6 +58,7 @@ struct DriverState {
 
 // Everything a run reads and computes; cleared by ResetDefaults before each run.
 struct RunData {
+  DimensionLimits dimensions;  // capacities of the process, chosen at start-up; kept by the reset
   RunOptions run;
   Table1<Pattern, DimensionLimits::NPATT> patterns;
   NumericalProfile numericalProfile;
@@ -72,8 +73,16 @@ struct RunData {
 
 // The number of refined parameters the equations hold: MAXS, at most MSZ.
 inline int FittedCount(const RunData& data) {
-  return data.run.MAXS < DimensionLimits::MSZ ? data.run.MAXS : DimensionLimits::MSZ;
+  return data.run.MAXS < data.dimensions.MSZ ? data.run.MAXS : data.dimensions.MSZ;
 }
+
+// Makes room in every table of parameters for parameter numbers up to n (at
+// most MSZ), before the cycles: the tables already wide enough are left as
+// they are, the square ones are cleared when they widen.
+void GrowParameterTables(RunData& data, int n);
+
+// Makes room for n points in pattern ip and in the cycles' order work.
+void GrowPointTables(RunData& data, int ip, int n);
 
 // The run's data is reachable directly (job.run, job.patterns[ip]); the driver,
 // console and file-set state (its Channels) outlive the runs of a process.

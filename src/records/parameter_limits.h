@@ -3,14 +3,16 @@
 #pragma once
 
 #include "records/dimension_limits.h"
+#include "records/run_table.h"
 #include "records/table1.h"
 
 namespace corvinet {
 
 // Signed numbers of the parameters that went out of their limits in one update
 // pass: -L for the lower limit, +L for the upper. At most MSZ entries.
+// The parameter tables hold the default capacity and grow with a large run.
 struct LimitBreaks {
-  Table1<int, DimensionLimits::MSZ> entry;
+  RunTable1<int> entry{DimensionLimits::kDefaultMSZ};
   int count = 0;
 };
 
@@ -26,14 +28,14 @@ struct CellStatistics {
 };
 
 struct ParameterLimits {
-  Table1<float, DimensionLimits::MSZ> low;
-  Table1<float, DimensionLimits::MSZ> high;
-  Table1<int, DimensionLimits::MSZ> limited;  // 1 when the parameter has limits
+  RunTable1<float> low{DimensionLimits::kDefaultMSZ};
+  RunTable1<float> high{DimensionLimits::kDefaultMSZ};
+  RunTable1<int> limited{DimensionLimits::kDefaultMSZ};  // 1 when the parameter has limits
 
   // Records of one update pass, used when NRELL > 0. LimitTouched(L) is set by
   // the first value holding L; LimitedShift(L) is the shift that value took.
-  Table1<int, DimensionLimits::MSZ> LimitTouched;
-  Table1<float, DimensionLimits::MSZ> LimitedShift;
+  RunTable1<int> LimitTouched{DimensionLimits::kDefaultMSZ};
+  RunTable1<float> LimitedShift{DimensionLimits::kDefaultMSZ};
   LimitBreaks breaks;
 
   // Cell statistics of each phase in each pattern after the last pass.

@@ -11,6 +11,7 @@
 #include "records/profile_code.h"
 #include "records/reflection.h"
 #include "records/resolution_function.h"
+#include "records/run_table.h"
 #include "records/table1.h"
 
 namespace corvinet {
@@ -115,20 +116,22 @@ struct Pattern {
   Table1<float, DimensionLimits::NPRC> corrX;  // abscissae of the points (mode 2)
   Table1<float, DimensionLimits::NPRC> corrY;  // coefficients, or the corrections at corrX
 
-  // Per-point arrays.
-  int NPTS = 0;                                    // points of the pattern
-  Table1<float, DimensionLimits::IDSZ> X;          // abscissa of each point
-  Table1<float, DimensionLimits::IDSZ> Ytotal;     // observed intensity
-  Table1<float, DimensionLimits::IDSZ> Variance;   // variance of the observed intensity
-  Table1<float, DimensionLimits::IDSZ> Backg;      // background
-  Table1<float, DimensionLimits::IDSZ> Ycalc;      // calculated intensity
-  Table1<float, DimensionLimits::IDSZ> CountNorm;  // count normalisation of each point
-  Table1<int, DimensionLimits::IDSZ> OrderCode;    // reflections under the point, or excluded
+  // Per-point arrays: room for the default capacity, grown by GrowPointTables
+  // when the data of a large run hold more points.
+  int NPTS = 0;                                               // points of the pattern
+  RunTable1<float> X{DimensionLimits::kDefaultIDSZ};          // abscissa of each point
+  RunTable1<float> Ytotal{DimensionLimits::kDefaultIDSZ};     // observed intensity
+  RunTable1<float> Variance{DimensionLimits::kDefaultIDSZ};   // variance of the observed intensity
+  RunTable1<float> Backg{DimensionLimits::kDefaultIDSZ};      // background
+  RunTable1<float> Ycalc{DimensionLimits::kDefaultIDSZ};      // calculated intensity
+  RunTable1<float> CountNorm{DimensionLimits::kDefaultIDSZ};  // count normalisation of each point
+  RunTable1<int> OrderCode{
+      DimensionLimits::kDefaultIDSZ};  // reflections under the point, or excluded
 
   // Background model state.
-  int backReadCount = 0;                             // pairs read from the .bac file
-  Table1<float, DimensionLimits::IDSZ> backReadPos;  // positions of the .bac file
-  Table1<float, DimensionLimits::IDSZ> backRead;     // heights of the .bac file (BackRead)
+  int backReadCount = 0;                                        // pairs read from the .bac file
+  RunTable1<float> backReadPos{DimensionLimits::kDefaultIDSZ};  // positions of the .bac file
+  RunTable1<float> backRead{DimensionLimits::kDefaultIDSZ};  // heights of the .bac file (BackRead)
   Table1<Codeword, DimensionLimits::IBACP + 1> backPointWord;  // decoded BackIntCode
   int backRefinedPoints = 0;                                   // point heights with a parameter
   Table1<float, DimensionLimits::IBACP + 1> backSplineY2;      // spline second derivatives
@@ -176,6 +179,16 @@ inline bool AnyBackgroundHeightCode(const Pattern& p) {
 // A pattern that is calculated, not refined: |JOBTYP| 2 (X-rays) or 3 (neutrons).
 inline bool IsCalculatedPattern(const Pattern& p) {
   return std::abs(p.JOBTYP) > 1;
+}
+
+// Makes room for n points in every per-point table of the pattern; the
+// values held keep their places.
+inline void GrowPointTables(Pattern& p, int n) {
+  for (RunTable1<float>* t : {&p.X, &p.Ytotal, &p.Variance, &p.Backg, &p.Ycalc, &p.CountNorm,
+                              &p.backReadPos, &p.backRead}) {
+    t->Grow(n);
+  }
+  p.OrderCode.Grow(n);
 }
 
 }  // namespace corvinet

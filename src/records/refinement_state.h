@@ -7,6 +7,7 @@
 
 #include "records/dimension_limits.h"
 #include "records/normal_matrix.h"
+#include "records/run_table.h"
 #include "records/table1.h"
 
 namespace corvinet {
@@ -22,14 +23,17 @@ struct RefinementState {
   NormalMatrix normal;
   SolverWork solver;
   // Per-reflection derivatives: the row of reflection k is (k mod NOV) + 1.
-  Table2<float, DimensionLimits::NOV, DimensionLimits::MSZ> DerivativeRing;
-  Table1<float, DimensionLimits::MSZ> PointDerivative;
-  Table1<float, DimensionLimits::MSZ> LastShift;
+  // The tables of parameters hold the default capacity and grow, before the
+  // cycles, to the parameters of a large run (GrowParameterTables).
+  RunTable2<float> DerivativeRing{DimensionLimits::NOV, DimensionLimits::kDefaultMSZ};
+  RunTable1<float> PointDerivative{DimensionLimits::kDefaultMSZ};
+  RunTable1<float> LastShift{DimensionLimits::kDefaultMSZ};
   // Family of each parameter number (see parameter_families.h).
-  Table1<std::uint8_t, DimensionLimits::MSZ> family;
-  // First and last reflection reaching each point while the order table is built.
-  Table1<int, DimensionLimits::IDSZ> first;
-  Table1<int, DimensionLimits::IDSZ> last;
+  RunTable1<std::uint8_t> family{DimensionLimits::kDefaultMSZ};
+  // First and last reflection reaching each point while the order table is
+  // built; as long as the longest pattern.
+  RunTable1<int> first{DimensionLimits::kDefaultIDSZ};
+  RunTable1<int> last{DimensionLimits::kDefaultIDSZ};
   int CycleNumber = 0;
   int DisplayedCycle = 0;
   int EndMarker = 0;

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "records/dimension_limits.h"
+#include "records/run_table.h"
 #include "records/table1.h"
 
 namespace corvinet {
@@ -39,12 +40,14 @@ struct Reflection {
 // done the whole table is sorted by position; the blocks then interleave and
 // the phase of a slot is read from its key, while count[p] stays its number
 // of slots.
+// The slots hold the default capacity and grow as reflections are stored,
+// up to the capacity of the run.
 struct ReflectionTable {
-  static constexpr int kCapacity = DimensionLimits::IRS;
+  int capacity = DimensionLimits::kDefaultIRS;  // IRS of the run
   // The last slot a generation may fill: two slots are kept free.
-  static constexpr int kLastUsable = kCapacity - 2;
+  int LastUsable() const { return capacity - 2; }
 
-  Table1<Reflection, kCapacity> slot;
+  RunTable1<Reflection> slot{DimensionLimits::kDefaultIRS};
   Table1<int, DimensionLimits::NPHT> count;
   Table1<int, DimensionLimits::NPHT> start;
   int total = 0;  // slots in use, all phases

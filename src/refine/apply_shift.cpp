@@ -17,7 +17,7 @@ void ClearLimitPass(ParameterLimits& limits) {
 }
 
 void AddLimitBreak(LimitBreaks& breaks, int signedParameter) {
-  if (breaks.count >= DimensionLimits::MSZ) return;
+  if (breaks.count >= breaks.entry.size()) return;
   ++breaks.count;
   breaks.entry[breaks.count] = signedParameter;
 }
@@ -53,7 +53,7 @@ void ApplyShift(ParameterLimits& limits, float& value, float delta, float multip
 ValueShift ShiftValue(Job& job, float& value, const Codeword& word, float relaxation) {
   ValueShift result;
   const int L = word.parameterNumber;
-  if (L <= 0 || L > DimensionLimits::MSZ) return result;
+  if (L <= 0 || L > job.refinement.normal.B.size()) return result;
   const NormalMatrix& normal = job.refinement.normal;
   result.sigma = std::sqrt(std::fabs(normal.A(L, L)));
   const float delta = normal.B[L] * word.multiplier * relaxation;

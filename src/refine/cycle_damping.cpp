@@ -19,7 +19,7 @@ struct CycleSnapshot {
   ParameterLimits limits;
   ReliabilityState reliability;
   NormalMatrix normal;
-  Table1<float, DimensionLimits::MSZ> LastShift;
+  RunTable1<float> LastShift;
   float PreviousChi2 = 0.0f;
   float GlobalChi2 = 0.0f;
   float globalResidualSum = 0.0f;

@@ -86,7 +86,7 @@ void StoreEquations(NormalMatrix& n, int fitted) {
 void FinalPass(Job& job, int cycle, const BraggProfile& profile) {
   RefinementState& s = job.refinement;
   s.EndMarker = kConvergedEndMarker;
-  for (int i = 1; i <= DimensionLimits::MSZ; ++i) s.normal.B[i] = 0.0f;
+  s.normal.B.Fill(0.0f);
   s.DisplayedCycle = job.run.NCY;
   if (job.run.ICRYG == 0) {
     s.GlobalChi2 = 0.0f;
@@ -108,7 +108,7 @@ void SolveDamped(Job& job, int fitted, double lambda) {
   RefinementState& s = job.refinement;
   SolveCycleEquations(job, fitted, lambda);
   if (lambda == 0.0) return;
-  const Table1<float, DimensionLimits::MSZ> shifts = s.normal.B;
+  const RunTable1<float> shifts = s.normal.B;
   SolveCycleEquations(job, fitted, 0.0);
   s.normal.B = shifts;
 }
@@ -176,6 +176,7 @@ void RunCycles(Job& job, CycleWork& work) {
   StopOnStructureFactorsNotCalculated(job);
   RefinementState& s = job.refinement;
   const int fitted = FittedCount(job);
+  work.dF2.Grow(fitted);
   s.EndMarker = 0;
   s.PreviousChi2 = 1.0e38f;
   s.LastShift.Fill(0.0f);

@@ -14,6 +14,7 @@
 #include "model/tof_profile.h"
 #include "observations/background_terms.h"
 #include "records/dimension_limits.h"
+#include "records/run_table.h"
 #include "records/table1.h"
 
 namespace corvinet {
@@ -93,7 +94,7 @@ struct CycleWork {
   Table1<int, DimensionLimits::NOV> computedReflection;
   // Structure factors: per-atom sums and the derivatives of F^2 of one reflection.
   StructureScratch scratch;
-  Table1<float, DimensionLimits::MSZ> dF2;
+  RunTable1<float> dF2{DimensionLimits::kDefaultMSZ};  // grown to the parameters before the cycles
   // Structure factors computed side by side ahead of their reflections: by
   // ring slot, their derivative rows, the working store of each thread, and
   // the number of the pass.

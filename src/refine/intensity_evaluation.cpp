@@ -2,8 +2,10 @@
 // the normal equations.
 #include "refine/intensity_evaluation.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <vector>
 
 #include "crystal/intensity_file.h"
 #include "format/fortran_format.h"
@@ -20,9 +22,9 @@ constexpr int kScaleSlots[] = {IntegratedSlot::Sc1, IntegratedSlot::Sc2, Integra
 
 // The running sums of a cluster (one observation for single-crystal data).
 struct ClusterSums {
-  int first = 0;       // slot of the observation that carries the observed value
-  double value = 0.0;  // calculated value of the cluster
-  Table1<double, DimensionLimits::MSZ> row;  // derivatives of the value
+  int first = 0;          // slot of the observation that carries the observed value
+  double value = 0.0;     // calculated value of the cluster
+  RunTable1<double> row;  // derivatives of the value, 1..fitted
 };
 
 // The running sums of the factors.
@@ -66,8 +68,7 @@ float ObservationF2(Job& job, StructureFactorScratch& scratch, int ip, int k,
   return v.F2;
 }
 
-void AddCoded(Table1<double, DimensionLimits::MSZ>& row, const Codeword& w, double value,
-              int fitted) {
+void AddCoded(RunTable1<double>& row, const Codeword& w, double value, int fitted) {
   const int n = w.parameterNumber;
   if (n >= 1 && n <= fitted) row[n] += w.multiplier * value;
 }
@@ -87,8 +88,8 @@ void AddMember(Job& job, StructureFactorScratch& scratch, int ip, int k, Intensi
     AddCoded(cluster.row, c.PAC[kScaleSlots[o.group - 1]], o.F2cal / scale, fitted);
 }
 
-void AddRow(NormalMatrix& n, const Table1<double, DimensionLimits::MSZ>& row, double weight,
-            double residual, int fitted) {
+void AddRow(NormalMatrix& n, const RunTable1<double>& row, double weight, double residual,
+            int fitted) {
   for (int i = 1; i <= fitted; ++i) {
     if (row[i] == 0.0) continue;
     const double u = weight * row[i];
@@ -143,8 +144,11 @@ IntensityFactors EvaluateIntensities(Job& job, StructureFactorScratch& scratch, 
   IntensityTable& t = job.patterns[ip].intensities;
   IntensityPhaseData& d = t.phase[k];
   const int fitted = FittedCount(job);
-  float dF2[DimensionLimits::MSZ];
+  // Sized once for the list, before its observations.
+  std::vector<float> derivatives(static_cast<std::size_t>(std::max(fitted, 1)), 0.0f);
+  float* dF2 = derivatives.data();
   ClusterSums cluster;
+  cluster.row = RunTable1<double>(fitted);
   FactorSums sums;
   const int first = t.start[k] + 1, last = t.start[k] + t.count[k];
   for (int s = first; s <= last; ++s) {

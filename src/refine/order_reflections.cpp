@@ -89,8 +89,7 @@ void ListReflections(Job& job, const ReflectionTable& table) {
   }
 }
 
-void MarkExcludedRegions(Pattern& p, Table1<int, DimensionLimits::IDSZ>& k11,
-                         Table1<int, DimensionLimits::IDSZ>& k21) {
+void MarkExcludedRegions(Pattern& p, RunTable1<int>& k11, RunTable1<int>& k21) {
   for (int j = 1; j <= p.NEXCRG; ++j) {
     if (!(p.ExclHigh[j] > p.THMIN)) continue;
     const auto [lo, hi] = ExcludedPointRange(p, j);
@@ -117,8 +116,8 @@ const char* UnitText(AbscissaUnit ixunit) {
   }
 }
 
-void WritePointTable(Job& job, const Pattern& p, const Table1<int, DimensionLimits::IDSZ>& k11,
-                     const Table1<int, DimensionLimits::IDSZ>& k21) {
+void WritePointTable(Job& job, const Pattern& p, const RunTable1<int>& k11,
+                     const RunTable1<int>& k21) {
   WriteLine(job, Unit::Out,
             Fmt("(A,F12.4,A,F12.4,A,F10.5,1X,A)", "Pattern from ", p.X[1], " to ", p.X[p.NPTS],
                 " in steps of ", p.STEP, UnitText(p.IXUNIT)));
@@ -176,7 +175,7 @@ void CheckRefinedShapeCodes(Job& job, const Pattern& p, int ip, int firstValid) 
 
 }  // namespace
 
-int Locate(int n, const Table1<float, DimensionLimits::IDSZ>& x, float value) {
+int Locate(int n, const RunTable1<float>& x, float value) {
   return LastAtOrBelow(
       n, [&x](int i) { return x[i]; }, value);
 }
@@ -217,7 +216,7 @@ int BuildOrderCodes(Job& job, int ip, bool report, float widening) {
     // The ring of derivatives holds NOV reflections: no more may reach a point.
     const int reaching = k11[i] == 0 ? 0 : k21[i] - k11[i] + 1;
     if (reaching > DimensionLimits::NOV) StopOnOverlap(job, p, i, reaching);
-    p.OrderCode[i] = k21[i] * kOrderRadix + k11[i];
+    p.OrderCode[i] = OrderCodeOf(k11[i], k21[i]);
     if (firstValid == 0 && k11[i] != 0) firstValid = k11[i];
   }
   return firstValid;

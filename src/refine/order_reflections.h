@@ -5,9 +5,20 @@
 
 namespace corvinet {
 
-// Radix and excluded-point marker of the order codes: K21*6000 + K11.
-constexpr int kOrderRadix = DimensionLimits::IRS;
-constexpr int kExcludedPoint = kOrderRadix;  // K21 = 1, K11 = 0
+// The order code of a point packs the first reflection reaching it, K11, and
+// how many more reach it, K21 - K11 (below NOV): (K21 - K11)*radix + K11.
+// The radix is above the reflections of any run, so the code of the largest
+// tables still fits an int. No reflection is code 0; an excluded point is
+// K11 = 0, K21 = 1.
+constexpr int kOrderRadix = 65536;
+static_assert(DimensionLimits::kLargeIRS < kOrderRadix);
+static_assert(static_cast<long long>(DimensionLimits::NOV) * kOrderRadix < 2147483647LL);
+constexpr int kExcludedPoint = kOrderRadix;
+
+// The code of a point reached by reflections first..last (0 and 0 for none).
+constexpr int OrderCodeOf(int first, int last) {
+  return (last - first) * kOrderRadix + first;
+}
 
 // Added to the code of a point that the widened bases of a table built again
 // during the cycles reach, but no present base: its peaks are calculated, and
@@ -26,11 +37,11 @@ inline int FirstReflection(int code) {
   return code % kOrderRadix;
 }
 inline int LastReflection(int code) {
-  return (code / kOrderRadix) % kOrderRadix;
+  return code % kOrderRadix + code / kOrderRadix;
 }
 
 // The largest j with x[j] <= value among the first n points, 0 below x[1].
-int Locate(int n, const Table1<float, DimensionLimits::IDSZ>& x, float value);
+int Locate(int n, const RunTable1<float>& x, float value);
 
 // The interval of abscissa that reflection k of pattern ip covers: its
 // corrected position and reaches below and above it.

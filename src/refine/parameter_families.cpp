@@ -26,7 +26,7 @@ namespace {
 
 void Assign(Job& job, const Codeword& w, Family family) {
   const int L = w.parameterNumber;
-  if (L < 1 || L > job.run.MAXS || L > DimensionLimits::MSZ) return;
+  if (L < 1 || L > job.run.MAXS || L > job.refinement.family.size()) return;
   if (job.refinement.family[L] == kNoFamily) job.refinement.family[L] = family;
 }
 

@@ -52,7 +52,7 @@ int SiteMultiplicity(const std::vector<SymmetryOperator>& ops, const float* xyz)
 // The standard deviation of a refined value, as the update pass reports it; 0 when fixed.
 double SigmaOf(const Job& job, const Codeword& word) {
   const int L = word.parameterNumber;
-  if (L <= 0 || L > DimensionLimits::MSZ) return 0.0;
+  if (L <= 0 || L > job.refinement.normal.A.rows()) return 0.0;
   return std::sqrt(std::fabs(static_cast<double>(job.refinement.normal.A(L, L))));
 }
 

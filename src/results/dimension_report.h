@@ -2,10 +2,11 @@
 #pragma once
 
 #include "records/channels.h"
+#include "records/dimension_limits.h"
 
 namespace corvinet {
 
-// Writes the capacities of the tables on `unit`.
-void ReportDimensions(Channels& channels, int unit);
+// Writes the capacities in force, `limits`, on `unit`.
+void ReportDimensions(Channels& channels, const DimensionLimits& limits, int unit);
 
 }  // namespace corvinet

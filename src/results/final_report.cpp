@@ -338,7 +338,7 @@ void FinalReport(Job& job, CycleWork& work) {
   }
   WriteFitPicture(job, phases);
   if (job.run.JCIL > 0) WriteLine(job, Unit::Rpa, std::string(80, '-'));
-  ReportDimensions(job, Unit::Out);
+  ReportDimensions(job, job.dimensions, Unit::Out);
 }
 
 void FinalReport(Job& job) {

@@ -53,7 +53,7 @@ void WriteProfileFile(Job& job, int ip, const ProfileFileContext& context) {
 
 namespace {
 
-void WritePointBlock(Job& job, const Table1<float, DimensionLimits::IDSZ>& y, int n) {
+void WritePointBlock(Job& job, const RunTable1<float>& y, int n) {
   std::vector<FormatValue> values;
   values.reserve(static_cast<std::size_t>(n));
   for (int i = 1; i <= n; ++i) values.emplace_back(y[i]);

@@ -111,9 +111,13 @@ WidthInQ SharpestInQ(const Pattern& p, float position, float fwhm) {
 
 ParameterClasses ClassifyParameters(const Job& job, int ip, int fittedCount) {
   ParameterClasses c;
+  const int count = std::max(fittedCount, 0);
+  c.Kind = RunTable1<ParameterClass>(count);
+  c.Appearances = RunTable1<int>(count);
+  c.DistinctUses = RunTable1<int>(count);
   c.Kind.Fill(ParameterClass::kNone);
   ForEachCodedValue(job, ip, [&](int L, ParameterClass cls, int f, bool orientation) {
-    if (L < 1 || L > fittedCount || L > DimensionLimits::MSZ) return;
+    if (L < 1 || L > count) return;
     ++c.Appearances[L];
     if (c.Kind[L] != ParameterClass::kNone) {
       if (c.Kind[L] != cls) ++c.DistinctUses[L];
@@ -167,7 +171,7 @@ EffectiveReflections CountEffectiveReflections(const Job& job, int ip,
     const int i = std::clamp(PointIndexOf(p, xk), 1, std::max(p.NPTS, 1));
     const int code = p.OrderCode[i];
     const int first = std::max(FirstReflection(code), 1);
-    const int last = std::min({LastReflection(code), DimensionLimits::IRS, table.total});
+    const int last = std::min(LastReflection(code), table.total);
     std::array<float, 3> S{}, T{};
     for (int j = first; j <= last; ++j) {
       if (KeyWavelength(table.slot[j].key) != 1) continue;

@@ -30,9 +30,9 @@ enum class ParameterClass : int {
 
 // The classes of the refined parameters of pattern ip and their counts.
 struct ParameterClasses {
-  Table1<ParameterClass, DimensionLimits::MSZ> Kind;  // class of each parameter
-  Table1<int, DimensionLimits::MSZ> Appearances;      // how many values hold it
-  Table1<int, DimensionLimits::MSZ> DistinctUses;     // uses in another class than its own
+  RunTable1<ParameterClass> Kind;  // class of each parameter, 1..fittedCount
+  RunTable1<int> Appearances;      // how many values hold it
+  RunTable1<int> DistinctUses;     // uses in another class than its own
   int NGlobal = 0, NProfile = 0, NIntensity = 0;
   int preferredOrientation = 0;                       // parameters first met at PAR 12 or 13
   Table1<int, DimensionLimits::NPHT> phaseProfile;    // profile parameters of each phase

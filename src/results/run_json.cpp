@@ -98,7 +98,7 @@ std::string Phases(const Job& job) {
 std::string Parameters(const Job& job) {
   std::vector<std::string> items;
   const int fitted = FittedCount(job);
-  for (int L = 1; L <= fitted && L <= DimensionLimits::MSZ; ++L) {
+  for (int L = 1; L <= fitted && L <= job.refinement.normal.A.rows(); ++L) {
     const ParameterHolder holder = ParameterHolderOf(job, L);
     const double sigma = holder.sigma >= 0.0f
                              ? holder.sigma
@@ -116,12 +116,10 @@ std::string Parameters(const Job& job) {
 std::string RunJsonText(const Job& job, const RunEnd& end) {
   const RefinementState& s = job.refinement;
   const std::vector<std::string> fields = {
-      Field("program", Quoted("Corvinet")),
-      Field("version", Quoted(kProgramVersion)),
+      Field("program", Quoted("Corvinet")), Field("version", Quoted(kProgramVersion)),
       Field("job", Quoted(TrimmedCopy(job.driver.PcrCode))),
       Field("title", Quoted(TrimmedCopy(job.run.Title))),
-      Field("exit_status", std::to_string(end.exitStatus)),
-      Field("reason", Quoted(end.reason)),
+      Field("exit_status", std::to_string(end.exitStatus)), Field("reason", Quoted(end.reason)),
       Field("cycles_run", std::to_string(s.CycleNumber)),
       Field("converged", s.EndMarker == kConvergedEndMarker ? "true" : "false"),
       Field("refined_parameters", std::to_string(FittedCount(job))),

@@ -143,7 +143,7 @@ SearchSetup MakeSearchSetup(Job& job, int ip, int k, std::uint64_t seed) {
   s.low.assign(n, 0.0f);
   s.high.assign(n, 0.0f);
   s.active.assign(n, 0);
-  for (int c = 1; c <= s.codes && c <= DimensionLimits::MSZ; ++c) {
+  for (int c = 1; c <= s.codes && c <= job.limits.limited.size(); ++c) {
     s.low[static_cast<std::size_t>(c)] = job.limits.low[c];
     s.high[static_cast<std::size_t>(c)] = job.limits.high[c];
     s.active[static_cast<std::size_t>(c)] = job.limits.limited[c] != 0 ? 1 : 0;

@@ -132,6 +132,25 @@ TEST(AtomLines, CodeBeyondTheLastParameterStopsAndRepeatsTheNumber) {
   EXPECT_NE(console.find("=== Stop/Warning Box ===\n Error in a code"), std::string::npos);
 }
 
+TEST(AtomLines, CodeBeyondThreeHundredIsTakenInALargeRun) {
+  AtomJob run("A    C    0 0 0 0 1 0 0 0\n0 3010.0 20001.0 0 0\n", 0, 1);
+  run.job->dimensions = LargeDimensionLimits();
+  ASSERT_TRUE(run.Read()) << run.job.Console();
+  EXPECT_EQ(run.Atom(1).ATC[2].parameterNumber, 301);
+  EXPECT_EQ(run.Atom(1).ATC[3].parameterNumber, 2000);
+  // The tables of parameters reach the largest number coded.
+  EXPECT_EQ(run.job->refinement.normal.A.rows(), 2000);
+  EXPECT_EQ(run.job->limits.limited.size(), 2000);
+}
+
+TEST(AtomLines, CodeBeyondTwoThousandStopsInALargeRun) {
+  AtomJob run("A    C    0 0 0 0 1 0 0 0\n0 20010.0 0 0 0\n", 0, 1);
+  run.job->dimensions = LargeDimensionLimits();
+  EXPECT_FALSE(run.Read());
+  EXPECT_NE(run.job.Console().find("    The maximum number of parameters is: 2000"),
+            std::string::npos);
+}
+
 TEST(AtomLines, TwoAtomsWithOppositeCodesMoveOppositely) {
   AtomJob run(
       "A    C    0.1 0 0 0 1 0 0 0\n11.0 0 0 0 0\nB    C    0.9 0 0 0 1 0 0 0\n"

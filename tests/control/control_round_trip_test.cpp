@@ -289,7 +289,8 @@ void ExpectSameModel(const Job& a, const Job& b) {
     ExpectSamePatternValues(a.patterns[ip], b.patterns[ip]);
   }
   for (int k = 1; k <= a.run.NPHASE; ++k) ExpectSamePhase(a, b, k);
-  for (int n = 1; n <= DimensionLimits::MSZ; ++n) {
+  ASSERT_EQ(a.limits.limited.size(), b.limits.limited.size());
+  for (int n = 1; n <= a.limits.limited.size(); ++n) {
     EXPECT_EQ(a.limits.limited[n], b.limits.limited[n]);
     EXPECT_TRUE(Near(a.limits.low[n], b.limits.low[n]));
     EXPECT_TRUE(Near(a.limits.high[n], b.limits.high[n]));

@@ -131,6 +131,17 @@ TEST(PatternBlock, PointsAndReflectionsMustShareTheStorage) {
       std::string::npos);
 }
 
+TEST(PatternBlock, PointsAndReflectionsHaveCapacitiesOfTheirOwnInALargeRun) {
+  BlockJob job("");
+  job->dimensions = LargeDimensionLimits();
+  job->patterns[1].NPTS = 200000;
+  try {
+    CheckPointCapacity(*job, 1, 59000, 1000);
+  } catch (const ProcessStop&) {
+    FAIL() << "200000 points and 60000 reflections fit a large run";
+  }
+}
+
 TEST(PatternBlock, PolynomialCorrectionDividesIntensityAndPropagatesVariance) {
   Pattern p;
   p.NPTS = 1;

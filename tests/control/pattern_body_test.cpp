@@ -156,6 +156,64 @@ TEST(PatternBody, TwentyThousandPointsPassAndOneMoreStops) {
   EXPECT_TRUE(testing::HasNormalisedLine(out, "  => A number of    20001 points were input"));
 }
 
+TEST(PatternBody, TwentyThousandAndOnePointsPassInALargeRun) {
+  ScratchDir dir;
+  CapturedJob job;
+  job->dimensions = LargeDimensionLimits();
+  Parts parts;
+  parts.cycle = "1 0.1 1 1 1 1 0.0 0.005 100.0 0 0";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text())) << job.Console();
+  const Pattern& p = job->patterns[1];
+  ASSERT_EQ(p.NPTS, 20001);
+  EXPECT_GE(p.X.size(), 20001);
+  EXPECT_NEAR(p.X[20001], 100.0f, 1.0e-3f);
+  EXPECT_FLOAT_EQ(p.Backg[20001], 100.0f);
+  EXPECT_GE(job->refinement.first.size(), 20001);
+}
+
+TEST(PatternBody, TwoHundredThousandPointsPassInALargeRunAndOneMoreStops) {
+  {
+    ScratchDir dir;
+    CapturedJob job;
+    job->dimensions = LargeDimensionLimits();
+    Parts parts;
+    parts.cycle = "1 0.1 1 1 1 1 0.0 0.0005 99.9995 0 0";
+    ASSERT_TRUE(ReadWhole(dir, job, parts.Text())) << job.Console();
+    EXPECT_EQ(job->patterns[1].NPTS, 200000);
+  }
+  ScratchDir dir;
+  CapturedJob job;
+  job->dimensions = LargeDimensionLimits();
+  Parts parts;
+  parts.cycle = "1 0.1 1 1 1 1 0.0 0.0005 100.0 0 0";
+  EXPECT_FALSE(ReadWhole(dir, job, parts.Text()));
+  const std::string out = dir.Read("x.out");
+  EXPECT_TRUE(testing::HasNormalisedLine(out, " => Program can handle only 200000 points"));
+  EXPECT_TRUE(testing::HasNormalisedLine(out, "  => A number of   200001 points were input"));
+}
+
+TEST(PatternBody, MoreThanThreeHundredParametersAreRefusedByDefault) {
+  ScratchDir dir;
+  CapturedJob job;
+  Parts parts;
+  parts.maxs = "301";
+  EXPECT_FALSE(ReadWhole(dir, job, parts.Text()));
+  EXPECT_NE(job.Console().find(" => MAXS = 301 is outside its range: 0 to 300"), std::string::npos);
+}
+
+TEST(PatternBody, MoreThanThreeHundredParametersAreAcceptedInALargeRun) {
+  ScratchDir dir;
+  CapturedJob job;
+  job->dimensions = LargeDimensionLimits();
+  Parts parts;
+  parts.maxs = "2000";
+  ASSERT_TRUE(ReadWhole(dir, job, parts.Text())) << job.Console();
+  // The tables of parameters were widened to the count read.
+  EXPECT_EQ(job->refinement.normal.A.rows(), 2000);
+  EXPECT_EQ(job->refinement.DerivativeRing.cols(), 2000);
+  EXPECT_EQ(job->limits.low.size(), 2000);
+}
+
 TEST(PatternBody, ZeroOriginOfThePolynomialIsRefused) {
   ScratchDir dir;
   CapturedJob job;

@@ -479,7 +479,7 @@ TEST(GenerationFailure, TooManyReflectionsStopsWithTheCountAndThePattern) {
   EXPECT_TRUE(HasLine(console, " Too many reflections  6000"));
   EXPECT_TRUE(HasLine(console, " For pattern number:  1"));
   EXPECT_TRUE(HasLine(console, " Too many reflections"));  // the box, trimmed
-  EXPECT_EQ(c.P().reflections.total, ReflectionTable::kLastUsable);
+  EXPECT_EQ(c.P().reflections.total, c.P().reflections.LastUsable());
 }
 
 TEST(GenerationFailure, NegativeSquareOfTheWidthStopsWithThePosition) {

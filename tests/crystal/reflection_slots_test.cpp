@@ -58,21 +58,21 @@ TEST(ReflectionSlots, StoresTheReflectionAtItsPositionWithItsConstantIntensityFa
 
 TEST(ReflectionSlots, AFullTableThrowsTheTooManyErrorAndKeepsItsCount) {
   SlotCase c;
-  c.pattern->reflections.total = ReflectionTable::kLastUsable;
+  c.pattern->reflections.total = c.pattern->reflections.LastUsable();
   try {
     c.Store();
     FAIL() << "a full table took a reflection";
   } catch (const SlotError& error) {
     EXPECT_EQ(error.failure, SlotFailure::TableFull);
   }
-  EXPECT_EQ(c.pattern->reflections.total, ReflectionTable::kLastUsable);
+  EXPECT_EQ(c.pattern->reflections.total, c.pattern->reflections.LastUsable());
 }
 
 TEST(ReflectionSlots, TheLastUsableSlotIsStillTaken) {
   SlotCase c;
-  c.pattern->reflections.total = ReflectionTable::kLastUsable - 1;
+  c.pattern->reflections.total = c.pattern->reflections.LastUsable() - 1;
   EXPECT_EQ(c.Store(), 1);
-  EXPECT_EQ(c.pattern->reflections.total, ReflectionTable::kLastUsable);
+  EXPECT_EQ(c.pattern->reflections.total, c.pattern->reflections.LastUsable());
 }
 
 TEST(ReflectionSlots, ANegativeSquaredWidthThrowsItsErrorWithThePosition) {

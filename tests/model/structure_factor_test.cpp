@@ -75,7 +75,7 @@ struct StructureCase {
   std::unique_ptr<StructureFactorScratch> scratch = std::make_unique<StructureFactorScratch>();
   StructureFactorRequest q;
   Reflection r;
-  std::vector<float> dF2 = std::vector<float>(DimensionLimits::MSZ, 0.0f);
+  std::vector<float> dF2 = std::vector<float>(DimensionLimits::kDefaultMSZ, 0.0f);
 
   explicit StructureCase(const Case& c) {
     EXPECT_TRUE(SpaceGroupFromSymbol(c.symbol, group).ok()) << c.symbol;
@@ -102,7 +102,7 @@ struct StructureCase {
     std::fill(dF2.begin(), dF2.end(), 0.0f);
     const StructureFactorInputs in{group, atoms, species, NSCAT, Irf, JFOU};
     return EvaluateStructureFactor(in, q, r, *scratch, derivatives ? dF2.data() : nullptr,
-                                   DimensionLimits::MSZ);
+                                   DimensionLimits::kDefaultMSZ);
   }
   float F2(const std::array<float, 3>& h, float s2, bool derivatives = false) {
     const StructureFactorValue value = Evaluate(h, s2, derivatives);

@@ -193,7 +193,7 @@ TEST(SplineBackground, UnrefinedHeightsAddNoDerivative) {
   FillBackground(*job, 1);
   EXPECT_EQ(p.backRefinedPoints, 0);
   const DerivativeVector d = DerivativesAt(p, 80);
-  for (int L = 1; L <= DimensionLimits::MSZ; ++L) ASSERT_EQ(d[L], 0.0f);
+  for (int L = 1; L <= DimensionLimits::kDefaultMSZ; ++L) ASSERT_EQ(d[L], 0.0f);
 }
 
 }  // namespace

@@ -107,11 +107,11 @@ TEST(BackgroundDerivatives, CarryTheMultiplierAndTheCommonFactorAndAccumulate) {
   Refine(p, PolynomialSlot(2), 4, 2.0f);  // two values that follow one parameter
   const int i = 181;
   const double u = 100.0 / 60.0 - 1.0;
-  DerivativeVector d;
+  DerivativeVector d(DimensionLimits::kDefaultMSZ);
   d.Fill(1.0f);
   BackgroundDerivatives(p, i, 0.5f, d);
   EXPECT_NEAR(d[4], 1.0 + 0.5 * (-1.5 * u + 2.0 * u * u), 1e-6);
-  for (int L = 1; L <= DimensionLimits::MSZ; ++L) {
+  for (int L = 1; L <= DimensionLimits::kDefaultMSZ; ++L) {
     if (L == 4) continue;
     ASSERT_EQ(d[L], 1.0f) << "parameter " << L;
   }
@@ -122,7 +122,7 @@ TEST(BackgroundDerivatives, UnrefinedParametersLeaveTheVectorUntouched) {
   Pattern& p = job->patterns[1];
   SetPolynomialPattern(p, -3);
   const DerivativeVector d = DerivativesAt(p, 50);
-  for (int L = 1; L <= DimensionLimits::MSZ; ++L) ASSERT_EQ(d[L], 0.0f) << L;
+  for (int L = 1; L <= DimensionLimits::kDefaultMSZ; ++L) ASSERT_EQ(d[L], 0.0f) << L;
 }
 
 TEST(PolynomialBackground, ZeroOriginLeavesThePolynomialUndefined) {

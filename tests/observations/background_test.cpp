@@ -55,7 +55,7 @@ TEST(FourierBackground, RefreshKeepsTheValuesOfTheLastFilterPass) {
   FillBackground(*job, 1);
   for (int i = 1; i <= 50; ++i) ASSERT_EQ(BackgroundAt(p, i), static_cast<float>(i)) << i;
   const DerivativeVector d = DerivativesAt(p, 10);
-  for (int L = 1; L <= DimensionLimits::MSZ; ++L) ASSERT_EQ(d[L], 0.0f);
+  for (int L = 1; L <= DimensionLimits::kDefaultMSZ; ++L) ASSERT_EQ(d[L], 0.0f);
 }
 
 TEST(PolynomialBackground, EvaluationFillsEveryPoint) {

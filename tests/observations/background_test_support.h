@@ -49,7 +49,7 @@ inline double CentralDifference(Job& job, int ip, int i, float* v, float h) {
 
 // The derivative vector of point i, starting from zeros.
 inline DerivativeVector DerivativesAt(const Pattern& p, int i, float scaleSin = 1.0f) {
-  DerivativeVector d;
+  DerivativeVector d(DimensionLimits::kDefaultMSZ);
   BackgroundDerivatives(p, i, scaleSin, d);
   return d;
 }

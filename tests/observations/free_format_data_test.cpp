@@ -128,6 +128,27 @@ TEST(FreeFormatData, MoreThanTwentyThousandPointsStop) {
   EXPECT_TRUE(HasLine(c.Report(), " => Program can handle 20000 points, 30001 points were input"));
 }
 
+TEST(FreeFormatData, ThirtyThousandAndOnePointsPassInALargeRun) {
+  // trunc((30000 - 0)/1 + 1.5) = 30001 points, one intensity each.
+  std::string text = "0 1 30000\n";
+  for (int i = 1; i <= 30001; ++i) text += std::to_string(i) + (i % 10 == 0 ? "\n" : " ");
+  DataFileCase c(0, text);
+  c.job().dimensions = LargeDimensionLimits();
+  c.Read();
+  ASSERT_EQ(c.pattern().NPTS, 30001);
+  EXPECT_GE(c.pattern().X.size(), 30001);
+  ExpectPoint(c.pattern(), 30001, {30000.0f, 30001.0f, 30001.0f});
+  ExpectPoint(c.pattern(), 20001, {20000.0f, 20001.0f, 20001.0f});
+}
+
+TEST(FreeFormatData, MoreThanTwoHundredThousandPointsStopInALargeRun) {
+  DataFileCase c(0, "0 1 200000\n1 2 3\n");
+  c.job().dimensions = LargeDimensionLimits();
+  const std::string console = c.ReadExpectingStop();
+  EXPECT_NE(console.find(" => Program can handle 200000 points, 200001 points were input"),
+            std::string::npos);
+}
+
 TEST(FreeFormatData, ExactlyTwentyThousandPointsPass) {
   std::string text = "1 1 20000\n";
   for (int i = 1; i <= 20000; ++i) text += std::to_string(i) + (i % 10 == 0 ? "\n" : " ");

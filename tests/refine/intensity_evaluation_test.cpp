@@ -151,7 +151,7 @@ TEST(IntensityEvaluation, DerivativesOfAClusterSumMatchFiniteDifferences) {
   // The row of the cluster: its normal-equation terms with weight Rmua/var.
   NormalMatrix& n = e.job->refinement.normal;
   n.SumB.Fill(0.0);
-  n.SumA.data.fill(0.0);
+  n.SumA.Fill(0.0);
   e.Evaluate(IntensityMode::kEquations);
   const IntensityObservation& first = e.at(1);
   const double weight = e.job->phases[1].pat[1].Rmua / first.variance;

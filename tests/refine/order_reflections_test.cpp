@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "records/dimension_limits.h"
 #include "records/reflection.h"
 #include "run/defaults.h"
 #include "test_support.h"
@@ -36,6 +37,7 @@ struct OrderCase {
   void Add(float position, float fwhm) {
     ReflectionTable& t = job->patterns[1].reflections;
     ++t.total;
+    t.slot.MakeRoomFor(t.total);
     t.slot[t.total].key = ReflectionKey(1, 1, 1, 0, t.total);
     t.slot[t.total].position = position;
     t.slot[t.total].Fwhm = fwhm;
@@ -56,9 +58,9 @@ TEST(OrderReflections, PointsUnderAPeakGetItsNumber) {
   c.Add(12.1f, 0.1f);  // base 11.9 .. 12.3: points 20 .. 24
   ASSERT_TRUE(c.Orders());
   EXPECT_EQ(c.Code(18), 0);
-  EXPECT_EQ(c.Code(19), 1 * 6000 + 1);
-  EXPECT_EQ(c.Code(21), 2 * 6000 + 1);
-  EXPECT_EQ(c.Code(24), 2 * 6000 + 2);
+  EXPECT_EQ(c.Code(19), OrderCodeOf(1, 1));
+  EXPECT_EQ(c.Code(21), OrderCodeOf(1, 2));
+  EXPECT_EQ(c.Code(24), OrderCodeOf(2, 2));
   EXPECT_EQ(c.Code(25), 0);
   EXPECT_EQ(FirstReflection(c.Code(21)), 1);
   EXPECT_EQ(LastReflection(c.Code(21)), 2);
@@ -77,9 +79,41 @@ TEST(OrderReflections, ExcludedRegionsGetTheMarker) {
   EXPECT_EQ(c.Code(1), kExcludedPoint);
   EXPECT_EQ(c.Code(6), kExcludedPoint);
   EXPECT_EQ(c.Code(7), 0);
-  EXPECT_EQ(c.Code(21), 6001);
+  EXPECT_EQ(c.Code(21), OrderCodeOf(1, 1));
   EXPECT_EQ(c.Code(22), kExcludedPoint);
   EXPECT_EQ(c.Code(101), kExcludedPoint);
+}
+
+TEST(OrderReflections, CodesOfTheLargestTablesKeepFirstAndLastReflection) {
+  // Up to 60 000 reflections, and up to NOV of them over one point.
+  for (int first : {1, 2, 5999, 6000, 6001, 30000, 58465, 60000}) {
+    for (int span : {0, 1, 700, DimensionLimits::NOV - 1}) {
+      const int last = first + span;
+      if (last > DimensionLimits::kLargeIRS) continue;
+      const int code = OrderCodeOf(first, last);
+      EXPECT_GT(code, 0);
+      EXPECT_NE(code, kExcludedPoint);
+      EXPECT_EQ(FirstReflection(code), first) << first << " " << span;
+      EXPECT_EQ(LastReflection(code), last) << first << " " << span;
+    }
+  }
+  EXPECT_EQ(FirstReflection(kExcludedPoint), 0);
+  EXPECT_EQ(LastReflection(kExcludedPoint), 1);
+  EXPECT_EQ(FirstReflection(0), 0);
+  EXPECT_EQ(LastReflection(0), 0);
+}
+
+TEST(OrderReflections, ReflectionsBeyondSixThousandGetTheirNumbersInALargeRun) {
+  OrderCase c;
+  c.job->dimensions = LargeDimensionLimits();
+  // 59 998 narrow peaks below the range, then two at 15 degrees.
+  for (int k = 1; k <= 59998; ++k) c.Add(5.0f, 0.05f);
+  c.Add(15.0f, 0.1f);
+  c.Add(15.0f, 0.1f);
+  ASSERT_TRUE(c.Orders()) << c.job.Console();
+  EXPECT_EQ(FirstReflection(c.Code(51)), 59999);
+  EXPECT_EQ(LastReflection(c.Code(51)), 60000);
+  EXPECT_EQ(c.Code(1), 0);
 }
 
 TEST(OrderReflections, PatternWithoutReflectionsStops) {
@@ -129,8 +163,8 @@ TEST(OrderReflections, VariableStepUsesBisection) {
   // X[40] = 11.6, X[48] = 12.304, X[49] = 12.401.
   EXPECT_EQ(Locate(p.NPTS, p.X, 11.6f), 40);
   EXPECT_EQ(c.Code(39), 0);
-  EXPECT_EQ(c.Code(40), 6001);
-  EXPECT_EQ(c.Code(48), 6001);
+  EXPECT_EQ(c.Code(40), OrderCodeOf(1, 1));
+  EXPECT_EQ(c.Code(48), OrderCodeOf(1, 1));
   EXPECT_EQ(c.Code(49), 0);
   EXPECT_EQ(Locate(p.NPTS, p.X, 9.0f), 0);
 }

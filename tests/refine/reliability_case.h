@@ -20,7 +20,7 @@ struct TestPoint {
 };
 
 // A Bragg order code (reflections 1 to 1) and the two non-Bragg codes.
-constexpr int kBragg = 1 * kOrderRadix + 1;
+constexpr int kBragg = OrderCodeOf(1, 1);
 constexpr int kNoReflection = 0;
 constexpr int kExcludedCode = kExcludedPoint;
 

@@ -59,7 +59,7 @@ struct UpdateCase {
       p.Backg[i] = 1.0f;
       p.Ycalc[i] = 3.0f;
       p.Variance[i] = 10.0f;
-      p.OrderCode[i] = 1 * kOrderRadix + 1;
+      p.OrderCode[i] = OrderCodeOf(1, 1);
     }
     job->refinement.braggPoints[1] = 3;
     job->refinement.usedPoints[1] = 3;

@@ -10,6 +10,7 @@
 
 #include "records/job.h"
 #include "records/reflection.h"
+#include "refine/order_reflections.h"
 #include "results/refinement_analysis.h"
 
 namespace corvinet {
@@ -35,7 +36,7 @@ struct Reflections {
     p.Wdt = 4.0f;
     for (int i = 1; i <= p.NPTS; ++i) {
       p.X[i] = 9.0f + 0.01f * static_cast<float>(i - 1);
-      p.OrderCode[i] = p.reflections.total * 6000 + 1;
+      p.OrderCode[i] = OrderCodeOf(1, p.reflections.total);
     }
   }
 };
@@ -146,7 +147,7 @@ TEST(ExpectedProfileFactors, NoiseMatchesThePoissonMeanDeviation) {
     p.X[i] = static_cast<float>(i);
     p.Ytotal[i] = y;
     p.Variance[i] = y;
-    p.OrderCode[i] = 6001;
+    p.OrderCode[i] = OrderCodeOf(1, 1);
     // One count too many in the first quarter, two too few in the last.
     p.Ycalc[i] = i <= 1000 ? y - 1.0f : i > 3000 ? y + 2.0f : y;
   }

@@ -35,7 +35,8 @@ TEST(Defaults, SetTheTableOfDefaults) {
     EXPECT_FLOAT_EQ(p.corrX[1], 1.0f);
     EXPECT_FLOAT_EQ(p.corrY[DimensionLimits::NPRC], 1.0f);
     EXPECT_EQ(p.JOBTYP, 0);
-    EXPECT_FLOAT_EQ(p.Ytotal[DimensionLimits::IDSZ], 0.0f);
+    ASSERT_EQ(p.Ytotal.size(), DimensionLimits::kDefaultIDSZ);
+    EXPECT_FLOAT_EQ(p.Ytotal[DimensionLimits::kDefaultIDSZ], 0.0f);
   }
 }
 
