@@ -74,9 +74,9 @@ BinaryRun RunBinary(const std::filesystem::path& dir, const std::string& argumen
     std::ofstream file(in, std::ios::binary);
     file << input;
   }
-  std::string command = "cd '" + dir.string() + "' && env -u CORVINET " + environment + " '" +
-                        CORVINET_BINARY + "' " + arguments + " < '" + in.string() + "' > '" +
-                        out.string() + "' 2>&1";
+  std::string command = "cd '" + dir.string() + "' && env -u CORVINET -u CORVINET_LIMITS " +
+                        environment + " '" + CORVINET_BINARY + "' " + arguments + " < '" +
+                        in.string() + "' > '" + out.string() + "' 2>&1";
   int status = std::system(command.c_str());
   BinaryRun run;
   run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;

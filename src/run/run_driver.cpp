@@ -6,6 +6,7 @@
 #include <ctime>
 #include <filesystem>
 #include <memory>
+#include <optional>
 
 #include "control/control_reading.h"
 #include "control/unmodelled_inputs.h"
@@ -23,6 +24,7 @@
 #include "run/directory_memory.h"
 #include "run/job_choice.h"
 #include "run/search_settings.h"
+#include "run/start_options.h"
 #include "run/starting_template.h"
 #include "search/search_run.h"
 #include "surface/console.h"
@@ -78,9 +80,14 @@ void RunJobs(Job& job) {
 
 }  // namespace
 
-int Main(Job& job, const std::vector<std::string>& arguments) {
+int Main(Job& job, const std::vector<std::string>& words) {
   DriverState& d = job.driver;
   job.console.ConsoleUnit = Unit::Console;
+  const char* limits = std::getenv("CORVINET_LIMITS");
+  const StartOptions options = ReadStartOptions(
+      words, limits != nullptr ? std::optional<std::string>(limits) : std::nullopt);
+  const std::vector<std::string>& arguments = options.arguments;
+  job.dimensions = options.dimensions;
   d.commandLine.clear();
   for (const std::string& word : arguments) {
     if (!d.commandLine.empty()) d.commandLine += ' ';
@@ -90,6 +97,7 @@ int Main(Job& job, const std::vector<std::string>& arguments) {
   d.commandLineLength = static_cast<int>(TrimRight(d.commandLine).size());
   ExitStatus status = ExitStatus::kNormal;
   try {
+    if (!options.error.empty()) StopBox(job, options.error);
     OpenDirectoryMemory(job);
     RunJobs(job);
     if (d.dirMemoryOpen) {
