@@ -114,7 +114,7 @@ std::unique_ptr<Job> MakeLimitsJob(const std::filesystem::path& dir) {
   for (int s : slots) job->phases[1].pat[1].PAC[s] = Codeword{++L, 1.0f};
   job->patterns[1].GLBword[1] = Codeword{++L, 1.0f};
   job->patterns[1].GLBword[2] = Codeword{++L, 1.0f};
-  job->run.MAXS = DimensionLimits::MSZ;
+  job->run.MAXS = job->dimensions.MSZ;
   BuildParameterFamilies(*job);
   return job;
 }

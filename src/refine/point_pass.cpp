@@ -149,6 +149,8 @@ void PreparePointPass(Job& job, CycleWork& work) {
   work.rowEnd.resize(chunk);
   work.points.resize(chunk);
   work.threadRows.resize(static_cast<std::size_t>(threads));
+  // Each thread's row is as wide as the tables of parameters of the run.
+  for (DerivativeVector& row : work.threadRows) row.Grow(job.refinement.PointDerivative.size());
   work.passEntries.resize(DimensionLimits::NPATT + 1);
   ++work.pass;
 }
