@@ -14,7 +14,7 @@ constexpr int kConvergedEndMarker = 123;
 
 // Sums of pattern ip over its non-excluded points (excluded regions tested by
 // point index) into job.reliability.pattern[ip].all, and over those of them
-// whose order code is 0 or 6000 into .nonBragg, over the others into .bragg;
+// whose order code is 0 or kExcludedPoint into .nonBragg, over the others into .bragg;
 // then the derived factors of both sets (ReliabilityIndices). In the last pass (cycle = NCY or
 // endMarker = 123) also Scor, reported on the .out and .sum files. For the cycle driver: the
 // weighted residual sum of the pattern is .all.Residual and its count of Bragg points .setB.N.
