@@ -23,8 +23,9 @@ constexpr int OrderCodeOf(int first, int last) {
 // Added to the code of a point that the widened bases of a table built again
 // during the cycles reach, but no present base: its peaks are calculated, and
 // it counts as a point without Bragg contributions, as a table of the present
-// bases would have it.
-constexpr int kTailOnlyPoint = kOrderRadix * kOrderRadix;
+// bases would have it. It stands above every code of reflections.
+constexpr int kTailOnlyPoint = 1 << 27;
+static_assert(static_cast<long long>(DimensionLimits::NOV) * kOrderRadix <= kTailOnlyPoint);
 
 // Whether the point of `code` has Bragg contributions: reflections, not
 // excluded, not reached by widened bases alone.
@@ -37,7 +38,7 @@ inline int FirstReflection(int code) {
   return code % kOrderRadix;
 }
 inline int LastReflection(int code) {
-  return code % kOrderRadix + code / kOrderRadix;
+  return code % kOrderRadix + code % kTailOnlyPoint / kOrderRadix;
 }
 
 // The largest j with x[j] <= value among the first n points, 0 below x[1].

@@ -95,6 +95,11 @@ TEST(OrderReflections, CodesOfTheLargestTablesKeepFirstAndLastReflection) {
       EXPECT_NE(code, kExcludedPoint);
       EXPECT_EQ(FirstReflection(code), first) << first << " " << span;
       EXPECT_EQ(LastReflection(code), last) << first << " " << span;
+      // A point reached by widened bases alone keeps its reflections.
+      EXPECT_EQ(FirstReflection(code + kTailOnlyPoint), first);
+      EXPECT_EQ(LastReflection(code + kTailOnlyPoint), last);
+      EXPECT_FALSE(IsBraggCode(code + kTailOnlyPoint));
+      EXPECT_TRUE(IsBraggCode(code));
     }
   }
   EXPECT_EQ(FirstReflection(kExcludedPoint), 0);
@@ -187,8 +192,8 @@ TEST(OrderReflections, FollowingKeepsTheTableWhileEveryBaseIsCovered) {
   ASSERT_TRUE(c.Orders());
   c.job->patterns[1].reflections.slot[1].position = 12.02f;  // base 11.82 .. 12.22: 20 .. 23
   ASSERT_TRUE(c.Follows());
-  EXPECT_EQ(c.Code(19), 6001);
-  EXPECT_EQ(c.Code(23), 6001);
+  EXPECT_EQ(c.Code(19), OrderCodeOf(1, 1));
+  EXPECT_EQ(c.Code(23), OrderCodeOf(1, 1));
   EXPECT_EQ(c.Code(24), 0);
 }
 
@@ -201,13 +206,13 @@ TEST(OrderReflections, FollowingRebuildsWithWidenedBasesWhenAPeakLeavesItsPoints
   c.job->patterns[1].reflections.slot[1].position = 12.33f;
   ASSERT_TRUE(c.Follows());
   EXPECT_EQ(c.Code(20), 0);
-  EXPECT_EQ(c.Code(22), 6001);
-  EXPECT_EQ(c.Code(26), 6001);
+  EXPECT_EQ(c.Code(22), OrderCodeOf(1, 1));
+  EXPECT_EQ(c.Code(26), OrderCodeOf(1, 1));
   EXPECT_EQ(c.Code(28), 0);
   // Points 21 and 27, reached by the widened base only, keep the reflection
   // for its calculation and count without Bragg contributions.
   for (int i : {21, 27}) {
-    EXPECT_EQ(c.Code(i), kTailOnlyPoint + 6001) << i;
+    EXPECT_EQ(c.Code(i), kTailOnlyPoint + OrderCodeOf(1, 1)) << i;
     EXPECT_EQ(FirstReflection(c.Code(i)), 1);
     EXPECT_EQ(LastReflection(c.Code(i)), 1);
     EXPECT_FALSE(IsBraggCode(c.Code(i)));
@@ -223,10 +228,10 @@ TEST(OrderReflections, FollowingRebuildsWhenAPeakBroadensBeyondItsPoints) {
   c.job->patterns[1].reflections.slot[1].Fwhm = 0.2f;
   ASSERT_TRUE(c.Follows());
   EXPECT_EQ(c.Code(14), 0);
-  EXPECT_EQ(c.Code(15), kTailOnlyPoint + 6001);
-  EXPECT_EQ(c.Code(17), 6001);
-  EXPECT_EQ(c.Code(25), 6001);
-  EXPECT_EQ(c.Code(27), kTailOnlyPoint + 6001);
+  EXPECT_EQ(c.Code(15), kTailOnlyPoint + OrderCodeOf(1, 1));
+  EXPECT_EQ(c.Code(17), OrderCodeOf(1, 1));
+  EXPECT_EQ(c.Code(25), OrderCodeOf(1, 1));
+  EXPECT_EQ(c.Code(27), kTailOnlyPoint + OrderCodeOf(1, 1));
   EXPECT_EQ(c.Code(28), 0);
 }
 
