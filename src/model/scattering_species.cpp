@@ -273,6 +273,26 @@ int StartSpeciesTable(Job& job, int ip, int k, int speciesGiven) {
   return std::max(running, given);
 }
 
+// The objects of a phase: its atoms typed with an object label. More than
+// N_FORM stop; any opens the report of objects.
+void CheckObjectCount(Job& job, const Phase& ph, int atomCount) {
+  int objects = 0;
+  for (int i = FirstAtom(ph); i <= LastAtom(ph, atomCount); ++i) {
+    if (ObjectIndex(FixedText(job.atoms[i].species, 4)) != 0) ++objects;
+  }
+  if (objects == 0) return;
+  if (objects > DimensionLimits::N_FORM) {
+    Out(job, Fmt("(A,I4)", " => Number of objects greater than the maximum:", DimensionLimits::N_FORM));
+    ConsoleLine(job, Fmt("(A,I4)", " => Number of objects greater than the maximum:",
+                         DimensionLimits::N_FORM));
+    StopBox(job, " Too many form factors ");
+  }
+  const std::string rule(60, '=');
+  Out(job, " " + rule);
+  Out(job, " Form factor option");
+  Out(job, " " + rule);
+}
+
 }  // namespace
 
 std::string NucleusLabel(const Phase& phase, const AtomSite& atom) {
@@ -313,6 +333,7 @@ void ResolveScatteringSpecies(Job& job, int ip, int k, int atomCount, int specie
   Phase& ph = job.phases[k];
   SpeciesWork w{job, ph, ph.pat[ip], ip, StartSpeciesTable(job, ip, k, speciesGiven), anomalous};
   const int jbt = std::abs(ph.Jbt);
+  if (jbt != 1 && jbt != 5) CheckObjectCount(job, ph, atomCount);
   if (IsNeutronJob(radiation)) {
     if (jbt != 1 && jbt != 5) ResolveNeutron(w, atomCount);
     if (jbt == 10 || jbt == 1 || jbt == 5) ResolveMagnetic(w, atomCount);
