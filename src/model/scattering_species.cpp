@@ -14,6 +14,7 @@
 #include "model/anomalous_energy.h"
 #include "model/elements.h"
 #include "model/scattering_tables.h"
+#include "records/rigid_model.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -178,6 +179,11 @@ void ResolveMagneticAtom(SpeciesWork& w, AtomSite& atom) {
   if (std::abs(w.phase.Jbt) != 10) atom.nuclearSpecies = n;
 }
 
+// A line of a rigid-body phase that holds a group's parameters: it has no species.
+bool IsGroupParameterLine(const Phase& ph, const AtomSite& atom) {
+  return std::abs(ph.Jbt) == 4 && IsRigidGroupLine(atom);
+}
+
 int FirstAtom(const Phase& ph) {
   return ph.atomOffset + 1;
 }
@@ -203,6 +209,7 @@ void ResolveXray(SpeciesWork& w, int atomCount) {
   ReportAnomalousSource(w.job, w.anomalous, w.job.patterns[w.pattern].LAMBDA[1]);
   Out(w.job, " => X-ray scattering coeff. (A1,B1,A2,...C,Dfp,Dfpp)");
   for (int i = FirstAtom(w.phase); i <= LastAtom(w.phase, atomCount); ++i) {
+    if (IsGroupParameterLine(w.phase, w.job.atoms[i])) continue;
     ResolveXrayAtom(w, w.job.atoms[i]);
   }
 }
@@ -210,6 +217,7 @@ void ResolveXray(SpeciesWork& w, int atomCount) {
 void ResolveNeutron(SpeciesWork& w, int atomCount) {
   Out(w.job, " => Scattering lengths:");
   for (int i = FirstAtom(w.phase); i <= LastAtom(w.phase, atomCount); ++i) {
+    if (IsGroupParameterLine(w.phase, w.job.atoms[i])) continue;
     ResolveNeutronAtom(w, w.job.atoms[i]);
   }
 }
@@ -282,9 +290,11 @@ void CheckObjectCount(Job& job, const Phase& ph, int atomCount) {
   }
   if (objects == 0) return;
   if (objects > DimensionLimits::N_FORM) {
-    Out(job, Fmt("(A,I4)", " => Number of objects greater than the maximum:", DimensionLimits::N_FORM));
-    ConsoleLine(job, Fmt("(A,I4)", " => Number of objects greater than the maximum:",
-                         DimensionLimits::N_FORM));
+    Out(job,
+        Fmt("(A,I4)", " => Number of objects greater than the maximum:", DimensionLimits::N_FORM));
+    ConsoleLine(
+        job,
+        Fmt("(A,I4)", " => Number of objects greater than the maximum:", DimensionLimits::N_FORM));
     StopBox(job, " Too many form factors ");
   }
   const std::string rule(60, '=');

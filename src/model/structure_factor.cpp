@@ -34,15 +34,15 @@ void SpeciesFormFactor(int NSCAT, const ChemicalSpecies& sp, int number, float s
 namespace {
 
 // The unit vector of h' in the Cartesian frame: h' times the Cartesian-to-fractional matrix.
-std::array<float, 3> CartesianDirection(const Table2<double, 3, 3>& M, const std::array<float, 3>& h) {
+std::array<float, 3> CartesianDirection(const Table2<double, 3, 3>& M,
+                                        const std::array<float, 3>& h) {
   std::array<double, 3> v{};
   for (int j = 1; j <= 3; ++j) {
     v[j - 1] = h[0] * M(1, j) + h[1] * M(2, j) + h[2] * M(3, j);
   }
   const double n = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
   if (n <= 0.0) return {0.0f, 0.0f, 1.0f};
-  return {static_cast<float>(v[0] / n), static_cast<float>(v[1] / n),
-          static_cast<float>(v[2] / n)};
+  return {static_cast<float>(v[0] / n), static_cast<float>(v[1] / n), static_cast<float>(v[2] / n)};
 }
 
 // The terms of every operator for this reflection: they do not depend on the atom.
@@ -89,7 +89,8 @@ void AddOperator(const OperatorTerms& t, const AtomSite& a, int acentric, const 
   const float sT = static_cast<float>(T * std::sin(phi));
   float O = 1.0f;
   if (how.object) {
-    const ObjectAmplitudeValue v = ObjectAmplitude(how.shape, a.ATP, how.s2, t.direction, how.derive);
+    const ObjectAmplitudeValue v =
+        ObjectAmplitude(how.shape, a.ATP, how.s2, t.direction, how.derive);
     O = v.O;
     if (how.derive) {
       for (int k = 0; k < kObjectParameters; ++k) {

@@ -24,9 +24,9 @@ Table1<float, 6> CellCoefficients(const PhasePattern& c) {
 
 // F^2 of a reflection of a crystal phase from its atoms; its derivatives go
 // to dF2[0..fitted) when parameters are refined.
-StructureFactorValue CrystalStructureFactor(const Job& job, StructureFactorScratch& scratch,
-                                            float* dF2, int ip, int phase, const RealVector& h,
-                                            Reflection& r, int fitted) {
+StructureFactorValue CrystalStructureFactor(const Job& job, StructureScratch& scratch, float* dF2,
+                                            int ip, int phase, const RealVector& h, Reflection& r,
+                                            int fitted) {
   const Phase& ph = job.phases[phase];
   const Pattern& p = job.patterns[ip];
   const PhasePattern& c = ph.pat[ip];
@@ -47,7 +47,10 @@ StructureFactorValue CrystalStructureFactor(const Job& job, StructureFactorScrat
   if (fitted > 0) {
     for (int L = 0; L < fitted; ++L) dF2[L] = 0.0f;
   }
-  return EvaluateStructureFactor(in, q, r, scratch, fitted > 0 ? dF2 : nullptr, fitted);
+  float* d = fitted > 0 ? dF2 : nullptr;
+  if (ph.Jbt != 4) return EvaluateStructureFactor(in, q, r, scratch.structure, d, fitted);
+  return EvaluateRigidBodyStructureFactor(job.rigid[phase], in.atoms, in, q, r, scratch.structure,
+                                          scratch.rigid, d, fitted);
 }
 
 // What the magnetic evaluation needs of reflection r of phase ph at working vector h.
@@ -105,7 +108,7 @@ const Table2<double, 3, 3>* ObjectFrameOf(const PhasePattern& c, CellMetric& met
 
 StructureParts PartsOf(const Phase& ph, const Reflection& r) {
   const int kind = std::abs(ph.Jbt);
-  if (ph.Jbt == 0) return {true, false};
+  if (ph.Jbt == 0 || ph.Jbt == 4) return {true, false};
   if (kind == 1 || kind == 5) return {false, true};
   if (kind != 10) return {false, false};
   if (r.satelliteIndex != 0) return {false, true};
@@ -147,7 +150,7 @@ bool StructureF2Into(const Job& job, StructureScratch& scratch, float* dF2, int 
   const StructureParts parts = PartsOf(job.phases[phase], r);
   float sum = 0.0f;
   if (parts.nuclear) {
-    sum = CrystalStructureFactor(job, scratch.structure, dF2, ip, phase, h, r, fitted).F2;
+    sum = CrystalStructureFactor(job, scratch, dF2, ip, phase, h, r, fitted).F2;
   }
   if (parts.magnetic) {
     if (fitted > 0 && !parts.nuclear) {

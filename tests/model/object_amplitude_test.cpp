@@ -35,24 +35,24 @@ TEST(ObjectAmplitude, AtZeroQEveryFormTakesItsGuardedLimit) {
   const std::array<float, 3> z{0.0f, 0.0f, 1.0f};
   EXPECT_FLOAT_EQ(ObjectAmplitude(ObjectShape::ThinShell, Params({3.0f, 2.0f}), 0.0f, z, true).O,
                   2.0f);
-  EXPECT_FLOAT_EQ(
-      ObjectAmplitude(ObjectShape::Sphere, Params({3.0f, 1.5f, 1.0f}), 0.0f, z, true).O, 1.5f);
-  EXPECT_FLOAT_EQ(
-      ObjectAmplitude(ObjectShape::Sphere, Params({3.0f, 1.5f, 2.0f}), 0.0f, z, true).O, 1.5f);
+  EXPECT_FLOAT_EQ(ObjectAmplitude(ObjectShape::Sphere, Params({3.0f, 1.5f, 1.0f}), 0.0f, z, true).O,
+                  1.5f);
+  EXPECT_FLOAT_EQ(ObjectAmplitude(ObjectShape::Sphere, Params({3.0f, 1.5f, 2.0f}), 0.0f, z, true).O,
+                  1.5f);
   EXPECT_FLOAT_EQ(ObjectAmplitude(ObjectShape::Ellipsoids,
                                   Params({3.0f, 2.0f, 1.0f, 0.5f, 1.0f, 2.0f, 3.0f}), 0.0f, z, true)
                       .O,
                   6.0f);
   // Cylinder: pi L (w1 R1^2 + w2 R2^2); boxes: 8 a b c w per box.
-  EXPECT_NEAR(ObjectAmplitude(ObjectShape::Cylinder, Params({2.0f, 1.0f, 3.0f, 1.0f, 0.5f}), 0.0f,
-                              z, true)
-                  .O,
-              kPi * 3.0 * (4.0 + 0.5), 1e-4);
-  EXPECT_NEAR(ObjectAmplitude(ObjectShape::Parallelepipeds,
-                              Params({1.0f, 2.0f, 3.0f, 1.0f, 1.0f, 1.0f, 1.0f, 0.5f}), 0.0f, z,
-                              true)
-                  .O,
-              8.0 * 6.0 + 0.5 * 8.0, 1e-4);
+  EXPECT_NEAR(
+      ObjectAmplitude(ObjectShape::Cylinder, Params({2.0f, 1.0f, 3.0f, 1.0f, 0.5f}), 0.0f, z, true)
+          .O,
+      kPi * 3.0 * (4.0 + 0.5), 1e-4);
+  EXPECT_NEAR(
+      ObjectAmplitude(ObjectShape::Parallelepipeds,
+                      Params({1.0f, 2.0f, 3.0f, 1.0f, 1.0f, 1.0f, 1.0f, 0.5f}), 0.0f, z, true)
+          .O,
+      8.0 * 6.0 + 0.5 * 8.0, 1e-4);
 }
 
 TEST(ObjectAmplitude, AParallelepipedWithAnEdgeBelowTheCutoffHasAmplitudeOne) {
