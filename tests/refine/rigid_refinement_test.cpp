@@ -16,6 +16,7 @@
 #include "refine/cycle_driver.h"
 #include "refine/point_probe.h"
 #include "refine/rigid_case.h"
+#include "refine/rigid_report.h"
 #include "test_support.h"
 
 namespace corvinet {
@@ -214,6 +215,18 @@ TEST(RigidRefinement, ASimulatedRigidSulphateRefinesBackFromARotatedAndShiftedSt
         << "angle " << s;
     EXPECT_LT(Sigma(*job, 5 + s), 1.0f);
   }
+  // The S sits at the origin: its position has the sigma of the origin; an O
+  // also moves with the angles, and has more.
+  EXPECT_NEAR(PlacedFieldSigma(*job, 1, 2, 0), Sigma(*job, 2), 1e-3 * Sigma(*job, 2));
+  EXPECT_NEAR(PlacedFieldSigma(*job, 1, 2, 2), Sigma(*job, 4), 1e-3 * Sigma(*job, 4));
+  EXPECT_GT(PlacedFieldSigma(*job, 1, 3, 0), Sigma(*job, 2));
+  const std::vector<std::string> report = RigidAtomLines(*job, 1);
+  ASSERT_EQ(report.size(), 6u);  // the head and the S and four O
+  EXPECT_EQ(report[0].substr(0, 32), " => Atoms placed by RBG no.:  1 ");
+  EXPECT_EQ(report[1].substr(0, 10), " SO4  S   ");
+  // x of the S is the origin's, with the origin's sigma.
+  EXPECT_NE(report[1].find(Fmt("(F10.5,F9.5)", g.ATP[1], Sigma(*job, 2))), std::string::npos)
+      << report[1];
 }
 
 // A cubic cell with a sphere of the family at its origin (parabolic density
