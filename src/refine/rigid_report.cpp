@@ -7,6 +7,7 @@
 
 #include "format/fortran_format.h"
 #include "format/text.h"
+#include "model/displacement_analysis.h"
 #include "model/rigid_body.h"
 
 namespace corvinet {
@@ -62,6 +63,42 @@ std::vector<std::string> RigidAtomLines(const Job& job, int k) {
       lines.push_back(AtomLine(job, k, atom, model.effective[i]));
       if (IsTlsOption(g.option)) lines.push_back(BetaLine(job, k, atom, model.effective[i]));
     }
+  }
+  return lines;
+}
+
+namespace {
+
+// The eigenvalues and eigenvectors of a symmetric tensor given as 11 22 33 12 13 23.
+void TensorAxesLines(const AtomSite& line, int first, std::vector<std::string>& lines) {
+  const auto t = [&](int i) { return static_cast<double>(line.ATP[first + i]); };
+  std::array<std::array<double, 3>, 3> a{
+      {{t(0), t(3), t(4)}, {t(3), t(1), t(5)}, {t(4), t(5), t(2)}}};
+  std::array<std::array<double, 3>, 3> v{};
+  SymmetricEigen(a, v);
+  lines.push_back("    Eigen Value ---->    Eigen vector(Orth. syst.)");
+  for (int n = 0; n < 3; ++n) {
+    lines.push_back(Fmt("(F14.5,6X,3F10.5)", a[n][n], v[0][n], v[1][n], v[2][n]));
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> TlDiagonalisationLines(const Job& job, int k) {
+  const RigidModel& model = job.rigid[k];
+  std::vector<std::string> lines;
+  for (const RigidGroup& g : model.groups) {
+    if (!IsTlsOption(g.option)) continue;
+    if (lines.empty())
+      lines.push_back(" => TL-tensors of RBG defined for the refined phase(s) below:");
+    const AtomSite& head = job.atoms[job.phases[k].atomOffset + g.line];
+    lines.push_back(
+        Fmt("(A,I3)", " => Diagonalization of T-tensor(100xAngstroms**2) of RBG no.", g.number));
+    TensorAxesLines(head, GroupSlot::T, lines);
+    if (g.tlsLine == 0) continue;
+    lines.push_back(
+        Fmt("(A,I3)", " => Diagonalization of L-tensor(degrees**2) of RBG no. ", g.number));
+    TensorAxesLines(job.atoms[job.phases[k].atomOffset + g.tlsLine], TlsSlot::L, lines);
   }
   return lines;
 }
