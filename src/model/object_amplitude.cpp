@@ -131,7 +131,7 @@ ObjectAmplitudeValue Cylinder(const Table1<float, DimensionLimits::NAT_P>& p, do
 // B = b q sinT sinP, C = c q cosT and D = sinT^2 q^3 cosT sin(2P); where D
 // vanishes, 8abc times the product of sin(X)/X, each 1 where its X vanishes.
 // The slopes in the three edges go to `slope`.
-double Box(const double e[3], double q, const Direction& a, double slope[3]) {
+double BoxAmplitude(const double e[3], double q, const Direction& a, double slope[3]) {
   slope[0] = slope[1] = slope[2] = 0.0;
   for (int i = 0; i < 3; ++i) {
     if (std::fabs(e[i]) < kObjectCutoff) return 1.0;
@@ -161,7 +161,7 @@ ObjectAmplitudeValue Parallelepipeds(const Table1<float, DimensionLimits::NAT_P>
     const double e[3] = {p[19 + 3 * b], p[20 + 3 * b], p[21 + 3 * b]};
     const double w = p[25 + b];
     double slope[3];
-    const double box = Box(e, q, a, slope);
+    const double box = BoxAmplitude(e, q, a, slope);
     sum += w * box;
     if (!derive) continue;
     for (int i = 0; i < 3; ++i) v.d[P(19) + 3 * b + i] = static_cast<float>(w * slope[i]);

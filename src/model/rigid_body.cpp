@@ -119,7 +119,7 @@ PlacedFields PlaceMember(const RigidGroup& g, int member, const GroupFrame& f,
   if (!IsTlsOption(g.option)) return out;
   // The group's T, L and S hold the whole displacement of its atoms.
   out[3] = 0.0;
-  const std::array<double, 6> b = BetasOfDisplacement(TlsDisplacement(tls, r), metric.fractional);
+  const std::array<double, 6> b = TlsToBetas(tls, r, metric.fractional);
   for (int i = 0; i < 6; ++i) out[static_cast<std::size_t>(5 + i)] = b[static_cast<std::size_t>(i)];
   return out;
 }
@@ -206,6 +206,11 @@ std::array<double, 6> BetasOfDisplacement(const Matrix3& U, const Table2<double,
           kTwoPiSquared * B[0][1], kTwoPiSquared * B[0][2], kTwoPiSquared * B[1][2]};
 }
 
+std::array<double, 6> TlsToBetas(const TlsTensors& tls, const std::array<double, 3>& r,
+                                 const Table2<double, 3, 3>& F) {
+  return BetasOfDisplacement(TlsDisplacement(tls, r), F);
+}
+
 GroupFrame GroupFrameOf(const RigidModel& model, int g, std::span<const AtomSite> rows,
                         const CellMetric& metric) {
   return FrameOfValues(model, g, ValuesOf(rows), metric);
@@ -242,7 +247,8 @@ std::vector<PlacedFields> PlaceAll(const RigidModel& model, const LineValues& v,
 
 }  // namespace
 
-void PlaceRigidAtoms(RigidModel& model, std::span<const AtomSite> rows, const CellMetric& metric) {
+void RigidGroupCoordinates(RigidModel& model, std::span<const AtomSite> rows,
+                           const CellMetric& metric) {
   model.effective.clear();
   model.source.clear();
   for (int row = 1; row <= static_cast<int>(rows.size()); ++row) {

@@ -54,11 +54,17 @@ Matrix3 TlsDisplacement(const TlsTensors& tls, const std::array<double, 3>& r);
 // F the Cartesian-to-fractional matrix.
 std::array<double, 6> BetasOfDisplacement(const Matrix3& U, const Table2<double, 3, 3>& F);
 
+// The betas of an atom at r (A, Cartesian) from the origin of a TLS group:
+// the displacement U of the tensors turned into betas of the cell.
+std::array<double, 6> TlsToBetas(const TlsTensors& tls, const std::array<double, 3>& r,
+                                 const Table2<double, 3, 3>& F);
+
 // Places the atoms of a phase: fills model.effective (one atom for every line
 // that scatters, in order, with its row in model.source) from the lines
 // `rows` (the phase's atom lines, row r at rows[r - 1]) by the groups of the
 // model, in the cell `metric`.
-void PlaceRigidAtoms(RigidModel& model, std::span<const AtomSite> rows, const CellMetric& metric);
+void RigidGroupCoordinates(RigidModel& model, std::span<const AtomSite> rows,
+                           const CellMetric& metric);
 
 // The slopes of the placed atoms' fields in every slot of the lines that has a
 // code, by central differences of the placement: fills model.links.

@@ -26,7 +26,7 @@ void RefreshRigidModel(Job& job, int k) {
   for (int i = 1; i <= 6; ++i) model.cell[static_cast<std::size_t>(i - 1)] = c.CellConstants[i];
   const std::span<const AtomSite> rows(job.atoms.ptr() + ph.atomOffset,
                                        static_cast<std::size_t>(ph.Nat));
-  PlaceRigidAtoms(model, rows, metric);
+  RigidGroupCoordinates(model, rows, metric);
   BuildRigidLinks(model, rows, metric);
   for (const RigidGroup& g : model.groups) {
     if (g.option != RigidOption::Chain) continue;

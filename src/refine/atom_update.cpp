@@ -119,7 +119,7 @@ void UpdateAtoms(Job& job, int phase, const UpdatePass& pass) {
     // The atoms of the groups follow the shifted parameters.
     RefreshRigidModel(job, phase);
     WritePassLines(job, pass, RigidAtomLines(job, phase));
-    WritePassLines(job, pass, TlDiagonalisationLines(job, phase));
+    WritePassLines(job, pass, DiagonaliseTl(job, phase));
     return;
   }
   UpdatePositions(job, phase, pass, false);

@@ -84,7 +84,7 @@ void TensorAxesLines(const AtomSite& line, int first, std::vector<std::string>& 
 
 }  // namespace
 
-std::vector<std::string> TlDiagonalisationLines(const Job& job, int k) {
+std::vector<std::string> DiagonaliseTl(const Job& job, int k) {
   const RigidModel& model = job.rigid[k];
   std::vector<std::string> lines;
   for (const RigidGroup& g : model.groups) {

@@ -21,6 +21,6 @@ std::vector<std::string> RigidAtomLines(const Job& job, int k);
 // The principal axes of T and L of every TLS group of phase k: their
 // eigenvalues (100 x A^2, degrees^2) and unit eigenvectors in the Cartesian
 // frame of the cell; no line when the phase has no TLS group.
-std::vector<std::string> TlDiagonalisationLines(const Job& job, int k);
+std::vector<std::string> DiagonaliseTl(const Job& job, int k);
 
 }  // namespace corvinet

@@ -87,6 +87,12 @@ TEST(ObjectAmplitude, ToreBehavesAsTheEllipsoidsSinceTheLabelSelectsNoOtherShape
   EXPECT_EQ(ObjectShapeOf("FUD3"), ObjectShape::Ellipsoids);
   EXPECT_EQ(ObjectShapeOf("ELLI"), ObjectShape::Ellipsoids);
   EXPECT_EQ(ObjectShapeOf("PARA"), ObjectShape::Parallelepipeds);
+  const Slots p = Params({3.0f, 2.0f, 1.0f, 0.6f, 1.0f, 0.5f, 0.3f});
+  const auto d = Along(0.9, 0.35);
+  const ObjectAmplitudeValue tore = ObjectAmplitude(ObjectShapeOf("TORE"), p, 0.02f, d, true);
+  const ObjectAmplitudeValue elli = ObjectAmplitude(ObjectShapeOf("ELLI"), p, 0.02f, d, true);
+  EXPECT_EQ(tore.O, elli.O);
+  EXPECT_EQ(tore.d, elli.d);
 }
 
 // The uniform sphere and the thin shell against their closed forms; the

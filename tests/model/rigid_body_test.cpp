@@ -102,7 +102,7 @@ TEST(RigidBody, CartesianAndTlsCartesianGroupsPlaceTheirAtomsByTheRotationAndOri
     std::vector<AtomSite> lines = {GroupLine(1, 0, option, {0.1f, 0.2f, 0.3f}, {20, -35, 50}),
                                    Member(1, {1.2f, -0.4f, 0.7f}), Member(1, {0.0f, 0.0f, 1.5f})};
     RigidModel m = OneGroup(option, lines);
-    PlaceRigidAtoms(m, lines, metric);
+    RigidGroupCoordinates(m, lines, metric);
     ASSERT_EQ(m.effective.size(), 2u);
     const Matrix3 R = HandRotation(20, -35, 50);
     ExpectPlacedAt(m, 0, {0.1, 0.2, 0.3}, R, {1.2, -0.4, 0.7}, {8, 6, 7});
@@ -116,7 +116,7 @@ TEST(RigidBody, PolarGroupsPlaceTheirAtomsFromDistanceAndTwoAngles) {
     std::vector<AtomSite> lines = {GroupLine(1, 0, option, {0.5f, 0.0f, 0.25f}, {-10, 25, 80}),
                                    Member(1, {1.5f, 60.0f, 30.0f})};
     RigidModel m = OneGroup(option, lines);
-    PlaceRigidAtoms(m, lines, metric);
+    RigidGroupCoordinates(m, lines, metric);
     const double a = 60 * kDeg, b = 30 * kDeg;
     const std::array<double, 3> local{1.5 * std::sin(a) * std::cos(b),
                                       1.5 * std::sin(a) * std::sin(b), 1.5 * std::cos(a)};
@@ -130,7 +130,7 @@ TEST(RigidBody, ChainGroupsPlaceTheirAtomsByTheFrameCoordinatesFixedAtInput) {
                                  Member(1, {0.0f, 0.0f, 0.0f})};
   RigidModel m = OneGroup(3, lines);
   m.groups[0].chain = {{1.0, 0.5, -0.25}};
-  PlaceRigidAtoms(m, lines, metric);
+  RigidGroupCoordinates(m, lines, metric);
   ExpectPlacedAt(m, 0, {0.2, 0.3, 0.4}, HandRotation(0, 0, 90), {1.0, 0.5, -0.25}, {8, 6, 7});
 }
 
@@ -147,7 +147,7 @@ TEST(RigidBody, ASatelliteHangsFromItsMainGroupFrame) {
   s.reference = 0;
   s.atoms = {4};
   m.groups.push_back(s);
-  PlaceRigidAtoms(m, lines, metric);
+  RigidGroupCoordinates(m, lines, metric);
   // Main frame: x -> y. Satellite origin: main origin + Rmain (2, 0, 0) = (0, 2, 0) A.
   // Its frame Rmain Rx(90): local y -> z, so the atom is 1 A along z from there.
   EXPECT_NEAR(m.effective[1].ATP[1], 0.1, 1e-6);
@@ -171,7 +171,7 @@ TEST(RigidBody, DistancesInsideAGroupDoNotChangeWithItsOriginAndOrientation) {
                                  Member(1, {0.0f, 0.0f, 0.0f}), Member(1, {1.47f, 0.1f, -0.2f}),
                                  Member(1, {-0.5f, 1.3f, 0.4f}), Member(1, {0.3f, -0.6f, 1.35f})};
   RigidModel m = OneGroup(1, lines);
-  PlaceRigidAtoms(m, lines, metric);
+  RigidGroupCoordinates(m, lines, metric);
   std::vector<double> reference;
   for (std::size_t i = 0; i < 4; ++i) {
     for (std::size_t j = i + 1; j < 4; ++j)
@@ -183,7 +183,7 @@ TEST(RigidBody, DistancesInsideAGroupDoNotChangeWithItsOriginAndOrientation) {
   for (const auto& mv : moves) {
     for (int s = 0; s < 3; ++s) lines[0].ATP[1 + s] = mv[s];
     for (int s = 0; s < 3; ++s) lines[0].ATP[7 + s] = mv[3 + s];
-    PlaceRigidAtoms(m, lines, metric);
+    RigidGroupCoordinates(m, lines, metric);
     std::size_t n = 0;
     for (std::size_t i = 0; i < 4; ++i) {
       for (std::size_t j = i + 1; j < 4; ++j)
@@ -236,7 +236,7 @@ TEST(RigidBody, APureTGivesEveryAtomTheSameBetas) {
                                  Member(1, {-1.0f, 0.8f, 0.0f})};
   for (int i = 0; i < 3; ++i) lines[0].ATP[GroupSlot::T + i] = 1.0f + 0.5f * static_cast<float>(i);
   RigidModel m = OneGroup(4, lines);
-  PlaceRigidAtoms(m, lines, metric);
+  RigidGroupCoordinates(m, lines, metric);
   // beta_ii = 2 pi^2 U_ii / a_i^2 in an orthorhombic cell, U = T/100.
   const double abc[3] = {8, 6, 7};
   for (const AtomSite& a : m.effective) {
@@ -256,7 +256,7 @@ TEST(RigidBody, FreeAtomsKeepTheirTypedFractionalCoordinates) {
                                  Member(1, {1.0f, 0.0f, 0.0f}),
                                  LineOf("Pb", "PB", {0.19f, 0.25f, 0.17f, 1.1f, 0.5f, 0.0f})};
   RigidModel m = OneGroup(1, {lines[0], lines[1]});
-  PlaceRigidAtoms(m, lines, metric);
+  RigidGroupCoordinates(m, lines, metric);
   ASSERT_EQ(m.effective.size(), 2u);
   EXPECT_EQ(m.source[1], 3);
   EXPECT_FLOAT_EQ(m.effective[1].ATP[1], 0.19f);

@@ -40,7 +40,7 @@ TEST(RigidReport, TheAxesOfTAndLOfATlsGroupAreTheirEigenvectors) {
   CapturedJob job;
   ASSERT_TRUE(testing::ReadControlText(dir, job, testing::RigidControlText(c), false))
       << job.Console();
-  const std::vector<std::string> lines = TlDiagonalisationLines(*job, 1);
+  const std::vector<std::string> lines = DiagonaliseTl(*job, 1);
   ASSERT_EQ(lines.size(), 11u);
   EXPECT_EQ(lines[0], " => TL-tensors of RBG defined for the refined phase(s) below:");
   EXPECT_EQ(lines[1], " => Diagonalization of T-tensor(100xAngstroms**2) of RBG no.  1");
@@ -74,7 +74,7 @@ TEST(RigidReport, AStandardGroupHasNoTensorsToDiagonalise) {
   dir.Write("x.dat", "");
   CapturedJob job;
   ASSERT_TRUE(testing::ReadControlText(dir, job, testing::RigidControlText(RigidCase{}), false));
-  EXPECT_TRUE(TlDiagonalisationLines(*job, 1).empty());
+  EXPECT_TRUE(DiagonaliseTl(*job, 1).empty());
 }
 
 }  // namespace
