@@ -28,6 +28,9 @@ struct RigidCase {
   std::string groupLabel = "SO4";
   std::string memberLabel = "SO4";
   int reference = 0;
+  // A second group hanging from the first: its line (offset 1.5 A along the
+  // first group's x, angles 5, 10, 15) and one O, after the atoms of the first.
+  bool satellite = false;
   // Codes by (line, slot): line 1 Pb, 2 the group line, then the TLS line
   // when the option has one, then S and the four O.
   std::map<std::pair<int, int>, std::string> codes;
@@ -94,11 +97,16 @@ inline std::string AtomLines(const RigidCase& c) {
     text += ModelLine(c, line++, label, species,
                       {at[i][0], at[i][1], at[i][2], i == 0 ? 0.6f : 1.0f, 0.5f, 1.0f});
   }
+  if (c.satellite) {
+    text += ModelLine(c, line++, "SAT", "RBG",
+                      {1.5f, 0.0f, 0.0f, 2.0f, 1.0f, 1.0f, 5.0f, 10.0f, 15.0f});
+    text += ModelLine(c, line++, "SAT", "O", {0.9f, 0.3f, 0.2f, 1.0f, 0.5f, 2.0f});
+  }
   return text;
 }
 
 inline int LineCount(const RigidCase& c) {
-  return HasTlsLine(c) ? 8 : 7;
+  return (HasTlsLine(c) ? 8 : 7) + (c.satellite ? 2 : 0);
 }
 
 inline std::string RigidControlText(const RigidCase& c) {

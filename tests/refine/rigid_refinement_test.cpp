@@ -108,6 +108,27 @@ TEST(RigidRefinement, OriginAndAngleDerivativesOfAStandardGroupFollowFiniteDiffe
                           {"Pb x", 1, 1, 1e-4}});
 }
 
+// The satellite's atom moves with its main group's origin and angles and with
+// its own offset and angles.
+TEST(RigidRefinement, SatelliteGroupDerivativesFollowFiniteDifferences) {
+  ScratchDir dir;
+  WriteFlatData(dir, "15.0 0.02 100.0", 4251);
+  RigidCase c;
+  c.job = 0;
+  c.satellite = true;
+  CapturedJob job;
+  ASSERT_TRUE(testing::ReadControlText(dir, job, testing::RigidControlText(c), false))
+      << job.Console();
+  ASSERT_EQ(job->rigid[1].groups.size(), 2u);
+  CheckDerivatives(*job, {{"main origin x", 2, 1, 1e-4},
+                          {"main theta", 2, 7, 0.05},
+                          {"main chi", 2, 9, 0.05},
+                          {"offset x", 8, 1, 1e-3},
+                          {"offset y", 8, 2, 1e-3},
+                          {"satellite phi", 8, 8, 0.05},
+                          {"satellite O x", 9, 1, 1e-3}});
+}
+
 TEST(RigidRefinement, PolarInternalCoordinateDerivativesFollowFiniteDifferences) {
   ScratchDir dir;
   WriteFlatData(dir, "15.0 0.02 100.0", 4251);
