@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "control/unmodelled_inputs.h"
 #include "refine/rigid_case.h"
 #include "test_support.h"
 
@@ -95,6 +96,20 @@ TEST(RigidGroups, AChainGroupOfOneAtomHasNoChainToCheck) {
   EXPECT_NE(out.find(" ==> Generating chain coordinates for group "), std::string::npos) << out;
   EXPECT_EQ(out.find(" *** PB of distance in the main chain ***"), std::string::npos);
   ASSERT_EQ(job->rigid[1].groups[0].atoms.size(), 1u);
+}
+
+TEST(RigidGroups, ARigidBodyPhasePassesTheCheckBeforeTheCyclesUnlessItHasRestraints) {
+  ScratchDir dir;
+  CapturedJob job;
+  ASSERT_TRUE(Read(dir, job, RigidCase{})) << job.Console();
+  EXPECT_TRUE(testing::RunsWithoutStop(*job, [](Job& j) { StopOnUnmodelledInputs(j); }));
+  job->phases[1].Dis = 1;
+  EXPECT_FALSE(testing::RunsWithoutStop(*job, [](Job& j) { StopOnUnmodelledInputs(j); }));
+  EXPECT_NE(job.Console().find(
+                " => Phase 1: restraints do not act on the atoms of rigid-body groups in this "
+                "version"),
+            std::string::npos)
+      << job.Console();
 }
 
 }  // namespace
