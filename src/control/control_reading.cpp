@@ -13,6 +13,7 @@
 #include "control/instrument_lines.h"
 #include "control/pattern_body.h"
 #include "control/pattern_data.h"
+#include "control/rigid_groups.h"
 #include "control/side_files.h"
 #include "crystal/reflection_generation.h"
 #include "crystal/reflection_list.h"
@@ -107,6 +108,7 @@ void ComputeMissingAtz(Job& job, int k) {
 bool ReadPhases(Job& job) {
   for (int k = 1; k <= job.run.NPHASE; ++k) {
     if (!ReadPhaseBlock(job, k)) return false;
+    BuildRigidBodyGroups(job, k);
     ComputeMissingAtz(job, k);
     GeneratePhaseReflections(job, k);
   }

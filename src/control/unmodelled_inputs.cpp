@@ -82,6 +82,9 @@ std::string UnmodelledTofWords(const Phase& ph, const PhasePattern& c) {
 std::string UnmodelledWords(const Job& job, int k, int ip) {
   const Phase& ph = job.phases[k];
   const PhasePattern& c = ph.pat[ip];
+  // The restraints read atom lines as free atoms; a group's lines hold its parameters.
+  if (std::abs(ph.Jbt) == 4 && (ph.Dis != 0 || ph.Mom != 0))
+    return "restraints do not act on the atoms of rigid-body groups in this version";
   if (job.patterns[ip].IXUNIT == AbscissaUnit::kTimeOfFlight) {
     std::string words = UnmodelledTofWords(ph, c);
     if (!words.empty()) return words;

@@ -5,6 +5,7 @@
 
 #include "model/elements.h"
 #include "model/scattering_species.h"
+#include "records/rigid_model.h"
 
 namespace corvinet {
 
@@ -27,6 +28,7 @@ CellMass CellMassOfPhase(const Job& job, int k) {
   double sum = 0.0;
   for (int i = ph.atomOffset + 1; i <= ph.atomOffset + ph.Nat; ++i) {
     const AtomSite& atom = job.atoms[i];
+    if (std::abs(ph.Jbt) == 4 && IsRigidGroupLine(atom)) continue;  // a group's parameters
     const std::string label = NucleusLabel(ph, atom);
     const LabelledElement element = ElementOfLabel(label);
     if (element.Z == 0 || IsObjectLabel(atom.species)) {

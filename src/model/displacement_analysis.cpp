@@ -77,6 +77,10 @@ void Jacobi(Matrix& a, Matrix& v) {
 
 }  // namespace
 
+void SymmetricEigen(Matrix& a, Matrix& v) {
+  Jacobi(a, v);
+}
+
 DisplacementAxes AnalyseDisplacement(const Table1<float, 6>& beta, const Table1<float, 6>& cell) {
   const Matrix edges = EdgeMatrix(cell);
   const std::array<double, 3> star = ReciprocalLengths(edges);

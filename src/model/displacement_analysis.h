@@ -22,6 +22,11 @@ struct DisplacementAxes {
 // of a cell (a b c alpha beta gamma).
 DisplacementAxes AnalyseDisplacement(const Table1<float, 6>& beta, const Table1<float, 6>& cell);
 
+// Eigenvalues (the diagonal of `a` on return) and unit eigenvectors (the
+// columns of `v`) of a symmetric 3x3 matrix, by Jacobi rotations.
+void SymmetricEigen(std::array<std::array<double, 3>, 3>& a,
+                    std::array<std::array<double, 3>, 3>& v);
+
 // The report lines of the analysis.
 std::vector<std::string> DisplacementAnalysisLines(const DisplacementAxes& axes);
 

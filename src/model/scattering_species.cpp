@@ -14,6 +14,7 @@
 #include "model/anomalous_energy.h"
 #include "model/elements.h"
 #include "model/scattering_tables.h"
+#include "records/rigid_model.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -178,6 +179,11 @@ void ResolveMagneticAtom(SpeciesWork& w, AtomSite& atom) {
   if (std::abs(w.phase.Jbt) != 10) atom.nuclearSpecies = n;
 }
 
+// A line of a rigid-body phase that holds a group's parameters: it has no species.
+bool IsGroupParameterLine(const Phase& ph, const AtomSite& atom) {
+  return std::abs(ph.Jbt) == 4 && IsRigidGroupLine(atom);
+}
+
 int FirstAtom(const Phase& ph) {
   return ph.atomOffset + 1;
 }
@@ -203,6 +209,7 @@ void ResolveXray(SpeciesWork& w, int atomCount) {
   ReportAnomalousSource(w.job, w.anomalous, w.job.patterns[w.pattern].LAMBDA[1]);
   Out(w.job, " => X-ray scattering coeff. (A1,B1,A2,...C,Dfp,Dfpp)");
   for (int i = FirstAtom(w.phase); i <= LastAtom(w.phase, atomCount); ++i) {
+    if (IsGroupParameterLine(w.phase, w.job.atoms[i])) continue;
     ResolveXrayAtom(w, w.job.atoms[i]);
   }
 }
@@ -210,6 +217,7 @@ void ResolveXray(SpeciesWork& w, int atomCount) {
 void ResolveNeutron(SpeciesWork& w, int atomCount) {
   Out(w.job, " => Scattering lengths:");
   for (int i = FirstAtom(w.phase); i <= LastAtom(w.phase, atomCount); ++i) {
+    if (IsGroupParameterLine(w.phase, w.job.atoms[i])) continue;
     ResolveNeutronAtom(w, w.job.atoms[i]);
   }
 }
@@ -273,6 +281,28 @@ int StartSpeciesTable(Job& job, int ip, int k, int speciesGiven) {
   return std::max(running, given);
 }
 
+// The objects of a phase: its atoms typed with an object label. More than
+// N_FORM stop; any opens the report of objects.
+void CheckObjectCount(Job& job, const Phase& ph, int atomCount) {
+  int objects = 0;
+  for (int i = FirstAtom(ph); i <= LastAtom(ph, atomCount); ++i) {
+    if (ObjectIndex(FixedText(job.atoms[i].species, 4)) != 0) ++objects;
+  }
+  if (objects == 0) return;
+  if (objects > DimensionLimits::N_FORM) {
+    Out(job,
+        Fmt("(A,I4)", " => Number of objects greater than the maximum:", DimensionLimits::N_FORM));
+    ConsoleLine(
+        job,
+        Fmt("(A,I4)", " => Number of objects greater than the maximum:", DimensionLimits::N_FORM));
+    StopBox(job, " Too many form factors ");
+  }
+  const std::string rule(60, '=');
+  Out(job, " " + rule);
+  Out(job, " Form factor option");
+  Out(job, " " + rule);
+}
+
 }  // namespace
 
 std::string NucleusLabel(const Phase& phase, const AtomSite& atom) {
@@ -313,6 +343,7 @@ void ResolveScatteringSpecies(Job& job, int ip, int k, int atomCount, int specie
   Phase& ph = job.phases[k];
   SpeciesWork w{job, ph, ph.pat[ip], ip, StartSpeciesTable(job, ip, k, speciesGiven), anomalous};
   const int jbt = std::abs(ph.Jbt);
+  if (jbt != 1 && jbt != 5) CheckObjectCount(job, ph, atomCount);
   if (IsNeutronJob(radiation)) {
     if (jbt != 1 && jbt != 5) ResolveNeutron(w, atomCount);
     if (jbt == 10 || jbt == 1 || jbt == 5) ResolveMagnetic(w, atomCount);

@@ -33,8 +33,21 @@ void SpeciesFormFactor(int NSCAT, const ChemicalSpecies& sp, int number, float s
 
 namespace {
 
+// The unit vector of h' in the Cartesian frame: h' times the Cartesian-to-fractional matrix.
+std::array<float, 3> CartesianDirection(const Table2<double, 3, 3>& M,
+                                        const std::array<float, 3>& h) {
+  std::array<double, 3> v{};
+  for (int j = 1; j <= 3; ++j) {
+    v[j - 1] = h[0] * M(1, j) + h[1] * M(2, j) + h[2] * M(3, j);
+  }
+  const double n = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+  if (n <= 0.0) return {0.0f, 0.0f, 1.0f};
+  return {static_cast<float>(v[0] / n), static_cast<float>(v[1] / n), static_cast<float>(v[2] / n)};
+}
+
 // The terms of every operator for this reflection: they do not depend on the atom.
 void PrepareOperators(const SpaceGroup& g, const StructureFactorRequest& q,
+                      const Table2<double, 3, 3>* fractional,
                       Table1<OperatorTerms, DimensionLimits::NEQV>& terms) {
   for (int n = 1; n <= q.nSym; ++n) {
     const int index = g.isl[n];
@@ -50,11 +63,21 @@ void PrepareOperators(const SpaceGroup& g, const StructureFactorRequest& q,
     t.quad = {h[0] * h[0], h[1] * h[1], h[2] * h[2], h[0] * h[1], h[0] * h[2], h[1] * h[2]};
     t.ht =
         q.h[0] * g.translation(1, n) + q.h[1] * g.translation(2, n) + q.h[2] * g.translation(3, n);
+    if (fractional != nullptr) t.direction = CartesianDirection(*fractional, h);
   }
 }
 
+// What an atom scatters with: its species' form factor, or an object's amplitude.
+struct AtomScatterer {
+  bool object = false;
+  ObjectShape shape = ObjectShape::Ellipsoids;
+  bool derive = false;  // object derivatives are wanted
+  float s2 = 0.0f;
+};
+
 // Adds the contribution of one operator to the sums of an atom.
-void AddOperator(const OperatorTerms& t, const AtomSite& a, int acentric, AtomSums& s) {
+void AddOperator(const OperatorTerms& t, const AtomSite& a, int acentric, const AtomScatterer& how,
+                 AtomSums& s) {
   const double phi =
       kTwoPi * (static_cast<double>(a.ATP[1]) * t.hp[0] + static_cast<double>(a.ATP[2]) * t.hp[1] +
                 static_cast<double>(a.ATP[3]) * t.hp[2] + t.ht);
@@ -62,8 +85,22 @@ void AddOperator(const OperatorTerms& t, const AtomSite& a, int acentric, AtomSu
       a.ATP[13] * t.quad[0] + a.ATP[14] * t.quad[1] + a.ATP[15] * t.quad[2] +
       2.0 * (a.ATP[16] * t.quad[3] + a.ATP[17] * t.quad[4] + a.ATP[18] * t.quad[5]);
   const double T = std::exp(-exponent);
-  const float c = static_cast<float>(T * std::cos(phi));
-  const float sn = static_cast<float>(T * std::sin(phi));
+  const float cT = static_cast<float>(T * std::cos(phi));
+  const float sT = static_cast<float>(T * std::sin(phi));
+  float O = 1.0f;
+  if (how.object) {
+    const ObjectAmplitudeValue v =
+        ObjectAmplitude(how.shape, a.ATP, how.s2, t.direction, how.derive);
+    O = v.O;
+    if (how.derive) {
+      for (int k = 0; k < kObjectParameters; ++k) {
+        s.objectC[k] += v.d[k] * cT;
+        if (acentric == 1) s.objectS[k] += v.d[k] * sT;
+      }
+    }
+  }
+  const float c = O * cT;
+  const float sn = O * sT;
   s.A += c;
   for (int j = 0; j < 3; ++j) s.posS[j] += t.hp[j] * sn;
   for (int j = 0; j < 6; ++j) s.betaC[j] += t.quad[j] * c;
@@ -76,14 +113,14 @@ void AddOperator(const OperatorTerms& t, const AtomSite& a, int acentric, AtomSu
 // The sums of one atom over its operators: In..Fin (with the identity first
 // when the range does not begin with it), or all of them.
 void SumOperators(const Table1<OperatorTerms, DimensionLimits::NEQV>& terms, const AtomSite& a,
-                  const StructureFactorRequest& q, AtomSums& s) {
+                  const StructureFactorRequest& q, const AtomScatterer& how, AtomSums& s) {
   int first = 1, last = q.nSym;
   if (a.In != 0 && a.Fin != 0) {
     first = a.In;
     last = std::min(a.Fin, q.nSym);  // operators beyond the group's are not there
-    if (first != 1) AddOperator(terms[1], a, q.acentric, s);
+    if (first != 1) AddOperator(terms[1], a, q.acentric, how, s);
   }
-  for (int n = first; n <= last; ++n) AddOperator(terms[n], a, q.acentric, s);
+  for (int n = first; n <= last; ++n) AddOperator(terms[n], a, q.acentric, how, s);
 }
 
 void AddDerivative(float* dF2, int fitted, const Codeword& w, float value) {
@@ -108,6 +145,11 @@ void AtomDerivatives(const AtomSite& a, const AtomSums& s, float A, float B, flo
     const float factor = j < 3 ? -2.0f : -4.0f;
     AddDerivative(dF2, fitted, a.ATC[13 + j], factor * (wc * s.betaC[j] + ws * s.betaS[j]));
   }
+  if (a.nuclearSpecies >= 0) return;
+  for (int k = 0; k < kObjectParameters; ++k) {
+    AddDerivative(dF2, fitted, a.ATC[kFirstObjectSlot + k],
+                  2.0f * (wc * s.objectC[k] + ws * s.objectS[k]));
+  }
 }
 
 // The phase angle of (A', B') for the Fourier files.
@@ -131,17 +173,23 @@ StructureFactorValue EvaluateStructureFactor(const StructureFactorInputs& in,
                                              int fitted) {
   const int nAtoms = static_cast<int>(in.atoms.size());
   float A = 0.0f, B = 0.0f, App = 0.0f, Bpp = 0.0f;
-  PrepareOperators(in.group, q, scratch.operators);
+  PrepareOperators(in.group, q, in.fractional, scratch.operators);
   for (int i = 1; i <= nAtoms; ++i) {
     const AtomSite& a = in.atoms[static_cast<std::size_t>(i - 1)];
     AtomSums& s = scratch.atoms[i];
     s = AtomSums{};
     const int sp = a.nuclearSpecies;
-    if (sp <= 0) return {StructureFactorStatus::FormFactorObject, 0.0f, i};
-    float f = 0.0f, fpp = 0.0f;
-    SpeciesFormFactor(in.NSCAT, in.species[sp], sp, q.s2, f, fpp);
+    if (sp == 0) continue;  // no species: nothing scatters
+    AtomScatterer how;
+    // An object has no form factor and no anomalous term: its amplitude stands in.
+    float f = 1.0f, fpp = 0.0f;
+    if (sp < 0) {
+      how = {true, ObjectShapeOf(in.species[-sp].label), dF2 != nullptr, q.s2};
+    } else {
+      SpeciesFormFactor(in.NSCAT, in.species[sp], sp, q.s2, f, fpp);
+    }
     const double E = std::exp(-static_cast<double>(a.ATP[4]) * q.s2);
-    SumOperators(scratch.operators, a, q, s);
+    SumOperators(scratch.operators, a, q, how, s);
     s.w = static_cast<float>(f * a.ATP[5] * E);
     s.wpp = static_cast<float>(fpp * a.ATP[5] * E);
     A += s.w * s.A;
@@ -167,7 +215,7 @@ StructureFactorValue EvaluateStructureFactor(const StructureFactorInputs& in,
                       q.s2, dF2, fitted);
     }
   }
-  return {StructureFactorStatus::Evaluated, static_cast<float>(F2), 0};
+  return {StructureFactorStatus::Evaluated, static_cast<float>(F2)};
 }
 
 }  // namespace corvinet

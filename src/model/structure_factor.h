@@ -4,6 +4,7 @@
 #include <array>
 #include <span>
 
+#include "model/object_amplitude.h"
 #include "records/chemical_species.h"
 #include "records/dimension_limits.h"
 #include "records/phase.h"
@@ -22,6 +23,9 @@ struct AtomSums {
   std::array<float, 3> posC{};   // sum of h'_j T cos(phi)
   std::array<float, 6> betaC{};  // sums of h'_a h'_b T cos(phi): 11 22 33 12 13 23
   std::array<float, 6> betaS{};  // the same with sin(phi)
+  // Form-factor objects: sums of dO/dp_k T cos(phi) and T sin(phi) for slots 19..32.
+  std::array<float, kObjectParameters> objectC{};
+  std::array<float, kObjectParameters> objectS{};
 };
 
 // The reflection as seen by one operator: h' = hR, the products of its
@@ -30,6 +34,7 @@ struct OperatorTerms {
   std::array<float, 3> hp{};
   std::array<float, 6> quad{};
   float ht = 0.0f;
+  std::array<float, 3> direction{};  // unit vector of h' in the Cartesian frame of the cell
 };
 
 // Scratch of the evaluation, one row per operator and per atom of the run;
@@ -47,6 +52,9 @@ struct StructureFactorInputs {
   int NSCAT = 0;  // of the pattern: -n when its first n species are given as tables
   int Irf = 0;    // of the phase in the pattern: 3 and -4 lists carry partial A' and B'
   int JFOU = 0;   // of the pattern: non-zero when Fourier files are written
+  // Cartesian to fractional matrix of the cell, for objects that have a
+  // direction; null when the phase has none.
+  const Table2<double, 3, 3>* fractional = nullptr;
 };
 
 // What one evaluation needs of the reflection.
@@ -60,13 +68,11 @@ struct StructureFactorRequest {
 // How an evaluation ended.
 enum class StructureFactorStatus {
   Evaluated,
-  FormFactorObject,  // an atom's species is a form-factor object, not evaluated here
 };
 
 struct StructureFactorValue {
   StructureFactorStatus status = StructureFactorStatus::Evaluated;
   float F2 = 0.0f;
-  int atom = 0;  // for FormFactorObject: the first such atom, counted in the phase from 1
 };
 
 // Form factor f (with f') and f'' of species `sp`, number `number` of the
@@ -79,8 +85,8 @@ void SpeciesFormFactor(int NSCAT, const ChemicalSpecies& sp, int number, float s
 // adds the stored partial ones for lists that carry them) and, when the
 // pattern writes Fourier files, the phase angle. When `dF2` is not null the
 // derivatives of F^2 are added to dF2[1..fitted] by the atoms' codes. An atom
-// whose species is a form-factor object returns that status, with the
-// reflection and dF2 left as they were.
+// whose species is a form-factor object (a negative number) scatters with the
+// object's amplitude in place of a form factor.
 StructureFactorValue EvaluateStructureFactor(const StructureFactorInputs& in,
                                              const StructureFactorRequest& q, Reflection& r,
                                              StructureFactorScratch& scratch, float* dF2,

@@ -13,6 +13,7 @@
 #include "records/random_source.h"
 #include "records/refinement_state.h"
 #include "records/reliability_state.h"
+#include "records/rigid_model.h"
 #include "records/run_options.h"
 #include "records/table1.h"
 
@@ -64,6 +65,7 @@ struct RunData {
   NumericalProfile numericalProfile;
   Table1<Phase, DimensionLimits::NPHT> phases;
   Table1<AtomSite, DimensionLimits::NATS> atoms;
+  Table1<RigidModel, DimensionLimits::NPHT> rigid;  // groups of the user-model phases
   ParameterLimits limits;
   RefinementState refinement;
   ReliabilityState reliability;

@@ -8,7 +8,9 @@
 
 #include "format/fortran_format.h"
 #include "model/displacement_analysis.h"
+#include "model/rigid_phase.h"
 #include "refine/apply_shift.h"
+#include "refine/rigid_report.h"
 
 namespace corvinet {
 
@@ -114,6 +116,10 @@ void UpdateAtoms(Job& job, int phase, const UpdatePass& pass) {
     UpdatePositions(job, phase, pass, true);
     UpdateAtomBlocks(job, phase, pass, 6, kUserModelSlots, SlotNames("p", 6, kUserModelSlots),
                      true);
+    // The atoms of the groups follow the shifted parameters.
+    RefreshRigidModel(job, phase);
+    WritePassLines(job, pass, RigidAtomLines(job, phase));
+    WritePassLines(job, pass, DiagonaliseTl(job, phase));
     return;
   }
   UpdatePositions(job, phase, pass, false);

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "format/fortran_format.h"
+#include "model/rigid_phase.h"
 #include "observations/background.h"
 #include "refine/bragg_profile.h"
 #include "refine/cycle_damping.h"
@@ -138,6 +139,8 @@ void SolveAndReport(Job& job, CycleWork& work, CycleDamping& damping, int cycle,
 
 void CalculatePatterns(Job& job, CycleWork& work, int cycle) {
   if (job.run.ICRYG != 0) return;
+  // The atoms of rigid groups follow the shifts of the last cycle.
+  RefreshRigidModels(job);
   for (int ip = 1; ip <= job.run.NPATT; ++ip) {
     if (job.run.IASG == 1 || cycle == 1) {
       ConsoleLineWithNumber(
@@ -173,7 +176,6 @@ void RunCycles(Job& job) {
 }
 
 void RunCycles(Job& job, CycleWork& work) {
-  StopOnStructureFactorsNotCalculated(job);
   RefinementState& s = job.refinement;
   const int fitted = FittedCount(job);
   work.dF2.Grow(fitted);

@@ -1,5 +1,5 @@
-// The tests that stop or end the cycles: rigid-body structure factors, which this version cannot
-// calculate, a singular normal matrix, divergence of chi-square and convergence of the shifts.
+// The tests that stop or end the cycles: a singular normal matrix, divergence of chi-square and
+// convergence of the shifts.
 #include "refine/cycle_stop_tests.h"
 
 #include <cmath>
@@ -12,16 +12,6 @@
 #include "surface/console.h"
 
 namespace corvinet {
-
-void StopOnStructureFactorsNotCalculated(Job& job) {
-  for (int k = 1; k <= job.run.NPHASE; ++k) {
-    const int Jbt = job.phases[k].Jbt;
-    if (Jbt == 4) {
-      ConsoleLine(job, Fmt("(A,I2,A,I4)", " => Phase:", k, " has Jbt =", Jbt));
-      StopBox(job, " Rigid-body structure factors are not available in this version ");
-    }
-  }
-}
 
 std::string SingularParameterLine(const Job& job, int L) {
   const std::string name = ParameterDescription(job, L);

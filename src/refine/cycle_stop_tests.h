@@ -8,10 +8,6 @@
 
 namespace corvinet {
 
-// Rigid bodies need structure factors that this version does not calculate:
-// such a job stops before its first cycle.
-void StopOnStructureFactorsNotCalculated(Job& job);
-
 // The line that names parameter L after a singular matrix: its number and
 // what it moves, in the words of the parameter report.
 std::string SingularParameterLine(const Job& job, int L);

@@ -10,6 +10,7 @@
 #include "model/axial_divergence.h"
 #include "model/magnetic_structure_factor.h"
 #include "model/peak_shape.h"
+#include "model/rigid_body.h"
 #include "model/structure_factor.h"
 #include "model/tof_profile.h"
 #include "observations/background_terms.h"
@@ -58,6 +59,7 @@ struct RingEntry {
 struct StructureScratch {
   StructureFactorScratch structure;
   MagneticScratch magnetic;
+  RigidBodyScratch rigid;
 };
 
 // The structure factor of the reflection of a ring slot, computed ahead of

@@ -10,6 +10,7 @@
 #include "crystal/intensity_file.h"
 #include "format/fortran_format.h"
 #include "records/profile_slots.h"
+#include "refine/reflection_structure.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -48,22 +49,21 @@ float ObservationF2(Job& job, StructureFactorScratch& scratch, int ip, int k,
                     IntensityObservation& o, float* dF2, int fitted) {
   const Phase& ph = job.phases[k];
   const PhasePattern& c = ph.pat[ip];
-  const StructureFactorInputs in{
+  StructureFactorInputs in{
       ph.group,
       std::span<const AtomSite>(job.atoms.ptr() + ph.atomOffset, static_cast<std::size_t>(ph.Nat)),
       c.species,
       job.patterns[ip].NSCAT,
       c.Irf,
       0};
+  CellMetric metric;
+  in.fractional = ObjectFrameOf(c, metric);
   StructureFactorRequest q;
   q.nSym = ph.group.NSYM;
   q.acentric = ph.group.ICENT == 1 ? 1 : 2;
   q.h = RealIndices(ph, o.reflection);
   q.s2 = o.sinThetaOverLambda * o.sinThetaOverLambda;
   const StructureFactorValue v = EvaluateStructureFactor(in, q, o.reflection, scratch, dF2, fitted);
-  if (v.status == StructureFactorStatus::FormFactorObject) {
-    StopBox(job, " Form-factor objects are not evaluated by this version ");
-  }
   o.reflection.F2 = v.F2;
   return v.F2;
 }

@@ -24,19 +24,21 @@ Table1<float, 6> CellCoefficients(const PhasePattern& c) {
 
 // F^2 of a reflection of a crystal phase from its atoms; its derivatives go
 // to dF2[0..fitted) when parameters are refined.
-StructureFactorValue CrystalStructureFactor(const Job& job, StructureFactorScratch& scratch,
-                                            float* dF2, int ip, int phase, const RealVector& h,
-                                            Reflection& r, int fitted) {
+StructureFactorValue CrystalStructureFactor(const Job& job, StructureScratch& scratch, float* dF2,
+                                            int ip, int phase, const RealVector& h, Reflection& r,
+                                            int fitted) {
   const Phase& ph = job.phases[phase];
   const Pattern& p = job.patterns[ip];
   const PhasePattern& c = ph.pat[ip];
-  const StructureFactorInputs in{
+  StructureFactorInputs in{
       ph.group,
       std::span<const AtomSite>(job.atoms.ptr() + ph.atomOffset, static_cast<std::size_t>(ph.Nat)),
       c.species,
       p.NSCAT,
       c.Irf,
       p.JFOU};
+  CellMetric metric;
+  in.fractional = ObjectFrameOf(c, metric);
   StructureFactorRequest q;
   q.nSym = ph.group.NSYM;
   q.acentric = ph.group.ICENT == 1 ? 1 : 2;
@@ -45,7 +47,10 @@ StructureFactorValue CrystalStructureFactor(const Job& job, StructureFactorScrat
   if (fitted > 0) {
     for (int L = 0; L < fitted; ++L) dF2[L] = 0.0f;
   }
-  return EvaluateStructureFactor(in, q, r, scratch, fitted > 0 ? dF2 : nullptr, fitted);
+  float* d = fitted > 0 ? dF2 : nullptr;
+  if (ph.Jbt != 4) return EvaluateStructureFactor(in, q, r, scratch.structure, d, fitted);
+  return EvaluateRigidBodyStructureFactor(job.rigid[phase], in.atoms, in, q, r, scratch.structure,
+                                          scratch.rigid, d, fitted);
 }
 
 // What the magnetic evaluation needs of reflection r of phase ph at working vector h.
@@ -95,9 +100,15 @@ double MagneticF2(const Job& job, MagneticScratch& scratch, int ip, int phase, c
 
 }  // namespace
 
+const Table2<double, 3, 3>* ObjectFrameOf(const PhasePattern& c, CellMetric& metric) {
+  if (c.objectCount == 0) return nullptr;
+  if (!BuildCellMetric(CellFromCoefficients(CellCoefficients(c)), metric)) return nullptr;
+  return &metric.fractional;
+}
+
 StructureParts PartsOf(const Phase& ph, const Reflection& r) {
   const int kind = std::abs(ph.Jbt);
-  if (ph.Jbt == 0) return {true, false};
+  if (ph.Jbt == 0 || ph.Jbt == 4) return {true, false};
   if (kind == 1 || kind == 5) return {false, true};
   if (kind != 10) return {false, false};
   if (r.satelliteIndex != 0) return {false, true};
@@ -139,10 +150,7 @@ bool StructureF2Into(const Job& job, StructureScratch& scratch, float* dF2, int 
   const StructureParts parts = PartsOf(job.phases[phase], r);
   float sum = 0.0f;
   if (parts.nuclear) {
-    const StructureFactorValue value =
-        CrystalStructureFactor(job, scratch.structure, dF2, ip, phase, h, r, fitted);
-    if (value.status == StructureFactorStatus::FormFactorObject) return false;
-    sum = value.F2;
+    sum = CrystalStructureFactor(job, scratch, dF2, ip, phase, h, r, fitted).F2;
   }
   if (parts.magnetic) {
     if (fitted > 0 && !parts.nuclear) {
@@ -159,9 +167,7 @@ bool StructureF2Into(const Job& job, StructureScratch& scratch, float* dF2, int 
 float ReflectionStructureF2(Job& job, CycleWork& work, int ip, int phase, const RealVector& h,
                             Reflection& r, int fitted, RealVector& dF2dH) {
   float F2 = 0.0f;
-  if (!StructureF2Into(job, work.scratch, &work.dF2[1], ip, phase, h, r, fitted, dF2dH, F2)) {
-    StopBox(job, " Form-factor objects are not evaluated by this version ");
-  }
+  StructureF2Into(job, work.scratch, &work.dF2[1], ip, phase, h, r, fitted, dF2dH, F2);
   return F2;
 }
 

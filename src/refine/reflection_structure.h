@@ -3,6 +3,7 @@
 #pragma once
 
 #include "model/magnetic_structure_factor.h"
+#include "records/cell_metric.h"
 #include "records/job.h"
 #include "records/reflection.h"
 #include "refine/cycle_work.h"
@@ -19,6 +20,11 @@ struct StructureParts {
 };
 StructureParts PartsOf(const Phase& ph, const Reflection& r);
 
+// The Cartesian-to-fractional matrix of the cell of a phase in one pattern,
+// built in `metric`, for the objects that have a direction; null when the
+// phase holds no object.
+const Table2<double, 3, 3>* ObjectFrameOf(const PhasePattern& c, CellMetric& metric);
+
 // F^2 of reflection r of `phase` in pattern ip at working vector h (h + k of
 // a satellite), nuclear and magnetic parts added with no interference term;
 // their derivatives go to work.dF2[1..fitted]. dF2dH receives the slope of
@@ -27,8 +33,8 @@ float ReflectionStructureF2(Job& job, CycleWork& work, int ip, int phase, const 
                             Reflection& r, int fitted, RealVector& dF2dH);
 
 // The same into a working store of its own and dF2[0..fitted), so that
-// reflections may be computed side by side; false (F2 not set) where
-// ReflectionStructureF2 would stop the run.
+// reflections may be computed side by side; every phase has its structure
+// factor now, and it returns true.
 bool StructureF2Into(const Job& job, StructureScratch& scratch, float* dF2, int ip, int phase,
                      const RealVector& h, Reflection& r, int fitted, RealVector& dF2dH, float& F2);
 

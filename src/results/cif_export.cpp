@@ -14,6 +14,7 @@
 #include "observations/background.h"
 #include "records/profile_slots.h"
 #include "results/cif_text.h"
+#include "results/exported_atoms.h"
 #include "surface/console.h"
 
 namespace corvinet {
@@ -49,13 +50,6 @@ int SiteMultiplicity(const std::vector<SymmetryOperator>& ops, const float* xyz)
   return static_cast<int>(images.size());
 }
 
-// The standard deviation of a refined value, as the update pass reports it; 0 when fixed.
-double SigmaOf(const Job& job, const Codeword& word) {
-  const int L = word.parameterNumber;
-  if (L <= 0 || L > job.refinement.normal.A.rows()) return 0.0;
-  return std::sqrt(std::fabs(static_cast<double>(job.refinement.normal.A(L, L))));
-}
-
 const char* CrystalSystem(int laue) {
   if (laue <= 1) return "triclinic";
   if (laue == 2) return "monoclinic";
@@ -69,7 +63,13 @@ const char* CrystalSystem(int laue) {
 class CifWriter {
  public:
   CifWriter(Job& job, int ip, int f)
-      : job_(job), ip_(ip), f_(f), p_(job.patterns[ip]), ph_(job.phases[f]), pp_(ph_.pat[ip]) {}
+      : job_(job),
+        ip_(ip),
+        f_(f),
+        p_(job.patterns[ip]),
+        ph_(job.phases[f]),
+        pp_(ph_.pat[ip]),
+        atoms_(ExportedAtoms(job, f)) {}
 
   void Write(const CifPhaseFactors& factors, const std::vector<CifReflection>& reflections);
 
@@ -93,6 +93,7 @@ class CifWriter {
   const Pattern& p_;
   const Phase& ph_;
   const PhasePattern& pp_;
+  std::vector<ExportedAtom> atoms_;  // the atoms the phase writes, with their sigmas
 };
 
 void CifWriter::Head() {
@@ -158,16 +159,16 @@ void CifWriter::Atoms(const std::vector<SymmetryOperator>& ops) {
     Line(tag);
   }
   const double order = static_cast<double>(ops.size());
-  for (int n = ph_.atomOffset + 1; n <= ph_.atomOffset + ph_.Nat; ++n) {
-    const AtomSite& a = job_.atoms[n];
+  for (const ExportedAtom& e : atoms_) {
+    const AtomSite& a = e.site;
     const LabelledElement element = ElementOfLabel(a.species);
     if (element.Z == 0 || a.nuclearSpecies < 0) continue;  // objects have no site of their own
     const float xyz[3] = {a.ATP[1], a.ATP[2], a.ATP[3]};
     const int m = SiteMultiplicity(ops, xyz);
     const double toChemical = order / m;
     std::string row = CifText(TrimmedCopy(a.label)) + " " + kElementRows[element.Z - 1].symbol;
-    for (int s = 1; s <= 3; ++s) row += " " + CifNumber(a.ATP[s], SigmaOf(job_, a.ATC[s]));
-    row += " " + CifNumber(a.ATP[5] * toChemical, SigmaOf(job_, a.ATC[5]) * toChemical);
+    for (int s = 1; s <= 3; ++s) row += " " + CifNumber(a.ATP[s], e.sigma[s]);
+    row += " " + CifNumber(a.ATP[5] * toChemical, e.sigma[5] * toChemical);
     if (IsAnisotropic(a)) {
       const Table2<double, 3, 3>& g = pp_.metric.G;
       const Table2<double, 3, 3>& gs = pp_.metric.Gstar;
@@ -180,8 +181,7 @@ void CifWriter::Atoms(const std::vector<SymmetryOperator>& ops) {
       }
       row += " Uani " + CifNumber(ueq / 3.0, 0.0, 5);
     } else {
-      row += " Uiso " +
-             CifNumber(a.ATP[4] / kEightPiSquared, SigmaOf(job_, a.ATC[4]) / kEightPiSquared);
+      row += " Uiso " + CifNumber(a.ATP[4] / kEightPiSquared, e.sigma[4] / kEightPiSquared);
     }
     Line(row + " " + std::to_string(m));
   }
@@ -189,9 +189,7 @@ void CifWriter::Atoms(const std::vector<SymmetryOperator>& ops) {
 
 void CifWriter::AnisotropicAtoms() {
   bool any = false;
-  for (int n = ph_.atomOffset + 1; n <= ph_.atomOffset + ph_.Nat; ++n) {
-    any = any || IsAnisotropic(job_.atoms[n]);
-  }
+  for (const ExportedAtom& e : atoms_) any = any || IsAnisotropic(e.site);
   if (!any) return;
   Line("loop_");
   for (const char* tag : {"_atom_site_aniso_label", "_atom_site_aniso_U_11",
@@ -200,14 +198,14 @@ void CifWriter::AnisotropicAtoms() {
     Line(tag);
   }
   static const int kPair[6][2] = {{1, 1}, {2, 2}, {3, 3}, {1, 2}, {1, 3}, {2, 3}};
-  for (int n = ph_.atomOffset + 1; n <= ph_.atomOffset + ph_.Nat; ++n) {
-    const AtomSite& a = job_.atoms[n];
+  for (const ExportedAtom& e : atoms_) {
+    const AtomSite& a = e.site;
     if (!IsAnisotropic(a)) continue;
     std::string row = CifText(TrimmedCopy(a.label));
     for (int s = 0; s < 6; ++s) {
       const double u = Uij(a, 13 + s, kPair[s][0], kPair[s][1]);
       const double ratio = a.ATP[13 + s] != 0.0f ? u / a.ATP[13 + s] : 0.0;
-      row += " " + CifNumber(u, std::fabs(ratio) * SigmaOf(job_, a.ATC[13 + s]), 5);
+      row += " " + CifNumber(u, std::fabs(ratio) * e.sigma[13 + s], 5);
     }
     Line(row);
   }

@@ -10,6 +10,7 @@
 #include "format/fortran_format.h"
 #include "format/text.h"
 #include "results/cif_text.h"
+#include "results/exported_atoms.h"
 
 namespace corvinet {
 
@@ -72,22 +73,14 @@ std::string CellText(const Table1<float, 6>& c) {
   return Fmt("(3F10.5,3F10.4)", c[1], c[2], c[3], c[4], c[5], c[6]);
 }
 
-int FirstAtom(const Phase& ph) {
-  return ph.atomOffset + 1;
-}
-
-int LastAtom(const Phase& ph) {
-  return ph.atomOffset + ph.Nat;
-}
-
 void SchakalLines(const Job& job, int ip, int f, std::vector<std::string>& lines) {
   const Phase& ph = job.phases[f];
   const SpaceGroup& g = ph.group;
   lines.push_back("TITL " + CutText(ph.PhaseTitle, 70));
   lines.push_back("Remark: " + TrimmedCopy(ph.SpaceGroupSymbol));
   lines.push_back("CELL " + CellText(ph.pat[ip].CellConstants));
-  for (int n = FirstAtom(ph); n <= LastAtom(ph); ++n) {
-    const AtomSite& a = job.atoms[n];
+  for (const ExportedAtom& e : ExportedAtoms(job, f)) {
+    const AtomSite& a = e.site;
     lines.push_back(
         Fmt("(A4,1X,A4,1X,3F10.5)", "ATOM", FixedText(a.label, 4), a.ATP[1], a.ATP[2], a.ATP[3]));
   }
@@ -126,8 +119,8 @@ void StruploLines(const Job& job, int ip, int f, std::vector<std::string>& lines
         "PARA 1 1 1 1 1 1 1 3.3"}) {
     lines.push_back(fixed);
   }
-  for (int n = FirstAtom(ph); n <= LastAtom(ph); ++n) {
-    const AtomSite& a = job.atoms[n];
+  for (const ExportedAtom& e : ExportedAtoms(job, f)) {
+    const AtomSite& a = e.site;
     const auto [element, number] = SplitName(a.label);
     lines.push_back(Fmt("(A4,1X,A4,3F10.5)", FixedText(element, 4), FixedText(number, 4), a.ATP[1],
                         a.ATP[2], a.ATP[3]));
@@ -174,8 +167,8 @@ void ShelxPhaseLines(const Job& job, int ip, int f, std::vector<std::string>& li
     for (int j = 1; j <= 9; ++j) row += Fmt("(F10.5)", sp.coeff[j]);
     lines.push_back(row + Fmt("(2F9.4)", sp.fp, sp.fpp));
     double count = 0.0;
-    for (int n = FirstAtom(ph); n <= LastAtom(ph); ++n) {
-      if (job.atoms[n].nuclearSpecies == s) count += job.atoms[n].ATP[5] * order;
+    for (const ExportedAtom& e : ExportedAtoms(job, f)) {
+      if (e.site.nuclearSpecies == s) count += e.site.ATP[5] * order;
     }
     unit += Fmt("(I6)", static_cast<int>(std::lround(count)));
   }
@@ -185,8 +178,8 @@ void ShelxPhaseLines(const Job& job, int ip, int f, std::vector<std::string>& li
         "GRID -2  -2  -2   2   2   2", "FVAR  1.0"}) {
     lines.push_back(fixed);
   }
-  for (int n = FirstAtom(ph); n <= LastAtom(ph); ++n) {
-    const AtomSite& a = job.atoms[n];
+  for (const ExportedAtom& e : ExportedAtoms(job, f)) {
+    const AtomSite& a = e.site;
     lines.push_back(Fmt("(A4,1X,I2,1X,5F12.5)", FixedText(a.label, 4), std::abs(a.nuclearSpecies),
                         InCell(a.ATP[1]) + kShelxFixed, InCell(a.ATP[2]) + kShelxFixed,
                         InCell(a.ATP[3]) + kShelxFixed, a.ATP[5] + kShelxFixed,
@@ -228,8 +221,8 @@ std::vector<std::string> FourierTemplateLines(const Job& job, int ip,
     lines.push_back("  ! Cell parameters");
     lines.push_back("Cell " + CellText(ph.pat[ip].CellConstants));
     lines.push_back("  ! Atoms in the asymmetric unit ");
-    for (int n = FirstAtom(ph); n <= LastAtom(ph); ++n) {
-      const AtomSite& a = job.atoms[n];
+    for (const ExportedAtom& e : ExportedAtoms(job, f)) {
+      const AtomSite& a = e.site;
       lines.push_back(
           Fmt("(A,A4,3F10.5)", "Atom ", FixedText(a.label, 4), a.ATP[1], a.ATP[2], a.ATP[3]));
     }

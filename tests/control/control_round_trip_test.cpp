@@ -720,10 +720,14 @@ TEST(ControlRoundTrip, AtomWithFormFactorParameters) {
   RoundTrip(c.Text());
 }
 
+// A rigid-body group: its group line (origin, number, reference, option,
+// angles, T) and its one atom, which names the group in slot 6.
 TEST(ControlRoundTrip, RigidBodyModelAtoms) {
-  SingleCase c = WithAtoms("1 0 0 0.0 0.0 1.0 4 0 0 0 0 0.0 0 0 0",
-                           "G1 C 0.1 0.2 0.3 0.4 0.5 0.6 0.7 0.8\n0 0 41.0 0 0 0 0 0\n"
-                           "0.9 1.0 1.1 1.2 1.3 1.4 1.5 1.6\n0 0 0 0 0 0 0");
+  SingleCase c = WithAtoms("2 0 0 0.0 0.0 1.0 4 0 0 0 0 0.0 0 0 0",
+                           "G1 RBG 0.1 0.2 0.3 1.0 0.0 1.0 0.7 0.8\n0 0 41.0 0 0 0 0 0\n"
+                           "0.9 1.0 1.1 1.2 1.3 1.4 1.5 1.6\n0 0 0 0 0 0 0\n"
+                           "G1 C 0.5 0.2 0.1 0.4 0.5 1.0 0.0 0.0\n0 0 0 0 0 0 0 0\n"
+                           "0 0 0 0 0 0 0 0\n0 0 0 0 0 0 0");
   RoundTrip(c.Text());
 }
 

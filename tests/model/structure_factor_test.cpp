@@ -267,28 +267,68 @@ TEST(StructureFactor, EmptyAtomAddsNothingButItsRefinedOccupancyDividesByZero) {
   EXPECT_NE(withoutSecond, full);
 }
 
-TEST(StructureFactor, AFormFactorObjectGivesItsStatusWithTheAtomAndLeavesTheReflection) {
-  const auto cases = ReadCases();
-  StructureCase s(Named(cases, "aniso_p21"));
-  s.Atom(2).nuclearSpecies = -1;
-  s.Atom(1).ATC[1] = Codeword{1, 1.0f};
-  s.r.Aprime = 5.0f;
-  s.r.Bprime = -3.0f;
-  const StructureFactorValue value = s.Evaluate({2, 1, 3}, 0.08f, true);
-  EXPECT_EQ(value.status, StructureFactorStatus::FormFactorObject);
-  EXPECT_EQ(value.atom, 2);
-  EXPECT_EQ(s.r.Aprime, 5.0f);
-  EXPECT_EQ(s.r.Bprime, -3.0f);
-  EXPECT_EQ(s.dF2[0], 0.0f);
+// Turns atom i into a thin spherical shell of radius R and weight w.
+void MakeShell(StructureCase& s, int i, float R, float w) {
+  const int n = i + 8;  // a species of its own, past those of the atoms
+  s.species[n] = ChemicalSpecies{};
+  s.species[n].label = "SPHS";
+  s.Atom(i).nuclearSpecies = -n;
+  s.Atom(i).ATP[19] = R;
+  s.Atom(i).ATP[20] = w;
 }
 
-TEST(StructureFactor, ASpeciesNumberOfZeroIsAFormFactorObjectToo) {
+TEST(StructureFactor, AnObjectScattersWithItsAmplitudeInPlaceOfTheFormFactor) {
+  const auto cases = ReadCases();
+  StructureCase object(Named(cases, "aniso_p21"));
+  MakeShell(object, 2, 1.7f, 2.5f);
+  // The same atom with a flat form factor equal to w sin(qR)/(qR), worked out here.
+  StructureCase flat(Named(cases, "aniso_p21"));
+  const float s2 = 0.08f;
+  const double x = 4.0 * std::acos(-1.0) * std::sqrt(s2) * 1.7;
+  ChemicalSpecies& sp = flat.species[2];
+  sp = ChemicalSpecies{};
+  sp.coeff[9] = static_cast<float>(2.5 * std::sin(x) / x);
+  EXPECT_NEAR(object.F2({2, 1, 3}, s2), flat.F2({2, 1, 3}, s2), 1e-4 * flat.F2({2, 1, 3}, s2));
+  EXPECT_NEAR(object.F2({1, 0, 2}, s2), flat.F2({1, 0, 2}, s2), 1e-4 * flat.F2({1, 0, 2}, s2));
+}
+
+TEST(StructureFactor, ObjectParameterDerivativesMatchFiniteDifferences) {
   const auto cases = ReadCases();
   StructureCase s(Named(cases, "aniso_p21"));
+  MakeShell(s, 2, 1.7f, 2.5f);
+  s.Atom(2).ATC[19] = Codeword{1, 1.0f};
+  s.Atom(2).ATC[20] = Codeword{2, 1.0f};
+  s.Atom(2).ATC[1] = Codeword{3, 1.0f};
+  const std::array<float, 3> h{2, 1, 3};
+  const float s2 = 0.08f;
+  s.F2(h, s2, true);
+  const std::vector<float> analytic = s.dF2;
+  const int slots[3] = {19, 20, 1};
+  for (int n = 0; n < 3; ++n) {
+    float& p = s.Atom(2).ATP[slots[n]];
+    const float p0 = p;
+    // F2 is a 32-bit sum: the steps are as large as the curvature allows.
+    const float step = slots[n] == 1 ? 1e-3f : 1e-2f;
+    p = p0 + step;
+    const double up = s.F2(h, s2);
+    p = p0 - step;
+    const double down = s.F2(h, s2);
+    p = p0;
+    const double numeric = (up - down) / (2.0 * step);
+    EXPECT_NEAR(analytic[static_cast<std::size_t>(n)], numeric, 2e-3 * std::fabs(numeric) + 1e-3)
+        << "slot " << slots[n];
+  }
+}
+
+TEST(StructureFactor, AnAtomWithNoSpeciesScattersNothing) {
+  const auto cases = ReadCases();
+  StructureCase s(Named(cases, "aniso_p21"));
+  const float all = s.F2({2, 1, 3}, 0.08f);
   s.Atom(1).nuclearSpecies = 0;
-  const StructureFactorValue value = s.Evaluate({1, 0, 0}, 0.01f, false);
-  EXPECT_EQ(value.status, StructureFactorStatus::FormFactorObject);
-  EXPECT_EQ(value.atom, 1);
+  const float without = s.F2({2, 1, 3}, 0.08f);
+  s.Atom(1).ATP[5] = 0.0f;
+  EXPECT_NE(without, all);
+  EXPECT_FLOAT_EQ(s.F2({2, 1, 3}, 0.08f), without);
 }
 
 TEST(StructureFactor, PartialSumsFromAListAreAddedAndKept) {

@@ -142,30 +142,6 @@ TEST(CycleDriver, ChiSquaredThatDoesNotFallStopsTheRunForDivergence) {
   EXPECT_EQ(run.Count(" Normal end, final calculations and writing..."), 0);
 }
 
-TEST(CycleDriver, RigidBodyPhaseStopsBeforeTheFirstCycle) {
-  CapturedJob job;
-  job->run.NPHASE = 1;
-  job->run.NCY = 1;
-  job->phases[1].Jbt = 4;
-  EXPECT_FALSE(testing::RunsWithoutStop(*job, [&](Job& j) { RunCycles(j); }));
-  EXPECT_NE(job.Console().find(" Rigid-body structure factors are not available in this version"),
-            std::string::npos);
-  EXPECT_EQ(job.Console().find("CYCLE:"), std::string::npos);
-}
-
-// Magnetic phases of every kind have their structure factors now: the check
-// before the first cycle lets them through.
-TEST(CycleDriver, MagneticPhasesPassTheCheckBeforeTheFirstCycle) {
-  for (int Jbt : {1, -1, 5, -5, 10, -10}) {
-    CapturedJob job;
-    job->run.NPHASE = 1;
-    job->phases[1].Jbt = Jbt;
-    EXPECT_TRUE(testing::RunsWithoutStop(*job, [&](Job& j) {
-      StopOnStructureFactorsNotCalculated(j);
-    })) << Jbt;
-  }
-}
-
 TEST(CycleDriver, ShiftOfOnePointTwoTimesTheLastWithTheOtherSignIsHalved) {
   CapturedJob job;
   job->refinement.LastShift[1] = 1.0f;
