@@ -6,6 +6,7 @@
 
 #include "control/control_reading.h"
 #include "io/file_set.h"
+#include "refine/parameter_families.h"
 #include "run/defaults.h"
 
 namespace corvinet {
@@ -33,6 +34,32 @@ std::unique_ptr<Job> ReadBenchControl() {
   ResetDefaults(*job);
   ReadControlFile(*job);
   return job;
+}
+
+std::unique_ptr<Job> MakeTriclinicMatchJob(const std::filesystem::path& dir,
+                                           const std::string& title, const std::string& cell) {
+  EnterBenchDirectory(dir);
+  std::ofstream pcr("bench.pcr");
+  pcr << title << "\n0 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 1 0\n"
+      << "1.5406 1.5444 0.5 60.0 8.0 0.8 0.0 10.0 0.0\n"
+         "1 0.1 1 1 1 1 5.0 0.00475 85.74525 0 0\n0\n0.0 0 0.0 0 0.0 0 0 0 0\n"
+         "100 0 0 0 0 0\n0 0 0 0 0 0\n"
+         "Phase\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 0 0 0\nP -1\n"
+         "1.0 0.0 0.0 0.0 0.0 0.0 0\n0 0 0 0 0 0\n"
+         "0.01 -0.005 0.008 0.01 0.0 0.0 0.0 0\n0 0 0 0 0 0 0\n"
+      << cell << "\n0 0 0 0 0 0\n0 0 0 0 0 0\n0 0 0 0 0 0\n";
+  pcr.close();
+  return ReadBenchJob("5.0 0.00475 85.74525", 17000);
+}
+
+void RefineTriclinicMatch(Job& job, int n) {
+  const int slots[] = {1, 3, 4, 5, 6, 7, 8, 9, 10, 11, 15, 17};
+  int L = 0;
+  for (int s : slots) job.phases[1].pat[1].PAC[s] = Codeword{++L, 1.0f};
+  job.patterns[1].GLBword[1] = Codeword{++L, 1.0f};
+  job.patterns[1].GLBword[2] = Codeword{++L, 1.0f};
+  job.run.MAXS = n;
+  BuildParameterFamilies(job);
 }
 
 }  // namespace corvinet

@@ -19,4 +19,14 @@ std::unique_ptr<Job> ReadBenchControl();
 // control file bench.pcr of the current directory as a run does.
 std::unique_ptr<Job> ReadBenchJob(const std::string& range, int points);
 
+// A triclinic phase (cell line `cell`) in profile matching over 17000 points of
+// 2theta, written in the folder `dir` under the title `title` and read.
+std::unique_ptr<Job> MakeTriclinicMatchJob(const std::filesystem::path& dir,
+                                           const std::string& title, const std::string& cell);
+
+// Gives the phase and pattern parameters of that job numbers 1..n; numbers
+// beyond the real slots (scale, widths, shape, cell, zero and background)
+// stand for atom parameters of a structure, refined but idle.
+void RefineTriclinicMatch(Job& job, int n);
+
 }  // namespace corvinet

@@ -26,40 +26,11 @@ namespace {
 
 using namespace corvinet;
 
-// A triclinic phase in profile matching over 17000 points of 2theta.
-std::unique_ptr<Job> MakeJob(const std::filesystem::path& dir) {
-  EnterBenchDirectory(dir);
-  std::ofstream pcr("bench.pcr");
-  pcr << "Cycle benchmark\n0 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 1 0\n"
-         "1.5406 1.5444 0.5 60.0 8.0 0.8 0.0 10.0 0.0\n"
-         "1 0.1 1 1 1 1 5.0 0.00475 85.74525 0 0\n0\n0.0 0 0.0 0 0.0 0 0 0 0\n"
-         "100 0 0 0 0 0\n0 0 0 0 0 0\n"
-         "Phase\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 0 0 0\nP -1\n"
-         "1.0 0.0 0.0 0.0 0.0 0.0 0\n0 0 0 0 0 0\n"
-         "0.01 -0.005 0.008 0.01 0.0 0.0 0.0 0\n0 0 0 0 0 0 0\n"
-         "7.1 8.2 9.3 91 95 98\n0 0 0 0 0 0\n0 0 0 0 0 0\n0 0 0 0 0 0\n";
-  pcr.close();
-  auto job = ReadBenchJob("5.0 0.00475 85.74525", 17000);
-  return job;
-}
-
-// Gives the phase and pattern parameters numbers 1..n; numbers beyond the
-// real slots stand for atom parameters of a structure, refined but idle here.
-void Refine(Job& job, int n) {
-  const int slots[] = {1, 3, 4, 5, 6, 7, 8, 9, 10, 11, 15, 17};
-  int L = 0;
-  for (int s : slots) job.phases[1].pat[1].PAC[s] = Codeword{++L, 1.0f};
-  job.patterns[1].GLBword[1] = Codeword{++L, 1.0f};
-  job.patterns[1].GLBword[2] = Codeword{++L, 1.0f};
-  job.run.MAXS = n;
-  BuildParameterFamilies(job);
-}
-
 void BM_CyclePass(benchmark::State& state) {
   const auto dir = std::filesystem::temp_directory_path() / "corvinet-cycle-bench";
   const auto previous = std::filesystem::current_path();
-  auto job = MakeJob(dir);
-  Refine(*job, static_cast<int>(state.range(0)));
+  auto job = MakeTriclinicMatchJob(dir, "Cycle benchmark", "7.1 8.2 9.3 91 95 98");
+  RefineTriclinicMatch(*job, static_cast<int>(state.range(0)));
   auto work = std::make_unique<CycleWork>();
   work->threads = 1;  // the figures are one core's
   for (auto _ : state) CalculatePatterns(*job, *work, 1);

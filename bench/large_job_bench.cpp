@@ -97,25 +97,8 @@ std::unique_ptr<Job> MakePbso4Job(const std::filesystem::path& dir) {
 // widths, shape, cell, zero and background; the rest stand for the atom
 // parameters of a structure, refined but idle here.
 std::unique_ptr<Job> MakeLimitsJob(const std::filesystem::path& dir) {
-  EnterBenchDirectory(dir);
-  std::ofstream pcr("bench.pcr");
-  pcr << "Limits job\n0 5 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 1 0\n"
-         "1.5406 1.5444 0.5 60.0 8.0 0.8 0.0 10.0 0.0\n"
-         "1 0.1 1 1 1 1 5.0 0.00475 85.74525 0 0\n0\n0.0 0 0.0 0 0.0 0 0 0 0\n"
-         "100 0 0 0 0 0\n0 0 0 0 0 0\n"
-         "Phase\n0 0 0 0.0 0.0 1.0 2 0 0 0 0 0.0 0 0 0\nP -1\n"
-         "1.0 0.0 0.0 0.0 0.0 0.0 0\n0 0 0 0 0 0\n"
-         "0.01 -0.005 0.008 0.01 0.0 0.0 0.0 0\n0 0 0 0 0 0 0\n"
-         "7.75 8.95 10.15 91 95 98\n0 0 0 0 0 0\n0 0 0 0 0 0\n0 0 0 0 0 0\n";
-  pcr.close();
-  auto job = ReadBenchJob("5.0 0.00475 85.74525", 17000);
-  const int slots[] = {1, 3, 4, 5, 6, 7, 8, 9, 10, 11, 15, 17};
-  int L = 0;
-  for (int s : slots) job->phases[1].pat[1].PAC[s] = Codeword{++L, 1.0f};
-  job->patterns[1].GLBword[1] = Codeword{++L, 1.0f};
-  job->patterns[1].GLBword[2] = Codeword{++L, 1.0f};
-  job->run.MAXS = job->dimensions.MSZ;
-  BuildParameterFamilies(*job);
+  auto job = MakeTriclinicMatchJob(dir, "Limits job", "7.75 8.95 10.15 91 95 98");
+  RefineTriclinicMatch(*job, job->dimensions.MSZ);
   return job;
 }
 
