@@ -6,6 +6,8 @@
 
 #include "control/control_reading.h"
 #include "io/file_set.h"
+#include "refine/cycle_driver.h"
+#include "refine/cycle_work.h"
 #include "refine/parameter_families.h"
 #include "run/defaults.h"
 
@@ -60,6 +62,17 @@ void RefineTriclinicMatch(Job& job, int n) {
   job.patterns[1].GLBword[2] = Codeword{++L, 1.0f};
   job.run.MAXS = n;
   BuildParameterFamilies(job);
+}
+
+void TimeOneThreadPasses(benchmark::State& state, Job& job, const std::filesystem::path& previous) {
+  auto work = std::make_unique<CycleWork>();
+  work->threads = 1;
+  for (auto _ : state) CalculatePatterns(job, *work, 1);
+  state.counters["reflections"] = job.patterns[1].reflections.total;
+  state.counters["points"] = job.patterns[1].NPTS;
+  state.counters["parameters"] = job.run.MAXS;
+  std::fclose(job.console.out);
+  std::filesystem::current_path(previous);
 }
 
 }  // namespace corvinet

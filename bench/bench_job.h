@@ -1,6 +1,8 @@
 // The job of a benchmark: flat data written beside the control file bench.pcr and both read.
 #pragma once
 
+#include <benchmark/benchmark.h>
+
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -28,5 +30,10 @@ std::unique_ptr<Job> MakeTriclinicMatchJob(const std::filesystem::path& dir,
 // beyond the real slots (scale, widths, shape, cell, zero and background)
 // stand for atom parameters of a structure, refined but idle.
 void RefineTriclinicMatch(Job& job, int n);
+
+// Times one pass over the points of `job` per iteration, on one thread (the
+// figures are one core's), counts its reflections, points and refined
+// parameters, then closes its console and goes back to the folder `previous`.
+void TimeOneThreadPasses(benchmark::State& state, Job& job, const std::filesystem::path& previous);
 
 }  // namespace corvinet

@@ -81,14 +81,7 @@ void BM_BroadeningCyclePass(benchmark::State& state) {
   const auto previous = std::filesystem::current_path();
   auto job = MakeJob(dir, str);
   Refine(*job, str, arg < 0 ? 10 : 0);
-  auto work = std::make_unique<CycleWork>();
-  work->threads = 1;  // the figures are one core's
-  for (auto _ : state) CalculatePatterns(*job, *work, 1);
-  state.counters["reflections"] = job->patterns[1].reflections.total;
-  state.counters["points"] = job->patterns[1].NPTS;
-  state.counters["parameters"] = job->run.MAXS;
-  std::fclose(job->console.out);
-  std::filesystem::current_path(previous);
+  TimeOneThreadPasses(state, *job, previous);
 }
 // Str 0: the plain phase (-1 with ten idle parameters); 1: generalized
 // strain; 3: generalized strain and size.

@@ -31,13 +31,7 @@ void BM_CyclePass(benchmark::State& state) {
   const auto previous = std::filesystem::current_path();
   auto job = MakeTriclinicMatchJob(dir, "Cycle benchmark", "7.1 8.2 9.3 91 95 98");
   RefineTriclinicMatch(*job, static_cast<int>(state.range(0)));
-  auto work = std::make_unique<CycleWork>();
-  work->threads = 1;  // the figures are one core's
-  for (auto _ : state) CalculatePatterns(*job, *work, 1);
-  state.counters["reflections"] = job->patterns[1].reflections.total;
-  state.counters["points"] = job->patterns[1].NPTS;
-  std::fclose(job->console.out);
-  std::filesystem::current_path(previous);
+  TimeOneThreadPasses(state, *job, previous);
 }
 BENCHMARK(BM_CyclePass)->Arg(150)->Arg(300)->Unit(benchmark::kMillisecond);
 
@@ -77,14 +71,7 @@ void BM_StructureCyclePass(benchmark::State& state) {
   const auto dir = std::filesystem::temp_directory_path() / "corvinet-structure-bench";
   const auto previous = std::filesystem::current_path();
   auto job = MakeStructureJob(dir);
-  auto work = std::make_unique<CycleWork>();
-  work->threads = 1;  // the figures are one core's
-  for (auto _ : state) CalculatePatterns(*job, *work, 1);
-  state.counters["reflections"] = job->patterns[1].reflections.total;
-  state.counters["points"] = job->patterns[1].NPTS;
-  state.counters["parameters"] = job->run.MAXS;
-  std::fclose(job->console.out);
-  std::filesystem::current_path(previous);
+  TimeOneThreadPasses(state, *job, previous);
 }
 BENCHMARK(BM_StructureCyclePass)->Unit(benchmark::kMillisecond);
 

@@ -109,14 +109,7 @@ void RunPass(benchmark::State& state, bool magnetic, bool fixedVectors = false) 
       for (Codeword& w : job->phases[1].vectors[n].KCODE) w = Codeword{};
     }
   }
-  auto work = std::make_unique<CycleWork>();
-  work->threads = 1;  // the figures are one core's
-  for (auto _ : state) CalculatePatterns(*job, *work, 1);
-  state.counters["reflections"] = job->patterns[1].reflections.total;
-  state.counters["points"] = job->patterns[1].NPTS;
-  state.counters["parameters"] = job->run.MAXS;
-  std::fclose(job->console.out);
-  std::filesystem::current_path(previous);
+  TimeOneThreadPasses(state, *job, previous);
 }
 
 // Argument 1: the six vector components refined; 0: held.

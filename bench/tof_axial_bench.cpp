@@ -55,14 +55,7 @@ void BM_TofCyclePass(benchmark::State& state) {
   const auto previous = std::filesystem::current_path();
   auto job = MakeTofJob(dir);
   RefineTof(*job, 60);
-  auto work = std::make_unique<CycleWork>();
-  work->threads = 1;  // the figures are one core's
-  for (auto _ : state) CalculatePatterns(*job, *work, 1);
-  state.counters["reflections"] = job->patterns[1].reflections.total;
-  state.counters["points"] = job->patterns[1].NPTS;
-  state.counters["parameters"] = job->run.MAXS;
-  std::fclose(job->console.out);
-  std::filesystem::current_path(previous);
+  TimeOneThreadPasses(state, *job, previous);
 }
 BENCHMARK(BM_TofCyclePass)->Unit(benchmark::kMillisecond);
 
@@ -94,13 +87,7 @@ void BM_AxialDivergenceCyclePass(benchmark::State& state) {
   job->patterns[1].GLBword[1] = Codeword{++L, 1.0f};
   job->run.MAXS = L;
   BuildParameterFamilies(*job);
-  auto work = std::make_unique<CycleWork>();
-  work->threads = 1;  // the figures are one core's
-  for (auto _ : state) CalculatePatterns(*job, *work, 1);
-  state.counters["reflections"] = job->patterns[1].reflections.total;
-  state.counters["points"] = job->patterns[1].NPTS;
-  std::fclose(job->console.out);
-  std::filesystem::current_path(previous);
+  TimeOneThreadPasses(state, *job, previous);
 }
 BENCHMARK(BM_AxialDivergenceCyclePass)->Unit(benchmark::kMillisecond);
 

@@ -9,6 +9,7 @@
 
 #include "format/text.h"
 #include "io/field_reader.h"
+#include "observations/data_lines.h"
 #include "observations/powder_data_common.h"
 #include "observations/spline.h"
 #include "surface/console.h"
@@ -59,23 +60,10 @@ void ReadTemperatureLine(DataFile& file, std::string_view line) {
   file.Temperature = temperature;
 }
 
-// The words of a point line, separated by blanks, tabs or commas.
-std::vector<std::string_view> PointWords(std::string_view line) {
-  constexpr std::string_view kSeparators = " \t,";
-  std::vector<std::string_view> words;
-  std::size_t at = 0;
-  while ((at = line.find_first_not_of(kSeparators, at)) != std::string_view::npos) {
-    const std::size_t end = std::min(line.find_first_of(kSeparators, at), line.size());
-    words.push_back(line.substr(at, end - at));
-    at = end;
-  }
-  return words;
-}
-
 // True when one of the first three words of a point line reads as a number
 // that is not finite.
 bool HoldsNonFinitePoint(std::string_view line) {
-  const std::vector<std::string_view> words = PointWords(line);
+  const std::vector<std::string_view> words = LineWords(line);
   for (std::size_t w = 0; w < words.size() && w < 3; ++w) {
     if (ReadsAsNonFinite(words[w])) return true;
   }
@@ -84,7 +72,7 @@ bool HoldsNonFinitePoint(std::string_view line) {
 
 // True when the line holds two or three numbers and nothing else.
 bool IsPointLine(std::string_view line) {
-  const std::vector<std::string_view> words = PointWords(line);
+  const std::vector<std::string_view> words = LineWords(line);
   for (std::string_view w : words) {
     const std::string word(w);
     char* stop = nullptr;
